@@ -1,0 +1,31 @@
+# The command line, the two programs that share it, and the simulator.
+include_guard()
+
+find_package(CLI11 REQUIRED)
+find_package(nlohmann_json REQUIRED)
+
+wattlark_sources(cliSources "src" FOLDERS cli)
+wattlark_library(wattlark_cli SOURCES ${cliSources}
+  LINKS wattlark_platform CLI11::CLI11 nlohmann_json::nlohmann_json)
+
+set(mainSource "${PROJECT_SOURCE_DIR}/src/main.cpp")
+file(GLOB mainFound CONFIGURE_DEPENDS "${mainSource}")
+if(mainFound)
+  add_executable(wattlark-headless "${mainSource}")
+  target_link_libraries(wattlark-headless PRIVATE wattlark_cli)
+
+  add_executable(wattlark "${mainSource}")
+  target_link_libraries(wattlark PRIVATE wattlark_cli)
+  if(TARGET wattlark_forms)
+    target_compile_definitions(wattlark PRIVATE WATTLARK_WITH_WINDOW=1)
+    target_link_libraries(wattlark PRIVATE wattlark_forms)
+  endif()
+  install(TARGETS wattlark wattlark-headless)
+endif()
+
+file(GLOB simSources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tools/sim/*.cpp")
+if(simSources)
+  add_executable(wattlark-sim ${simSources})
+  target_include_directories(wattlark-sim PRIVATE "${PROJECT_SOURCE_DIR}/tools")
+  target_link_libraries(wattlark-sim PRIVATE wattlark_core CLI11::CLI11)
+endif()
