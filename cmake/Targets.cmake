@@ -13,9 +13,10 @@ function(wattlark_sources out base)
   set(${out} ${found} PARENT_SCOPE)
 endfunction()
 
-# wattlark_library(NAME SOURCES file... LINKS target...): a static library, or an interface one of nothing but headers.
+# wattlark_library(NAME SOURCES file... LINKS target... [INCLUDES folder...])
+# A static library, or an interface one of nothing but headers.
 function(wattlark_library name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS;INCLUDES")
   if(arg_SOURCES)
     add_library(${name} STATIC ${arg_SOURCES})
     set(scope PUBLIC)
@@ -23,7 +24,7 @@ function(wattlark_library name)
     add_library(${name} INTERFACE)
     set(scope INTERFACE)
   endif()
-  target_include_directories(${name} ${scope} "${PROJECT_SOURCE_DIR}/src")
+  target_include_directories(${name} ${scope} ${arg_INCLUDES})
   target_link_libraries(${name} ${scope} ${arg_LINKS})
 endfunction()
 
