@@ -1,0 +1,179 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <array>
+#include <fstream>
+#include <numeric>
+#include <stdexcept>
+
+#include "sim/PseudoTerminal.h"
+
+namespace wattlark {
+namespace {
+
+namespace fs = std::filesystem;
+using Bytes = std::vector<std::uint8_t>;
+
+class Reader {
+ public:
+  explicit Reader(const fs::path& path)
+      : descriptor_(open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK)) {
+    EXPECT_GE(descriptor_, 0);
+  }
+  ~Reader() { close(descriptor_); }
+  Reader(const Reader&) = delete;
+  Reader& operator=(const Reader&) = delete;
+
+  int Descriptor() const { return descriptor_; }
+  bool HasBytes(int timeoutMilliseconds) const {
+    pollfd event{descriptor_, POLLIN, 0};
+    return poll(&event, 1, timeoutMilliseconds) == 1;
+  }
+  /// What comes until `count` bytes are there or nothing more comes.
+  Bytes Read(std::size_t count) const {
+    Bytes bytes;
+    while (bytes.size() < count && HasBytes(5000)) {
+      std::array<std::uint8_t, 256> part{};
+      const ssize_t length = read(descriptor_, part.data(), std::min(part.size(), count));
+      if (length <= 0) break;
+      bytes.insert(bytes.end(), part.begin(), part.begin() + length);
+    }
+    return bytes;
+  }
+
+ private:
+  int descriptor_;
+};
+
+class PseudoTerminalTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    std::string name = (fs::temp_directory_path() / "wattlark-sim-XXXXXX").string();
+    ASSERT_NE(mkdtemp(name.data()), nullptr);
+    folder_ = name;
+    link_ = folder_ / "meters";
+  }
+  void TearDown() override { fs::remove_all(folder_); }
+
+  fs::path folder_;
+  fs::path link_;
+};
+
+TEST_F(PseudoTerminalTest, CarriesEveryByteValueUnchanged) {
+  PseudoTerminal terminal(link_);
+  const Reader reader(link_);
+  Bytes all(256);
+  std::iota(all.begin(), all.end(), std::uint8_t{0});
+  terminal.Write(all, 0);
+  EXPECT_EQ(reader.Read(256), all);
+}
+
+TEST_F(PseudoTerminalTest, ReadersComeAndGo) {
+  PseudoTerminal terminal(link_);
+  for (std::uint8_t round = 1; round <= 3; ++round) {
+    const Reader reader(link_);
+    terminal.Write({round}, round * 100);
+    EXPECT_EQ(reader.Read(1), Bytes{round});
+  }
+}
+
+TEST_F(PseudoTerminalTest, WithoutAReaderOnlyTheNewestBytesWait) {
+  PseudoTerminal terminal(link_);
+  const Reader observer(link_);
+  for (std::uint8_t i = 1; i <= 50; ++i) {
+    terminal.Write({i, i}, i * 250);
+    ASSERT_TRUE(observer.HasBytes(5000));
+    EXPECT_FALSE(terminal.CheckForReader(i * 250 + 100));
+  }
+  EXPECT_FALSE(terminal.HasReader());
+  EXPECT_EQ(observer.Read(2), (Bytes{50, 50}));
+  EXPECT_FALSE(observer.HasBytes(0));
+}
+
+TEST_F(PseudoTerminalTest, NoticesAReaderOnceAndThatItLeft) {
+  PseudoTerminal terminal(link_);
+  const Reader reader(link_);
+  terminal.Write({1}, 0);
+  ASSERT_EQ(reader.Read(1), Bytes{1});
+  EXPECT_TRUE(terminal.CheckForReader(100));
+  EXPECT_FALSE(terminal.CheckForReader(120));
+  EXPECT_TRUE(terminal.HasReader());
+
+  terminal.Write({2}, 200);
+  ASSERT_TRUE(reader.HasBytes(5000));
+  EXPECT_FALSE(terminal.CheckForReader(1199));
+  EXPECT_TRUE(terminal.HasReader()) << "a reader may be busy for a while";
+  EXPECT_FALSE(terminal.CheckForReader(1200));
+  EXPECT_FALSE(terminal.HasReader());
+
+  ASSERT_EQ(reader.Read(1), Bytes{2});
+  EXPECT_TRUE(terminal.CheckForReader(1300));
+}
+
+TEST_F(PseudoTerminalTest, FullBufferNeitherBlocksNorEndsIt) {
+  PseudoTerminal terminal(link_);
+  const Reader reader(link_);
+  terminal.Write({1}, 0);
+  ASSERT_EQ(reader.Read(1), Bytes{1});
+  ASSERT_TRUE(terminal.CheckForReader(100));
+  // Far more than any terminal buffers, while the reader still counts as there.
+  for (int i = 0; i < 100; ++i) terminal.Write(Bytes(4096, 7), 101);
+
+  // Unread for too long, all of it goes.
+  EXPECT_FALSE(terminal.CheckForReader(1200));
+  EXPECT_FALSE(terminal.HasReader());
+  while (reader.HasBytes(100)) ASSERT_FALSE(reader.Read(256).empty());
+  terminal.Write({42}, 1300);
+  EXPECT_EQ(reader.Read(1), Bytes{42});
+}
+
+TEST_F(PseudoTerminalTest, WhatReadersWriteNeverFillsItUp) {
+  PseudoTerminal terminal(link_);
+  const Reader reader(link_);
+  const Bytes request(1024, 'x');
+  for (int i = 0; i < 100; ++i) {
+    ASSERT_EQ(write(reader.Descriptor(), request.data(), request.size()), 1024);
+    pollfd event{terminal.Descriptor(), POLLIN, 0};
+    ASSERT_EQ(poll(&event, 1, 5000), 1);
+    terminal.DiscardInput();
+  }
+}
+
+TEST_F(PseudoTerminalTest, RemovesItsLinkButNotAnothers) {
+  { const PseudoTerminal terminal(link_); }
+  EXPECT_EQ(fs::symlink_status(link_).type(), fs::file_type::not_found);
+  {
+    const PseudoTerminal terminal(link_);
+    fs::remove(link_);
+    fs::create_symlink("/dev/null", link_);
+  }
+  EXPECT_EQ(fs::read_symlink(link_), "/dev/null");
+}
+
+TEST_F(PseudoTerminalTest, ReplacesTheLinkOfAKilledRun) {
+  fs::create_symlink("/dev/pts/4095", link_);
+  const PseudoTerminal terminal(link_);
+  EXPECT_EQ(fs::read_symlink(link_), terminal.DevicePath());
+}
+
+TEST_F(PseudoTerminalTest, LeavesAnythingElseInItsPlaceAlone) {
+  std::ofstream(link_) << "kept";
+  EXPECT_THROW(PseudoTerminal{link_}, std::runtime_error);
+  EXPECT_EQ(fs::file_size(link_), 4U);
+  EXPECT_THROW(PseudoTerminal{folder_}, std::runtime_error);
+  EXPECT_THROW(PseudoTerminal{folder_ / "none" / "meters"}, std::runtime_error);
+}
+
+TEST_F(PseudoTerminalTest, WithoutALinkTheDeviceItselfIsPublic) {
+  PseudoTerminal terminal{fs::path()};
+  EXPECT_EQ(terminal.PublicPath(), terminal.DevicePath());
+  const Reader reader(terminal.PublicPath());
+  terminal.Write({9}, 0);
+  EXPECT_EQ(reader.Read(1), Bytes{9});
+}
+
+}  // namespace
+}  // namespace wattlark
