@@ -75,7 +75,7 @@ TEST_F(PseudoTerminalTest, ReadersComeAndGo) {
   PseudoTerminal terminal(link_);
   for (std::uint8_t round = 1; round <= 3; ++round) {
     const Reader reader(link_);
-    terminal.Write({round}, round * 100);
+    terminal.Write({round}, std::int64_t{100} * round);
     EXPECT_EQ(reader.Read(1), Bytes{round});
   }
 }
@@ -84,9 +84,9 @@ TEST_F(PseudoTerminalTest, WithoutAReaderOnlyTheNewestBytesWait) {
   PseudoTerminal terminal(link_);
   const Reader observer(link_);
   for (std::uint8_t i = 1; i <= 50; ++i) {
-    terminal.Write({i, i}, i * 250);
+    terminal.Write({i, i}, std::int64_t{250} * i);
     ASSERT_TRUE(observer.HasBytes(5000));
-    EXPECT_FALSE(terminal.CheckForReader(i * 250 + 100));
+    EXPECT_FALSE(terminal.CheckForReader(std::int64_t{250} * i + 100));
   }
   EXPECT_FALSE(terminal.HasReader());
   EXPECT_EQ(observer.Read(2), (Bytes{50, 50}));

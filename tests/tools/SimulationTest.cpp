@@ -74,7 +74,7 @@ TEST(Simulation, RestartBeginsARoundWithTheFirstMeter) {
 TEST(Simulation, RestartForgetsWhatABusyLineHasPutOff) {
   // Seven frames of 176 ms each keep this line busy until 1232 ms.
   Simulation simulation(ThreeMeters(), LineSettings{0, 0, 0, 1}, 0.3, 1);
-  Take(simulation, 7 * 88);
+  Take(simulation, std::size_t{7} * 88);
   simulation.Restart(700);
   EXPECT_EQ(simulation.Next().milliseconds, 700);
 }
@@ -114,7 +114,7 @@ TEST(Simulation, PiecesOfFramesNeverMixOnABusyLine) {
   Simulation simulation(ThreeMeters(), LineSettings{0, 0, 0, 1}, 0.3, 1);
   Bytes bytes;
   std::int64_t last = -1;
-  for (const Delivery& delivery : Take(simulation, 88 * 9)) {
+  for (const Delivery& delivery : Take(simulation, std::size_t{88} * 9)) {
     EXPECT_GT(delivery.milliseconds, last);
     last = delivery.milliseconds;
     bytes.push_back(delivery.bytes.at(0));
