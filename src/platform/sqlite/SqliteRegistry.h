@@ -1,0 +1,96 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/Registry.h"
+#include "platform/sqlite/SqliteDatabase.h"
+
+namespace wattlark {
+
+/// The `Registry` port over one SQLite database.
+///
+/// A key is one row that holds its whole path, so that a value is found without a step for each
+/// level. Changes outside a transaction are stored one by one, each safe against a power cut.
+/// Reading many values is several times faster inside a transaction, which locks the file once
+/// instead of once a value. A lock of another program is waited for as long as the connection
+/// allows.
+class SqliteRegistry final : public Registry {
+ public:
+  static constexpr std::int64_t kApplicationId = 0x574C4B52;
+  static constexpr std::int64_t kSchemaVersion = 1;
+
+  /// Creates the tables in a database without any. The result is a SQLite code.
+  static int CreateTables(SqliteDatabase& database);
+  /// Takes over a connection to a store with its tables; `registry` stays empty unless the result
+  /// is SQLITE_OK. `name` is what error texts call the store.
+  static int Attach(SqliteDatabase database, const std::string& name,
+                    std::unique_ptr<Registry>& registry);
+
+  bool KeyExists(Hive hive, const std::string& path) override;
+  bool CreateKey(Hive hive, const std::string& path) override;
+  bool DeleteKey(Hive hive, const std::string& path) override;
+  std::vector<std::string> SubKeys(Hive hive, const std::string& path) override;
+
+  std::optional<RegistryValue> Read(Hive hive, const std::string& path,
+                                    const std::string& name) override;
+  bool Write(Hive hive, const std::string& path, const std::string& name,
+             const RegistryValue& value) override;
+  bool DeleteValue(Hive hive, const std::string& path, const std::string& name) override;
+  std::vector<NamedRegistryValue> Values(Hive hive, const std::string& path) override;
+
+  bool Begin() override;
+  bool Commit() override;
+  void Rollback() override;
+  std::string ErrorText() const override { return errorText_; }
+
+ private:
+  enum class Outcome { Done, Missing, Failed };
+
+  SqliteRegistry(SqliteDatabase database, const std::string& name)
+      : database_(std::move(database)), name_(name) {}
+  int PrepareStatements();
+
+  template <typename Work>
+  bool Change(Work work);
+  void Fail(const char* action);
+  void EndTransaction();
+  bool StepRow(SqliteStatement& statement);
+  bool Run(SqliteStatement& statement);
+
+  const std::string& FoldedPath(Hive hive, const std::string& path);
+  std::int64_t FindKey(Hive hive, std::string_view folded);
+  std::int64_t FindOrCreateKey(Hive hive, const std::string& path);
+  Outcome RemoveKey(std::int64_t key);
+
+  SqliteDatabase database_;
+  std::string name_;
+  std::string errorText_;
+  bool readFailed_ = false;  ///< the last statement failed, rather than found nothing
+  bool inTransaction_ = false;
+  bool transactionFailed_ = false;
+
+  Hive lastHive_ = Hive::CurrentUser;
+  std::string lastPath_;
+  std::string lastFolded_;
+  /// Id of the last key; 0 when unknown. Kept within a transaction only: outside one, another
+  /// process may delete the key between two calls.
+  std::int64_t lastKey_ = 0;
+
+  SqliteStatement findKey_;
+  SqliteStatement insertKey_;
+  SqliteStatement findSubKey_;
+  SqliteStatement subKeys_;
+  SqliteStatement deleteKey_;
+  SqliteStatement deleteKeyValues_;
+  SqliteStatement readValue_;
+  SqliteStatement writeValue_;
+  SqliteStatement deleteValue_;
+  SqliteStatement values_;
+};
+
+}  // namespace wattlark
