@@ -1,0 +1,44 @@
+#include "platform/linux/ProfileLock.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "platform/linux/PrivateFolder.h"
+
+namespace wattlark {
+
+ProfileLock::~ProfileLock() {
+  if (file_ >= 0) ::close(file_);
+}
+
+bool ProfileLock::TryAcquire() {
+  if (file_ >= 0) return true;
+  problem_ = CreatePrivateFolder(folder_);
+  if (!problem_.empty()) return false;
+  const std::string path = folder_ + "/lock";
+  // Close-on-exec: a browser or sound player that outlives the program must not keep the lock.
+  const int file = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+  if (file < 0) {
+    problem_ = "\"" + path + "\" cannot be opened: " + std::strerror(errno);
+    return false;
+  }
+  int result = 0;
+  do {
+    result = ::flock(file, LOCK_EX | LOCK_NB);
+  } while (result != 0 && errno == EINTR);
+  if (result != 0) {
+    if (errno != EWOULDBLOCK) {
+      problem_ = "\"" + path + "\" cannot be locked: " + std::strerror(errno);
+    }
+    ::close(file);
+    return false;
+  }
+  file_ = file;
+  return true;
+}
+
+}  // namespace wattlark
