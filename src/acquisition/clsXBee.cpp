@@ -1,0 +1,224 @@
+#include "acquisition/clsXBee.h"
+
+#include <algorithm>
+#include <bit>
+#include <stdexcept>
+#include <utility>
+
+namespace wattlark {
+
+namespace {
+
+constexpr std::uint8_t kDelimiter = 0x7E;
+constexpr std::size_t kPrefix = 3;    // delimiter and length
+constexpr std::size_t kOverhead = 4;  // prefix and checksum
+constexpr std::size_t kSampleHeader = 8;
+constexpr std::uint16_t kSignBit = 0x8000;
+constexpr std::uint16_t kDigitalBits = 0x01FF;
+constexpr int kFirstAnalogBit = 9;
+
+std::uint16_t Word(const std::uint8_t* bytes) {
+  return static_cast<std::uint16_t>(bytes[0] << 8 | bytes[1]);
+}
+
+// The whole frame on the wire, delimiter to checksum, for a length field that is known to be there.
+std::size_t WireSize(std::span<const std::uint8_t> bytes) {
+  return Word(&bytes[1]) + kOverhead;
+}
+
+std::uint8_t Sum(std::span<const std::uint8_t> bytes) {
+  std::uint8_t sum = 0;
+  for (const std::uint8_t byte : bytes) sum = static_cast<std::uint8_t>(sum + byte);
+  return sum;
+}
+
+// The 8-bit sum of frame data and checksum is 0xFF (XBee API frame structure).
+constexpr std::uint8_t kIntactSum = 0xFF;
+
+}  // namespace
+
+clsXBee::Candidate clsXBee::Judge(std::span<const std::uint8_t> bytes, std::size_t searched) {
+  if (bytes.size() >= 2 && bytes[1] >= 0x80) {
+    return searched > 1 ? Candidate::False : Candidate::Overflow;
+  }
+  if (bytes.size() < kPrefix) return Candidate::Waiting;
+  if (Word(&bytes[1]) > LargestFrame) {
+    return searched > 2 ? Candidate::False : Candidate::Overflow;
+  }
+  return bytes.size() < WireSize(bytes) ? Candidate::Waiting : Candidate::Complete;
+}
+
+bool clsXBee::ParseBytes(std::span<const std::uint8_t> bytes) {
+  frameReceived_ = false;
+  if (!pending_.empty()) {
+    pending_.insert(pending_.end(), bytes.begin(), bytes.end());
+    return ParsePending();
+  }
+  while (true) {
+    bytes = bytes.subspan(
+        static_cast<std::size_t>(std::ranges::find(bytes, kDelimiter) - bytes.begin()));
+    if (bytes.empty()) return true;
+    const Candidate candidate = Judge(bytes, 0);
+    if (candidate == Candidate::Overflow) return frameReceived_;
+    if (candidate == Candidate::Complete) {
+      const auto frame = bytes.subspan(kPrefix, WireSize(bytes) - kPrefix);
+      if (Sum(frame) == kIntactSum) {
+        ProcessFrame(frame);
+        bytes = bytes.subspan(WireSize(bytes));
+        continue;
+      }
+    }
+    pending_.assign(bytes.begin(), bytes.end());
+    return candidate == Candidate::Waiting || ParsePending();
+  }
+}
+
+bool clsXBee::ParsePending() {
+  bool complete = true;
+  while (true) {
+    const auto begin = pending_.begin() + static_cast<std::ptrdiff_t>(pendingStart_);
+    pendingStart_ =
+        static_cast<std::size_t>(std::find(begin, pending_.end(), kDelimiter) - pending_.begin());
+    const auto bytes = std::span<const std::uint8_t>(pending_).subspan(pendingStart_);
+    const std::size_t searched = searchedEnd_ - std::min(searchedEnd_, pendingStart_);
+    if (bytes.empty()) break;
+    const Candidate candidate = Judge(bytes, searched);
+    if (candidate == Candidate::Waiting) break;
+    if (candidate == Candidate::False) {
+      ++pendingStart_;
+      continue;
+    }
+    if (candidate == Candidate::Overflow) {
+      pendingStart_ = pending_.size();
+      complete = frameReceived_;
+      break;
+    }
+    const std::size_t size = WireSize(bytes);
+    const auto frame = bytes.subspan(kPrefix, size - kPrefix);
+    const std::uint8_t sum =
+        searched == 0 ? Sum(frame) : PendingSum(pendingStart_ + kPrefix, pendingStart_ + size);
+    if (sum == kIntactSum) {
+      ProcessFrame(frame);
+      pendingStart_ += size;
+    } else {
+      ++droppedFrames_;
+      searchedEnd_ = std::max(searchedEnd_, pendingStart_ + size);
+      ++pendingStart_;
+    }
+  }
+  DropParsedBytes();
+  return complete;
+}
+
+std::uint8_t clsXBee::PendingSum(std::size_t from, std::size_t to) {
+  if (pendingSums_.empty()) pendingSums_.push_back(0);
+  while (pendingSums_.size() <= to) {
+    pendingSums_.push_back(
+        static_cast<std::uint8_t>(pendingSums_.back() + pending_[pendingSums_.size() - 1]));
+  }
+  return static_cast<std::uint8_t>(pendingSums_[to] - pendingSums_[from]);
+}
+
+void clsXBee::DropParsedBytes() {
+  if (pendingStart_ == pending_.size()) {
+    pending_.clear();
+    pendingSums_.clear();
+    pendingStart_ = 0;
+    searchedEnd_ = 0;
+    return;
+  }
+  // Moving the rest to the front only when it is the smaller half keeps the cost a byte constant.
+  if (pendingStart_ < pending_.size() / 2) return;
+  const auto count = static_cast<std::ptrdiff_t>(pendingStart_);
+  pending_.erase(pending_.begin(), pending_.begin() + count);
+  pendingSums_.erase(
+      pendingSums_.begin(),
+      pendingSums_.begin() + std::min(count, static_cast<std::ptrdiff_t>(pendingSums_.size())));
+  searchedEnd_ -= std::min(searchedEnd_, pendingStart_);
+  pendingStart_ = 0;
+}
+
+void clsXBee::ProcessFrame(std::span<const std::uint8_t> frame) {
+  // All frames of one read arrived at the same moment.
+  if (!frameReceived_) {
+    frameTime_ = clock_.Now();
+    frameTicks_ = clock_.Ticks();
+  }
+  apiIdentifier_ = frame[0];
+  sampleDecoded_ = apiIdentifier_ == IOSampleIdentifier && DecodeIOSample(frame);
+  frameReceived_ = true;
+  ++completedFrames_;
+  if (sampleDecoded_) ++decodedFrames_;
+}
+
+bool clsXBee::DecodeIOSample(std::span<const std::uint8_t> frame) {
+  const auto data = frame.first(frame.size() - 1);
+  if (data.size() < kSampleHeader || (data[1] & 0x80) != 0) return false;
+  sourceAddress_ = static_cast<std::int16_t>(Word(&data[1]));
+  rssi_ = data[3];
+  optionBit0_ = (data[4] & 0x01) != 0;
+  optionBit1_ = (data[4] & 0x02) != 0;
+  if ((data[6] & 0x80) != 0) return false;
+  sampleCount_ = data[5];
+  mask_ = static_cast<std::int16_t>(Word(&data[6]));
+
+  const auto mask = static_cast<std::uint16_t>(mask_);
+  wordsPerSample_ = std::popcount(static_cast<std::uint16_t>(mask >> kFirstAnalogBit)) +
+                    ((mask & kDigitalBits) != 0 ? 1 : 0);
+  const std::uint8_t* words = data.data() + kSampleHeader;
+  const int needed = sampleCount_ * wordsPerSample_;
+  const int received = std::min(needed, static_cast<int>((data.size() - kSampleHeader) / 2));
+  std::int16_t signs = 0;
+  for (int i = 0; i < received; ++i) {
+    const auto word = static_cast<std::int16_t>(Word(words + 2 * i));
+    table_[static_cast<std::size_t>(i)] = word;
+    signs |= word;
+  }
+  const auto end = table_.begin() + received;
+  wordsDecoded_ =
+      signs >= 0
+          ? received
+          : static_cast<int>(std::find_if(table_.begin(), end, [](auto word) { return word < 0; }) -
+                             table_.begin());
+  return wordsDecoded_ == needed;
+}
+
+std::optional<int> clsXBee::Column(int maskBit) const {
+  const auto mask = static_cast<std::uint16_t>(mask_);
+  if ((mask >> maskBit & 1) == 0) return std::nullopt;
+  if (maskBit < kFirstAnalogBit) return 0;  // all digital lines share one word
+  const int below = mask & ((1 << maskBit) - 1);
+  return ((below & kDigitalBits) != 0 ? 1 : 0) +
+         std::popcount(static_cast<std::uint16_t>(below >> kFirstAnalogBit));
+}
+
+std::int16_t clsXBee::TableWord(int sample, std::optional<int> column, std::int16_t missing) const {
+  if (sample < 1 || sample > sampleCount_) throw std::out_of_range("sample");
+  const int at = column ? (sample - 1) * wordsPerSample_ + *column : wordsDecoded_;
+  return at < wordsDecoded_ ? table_[static_cast<std::size_t>(at)] : missing;
+}
+
+std::int16_t clsXBee::AnalogSample(int sample, int channel) const {
+  if (channel < 1 || channel > AnalogChannels) throw std::out_of_range("ADC channel");
+  return TableWord(sample, Column(kFirstAnalogBit + channel - 1), NotSampled);
+}
+
+bool clsXBee::DigitalSample(int sample, int line) const {
+  if (line < 1 || line > DigitalLines) throw std::out_of_range("DIO line");
+  constexpr std::int16_t kEveryBit = -1;
+  return (TableWord(sample, Column(line - 1), kEveryBit) & (1 << (line - 1))) != 0;
+}
+
+void clsXBee::CopyChannel(int channel, std::span<std::int16_t> readings) const {
+  if (channel < 1 || channel > AnalogChannels) throw std::out_of_range("ADC channel");
+  const auto wanted =
+      readings.first(std::min(readings.size(), static_cast<std::size_t>(sampleCount_)));
+  const auto column = Column(kFirstAnalogBit + channel - 1);
+  auto at = static_cast<std::size_t>(column ? *column : wordsDecoded_);
+  for (std::int16_t& reading : wanted) {
+    reading = std::cmp_less(at, wordsDecoded_) ? table_[at] : NotSampled;
+    at += static_cast<std::size_t>(wordsPerSample_);
+  }
+}
+
+}  // namespace wattlark
