@@ -1,0 +1,28 @@
+#pragma once
+
+#include <deque>
+#include <string>
+
+#include "support/RegionalSettings.h"
+
+namespace wattlark {
+
+/// The failures of background work since the user last looked, oldest first. Holds the newest
+/// 1,000.
+class ErrorList {
+ public:
+  /// `regional` must outlive this object.
+  explicit ErrorList(const RegionalSettings& regional) : regional_(regional) {}
+
+  void Add(const std::string& text, DateTime moment);
+  void Clear() { lines_.clear(); }
+  bool IsEmpty() const { return lines_.empty(); }
+  /// One line for every error: short date, blank, long time, ": ", the text, CR LF.
+  std::string Text() const;
+
+ private:
+  const RegionalSettings& regional_;
+  std::deque<std::string> lines_;
+};
+
+}  // namespace wattlark

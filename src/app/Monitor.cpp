@@ -1,0 +1,259 @@
+#include "app/Monitor.h"
+
+#include <exception>
+
+#include "app/CaptureWriter.h"
+#include "publish/CSVLogger.h"
+
+namespace wattlark {
+
+namespace {
+
+constexpr std::uint32_t kReopenMilliseconds = 2000;
+
+// Holds a flag for the length of a scope.
+class BusyScope {
+ public:
+  explicit BusyScope(bool& flag) : flag_(flag) { flag_ = true; }
+  ~BusyScope() { flag_ = false; }
+  BusyScope(const BusyScope&) = delete;
+  BusyScope& operator=(const BusyScope&) = delete;
+
+ private:
+  bool& flag_;
+};
+
+}  // namespace
+
+Monitor::Monitor(const Ports& ports, const RegionalSettings& regional, Options options,
+                 MonitorListener& listener)
+    : ports_(ports),
+      regional_(regional),
+      options_(std::move(options)),
+      listener_(listener),
+      store_(ports.registry),
+      profile_(regional_),
+      decoder_(readClock_),
+      errors_(regional_) {
+  schedule_.Add({&AppSettings::LogToCSV, &AppSettings::CSVInterval, DueUnit::Seconds,
+                 [this](DateTime timestamp, bool useAverage, bool quiet) {
+                   return Publish(
+                       [&] {
+                         return LogToCSVFile(profile_.Settings(), profile_.Meters(), regional_,
+                                             timestamp, useAverage);
+                       },
+                       quiet);
+                 },
+                 DateTime()});
+}
+
+Monitor::~Monitor() = default;
+
+void Monitor::Load() {
+  if (ports_.registry.Begin()) {
+    store_.MigrateLegacySettings(ApplicationTitle, false);
+    ports_.registry.Commit();
+  }
+  profile_.Load(store_, options_.csvFilenameDefault, Now());
+  TellLoadProblems();
+}
+
+void Monitor::TellLoadProblems() {
+  if (!profile_.SkippedMeters().empty()) {
+    ports_.prompts.Ask({"Not all the Kill-A-Watts were loaded", "Duplicate ID",
+                        PromptIcon::Exclamation, PromptButtons::OK, PromptAnswer::OK});
+  }
+  if (profile_.Problems().empty()) return;
+  std::string text;
+  for (const std::string& problem : profile_.Problems()) {
+    if (!text.empty()) text += "\r\n";
+    text += problem;
+  }
+  ports_.prompts.Ask(
+      {text, "Error!", PromptIcon::Exclamation, PromptButtons::OK, PromptAnswer::OK});
+}
+
+void Monitor::StartRunning() {
+  OpenPort();
+  schedule_.Start(profile_.Settings(), Now());
+  lastSaveTicks_ = ports_.clock.Ticks();
+  listener_.OnUpdateStatus();
+  SetUpdateTimer(true);
+}
+
+bool Monitor::Unload() {
+  SetUpdateTimer(false);
+  const bool saved = SaveEverything();
+  ClosePort();
+  return saved;
+}
+
+bool Monitor::SaveEverything() {
+  bool saved = ports_.registry.Begin();
+  if (saved) {
+    saved = profile_.SaveAll(store_);
+    if (saved) {
+      saved = ports_.registry.Commit();
+    } else {
+      ports_.registry.Rollback();
+    }
+  }
+  if (!saved && !saveFailed_) {
+    ReportError("Settings and statistics could not be saved: " + ports_.registry.ErrorText());
+  }
+  saveFailed_ = !saved;
+  return saved;
+}
+
+void Monitor::OpenPort() {
+  lastOpenTicks_ = ports_.clock.Ticks();
+  const AppSettings& settings = profile_.Settings();
+  if (IsDemoMode()) return;
+  ports_.serial.Open(settings.PortNum, settings.BaudRate + "," + settings.Parity + "," +
+                                           settings.DataBits + "," + settings.StopBits);
+}
+
+void Monitor::ClosePort() {
+  if (ports_.serial.IsOpen()) ports_.serial.Close();
+  listener_.OnUpdateStatus();
+}
+
+void Monitor::ReceiveXBeeData() {
+  if (busy_) return;
+  try {
+    listener_.OnCommImage(CommImage::Receiving);
+    const std::vector<std::uint8_t> bytes = ports_.serial.ReadAll();
+    if (bytes.empty()) return;
+    readClock_.now = Now();
+    readClock_.ticks = ports_.clock.Ticks();
+    Record([&](CaptureWriter& to) { to.WriteRead(readClock_.now, readClock_.ticks, bytes); });
+    if (!decoder_.ParseBytes(bytes) || !decoder_.FrameReceived()) return;
+    listener_.OnCommImage(CommImage::Idle);
+    if (!decoder_.SampleDecoded()) return;
+    // Addresses are unique, so at most one meter takes the frame.
+    clsKillAWatt* meter = profile_.Meters().FindAddress(decoder_.SourceAddress());
+    if (meter == nullptr) return;
+    const BusyScope busy(busy_);
+    meter->ProcessPacket(decoder_);
+    ++deliveredFrames_;
+    listener_.OnReading(*meter, readClock_.now);
+  } catch (const std::exception& error) {
+    ReportError(std::string("Communications Error - ") + error.what());
+  }
+}
+
+void Monitor::UpdateCycle() {
+  SetUpdateTimer(false);
+  {
+    const BusyScope busy(busy_);
+    try {
+      RunTick(Now(), ports_.clock.Ticks());
+    } catch (const std::exception& error) {
+      ReportError(error.what());
+    }
+  }
+  SetUpdateTimer(true);
+}
+
+void Monitor::RunTick(DateTime now, std::uint32_t ticks) {
+  Record([&](CaptureWriter& to) { to.WriteTick(now, ticks); });
+  ReopenLostPort(ticks);
+  if (IsDemoMode()) {
+    for (const auto& meter : profile_.Meters()) {
+      meter->GenerateDemoReading(now, ticks, ports_.random);
+    }
+  }
+  UpdateTotalKillAWatt(profile_.Total(), profile_.Meters(), now, ticks);
+  if (!profile_.Meters().IsEmpty() && IsFlowing()) {
+    schedule_.RunPublishers(profile_.Settings(), now);
+    ShowAlarmNotices(now);
+  }
+  listener_.OnUpdateStatus();
+  if (static_cast<std::int32_t>(ticks - lastSaveTicks_) / 1000 >= options_.checkpointSeconds) {
+    lastSaveTicks_ = ticks;
+    SaveEverything();
+  }
+}
+
+// A recording that fails ends; the readings go on.
+void Monitor::Record(const std::function<void(CaptureWriter&)>& write) {
+  if (recorder_ == nullptr) return;
+  try {
+    write(*recorder_);
+  } catch (const std::exception& error) {
+    recorder_ = nullptr;
+    ReportError(error.what());
+  }
+}
+
+void Monitor::ReopenLostPort(std::uint32_t ticks) {
+  if (IsFlowing() || ticks - lastOpenTicks_ < kReopenMilliseconds) return;
+  OpenPort();
+}
+
+void Monitor::ShowAlarmNotices(DateTime now) {
+  std::string text;
+  RaiseAlarmNotice(profile_.Total(), now, text);
+  for (const auto& meter : profile_.Meters()) RaiseAlarmNotice(*meter, now, text);
+}
+
+void Monitor::RaiseAlarmNotice(clsKillAWatt& meter, DateTime now, std::string& text) {
+  if (!meter.Alarm().AlarmTriggered() || !meter.Alarm().AlarmRepeatDue()) return;
+  meter.Alarm().ResetAlarmInterval();
+  ports_.desktop.PlayWave(options_.noticeSoundFile);
+  if (!listener_.CanShowNotice()) return;
+  const std::string line = AlarmNoticeLine(meter, regional_);
+  text += line + "\r\n";
+  listener_.OnAlarmNotice({now, meter.Name(), line, text});
+}
+
+bool Monitor::Publish(const std::function<PublishResult()>& run, bool quiet) {
+  const bool timerWasEnabled = timerEnabled_;
+  SetUpdateTimer(false);
+  PublishResult result;
+  try {
+    result = run();
+  } catch (const std::exception& error) {
+    result = {false, error.what()};
+  }
+  if (result.success) {
+    SetInfoText(result.text);
+  } else {
+    ReportError(result.text, DateTime(), quiet);
+  }
+  SetUpdateTimer(timerWasEnabled);
+  return result.success;
+}
+
+void Monitor::SetUpdateTimer(bool enabled) {
+  if (timerEnabled_ == enabled) return;
+  timerEnabled_ = enabled;
+  listener_.OnUpdateTimer(enabled);
+}
+
+void Monitor::ReportError(const std::string& text, DateTime moment, bool toStatusBar) {
+  const DateTime time = moment.IsNever() ? Now() : moment;
+  errors_.Add(text, time);
+  listener_.OnError(text, time);
+  if (toStatusBar) {
+    SetInfoText("Click here to view errors...");
+  } else {
+    ports_.prompts.Ask(
+        {text, "Error!", PromptIcon::Exclamation, PromptButtons::OK, PromptAnswer::OK});
+  }
+}
+
+void Monitor::SetInfoText(const std::string& text) {
+  listener_.OnInfoText(text);
+}
+
+void Monitor::ClearErrors() {
+  errors_.Clear();
+  SetInfoText("");
+}
+
+FrameCounts Monitor::Frames() const {
+  return {decoder_.CompletedFrames(), decoder_.DecodedFrames(), deliveredFrames_};
+}
+
+}  // namespace wattlark

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "acquisition/MeterCollection.h"
+#include "config/AppSettings.h"
+#include "config/StoreText.h"
+#include "support/RegionalSettings.h"
+
+namespace wattlark {
+
+class modRegistry;
+
+/// Everything of a profile that the store keeps: settings, meters and the Total. Loading notes what
+/// could not be read; saving never loses it: unreadable texts go to the section "Unreadable", and a
+/// meter that shares its address with another one keeps its section as it is.
+class ProfileData {
+ public:
+  /// `regional` must outlive this object.
+  explicit ProfileData(const RegionalSettings& regional);
+
+  /// Reads everything; `now` starts the periods of a Total that was never stored and is seeded from
+  /// the meters. `csvFilenameDefault` is the default of the setting `CSVFilename`.
+  void Load(modRegistry& store, const std::string& csvFilenameDefault, DateTime now);
+  /// Settings, meters and Total. False when a write failed; call it within a transaction.
+  bool SaveAll(modRegistry& store);
+  /// Meters and Total alone.
+  bool SaveMeters(modRegistry& store);
+
+  AppSettings& Settings() { return settings_; }
+  const AppSettings& Settings() const { return settings_; }
+  MeterCollection& Meters() { return meters_; }
+  const MeterCollection& Meters() const { return meters_; }
+  clsKillAWatt& Total() { return total_; }
+  const clsKillAWatt& Total() const { return total_; }
+  const StoreText& Text() const { return text_; }
+
+  /// Names of the stored meters that were left out because their address is taken.
+  std::vector<std::string> SkippedMeters() const;
+  /// Forgets a skipped meter, so that it is not written back; false when there is none of that
+  /// name.
+  bool RemoveSkipped(const std::string& name);
+  /// One readable line for every stored text that did not convert.
+  const std::vector<std::string>& Problems() const { return problems_; }
+
+ private:
+  struct SkippedMeter {
+    std::string name;
+    std::vector<std::pair<std::string, std::string>> values;
+  };
+
+  void LoadMeters(const modRegistry& store);
+  void LoadTotal(const modRegistry& store, DateTime now);
+  void NoteUnreadable(const std::string& section, const std::vector<UnreadableValue>& values);
+
+  const RegionalSettings& regional_;
+  StoreText text_;
+  AppSettings settings_;
+  MeterCollection meters_;
+  clsKillAWatt total_;
+  std::vector<SkippedMeter> skipped_;
+  std::vector<std::pair<std::string, UnreadableValue>> unreadable_;
+  std::vector<std::string> problems_;
+};
+
+/// Why a user may not give a meter that name, or an empty text: empty, with "\", longer than a
+/// stored key may be, or another meter's. `meter` is the one that would take it, null for a new
+/// one.
+std::string MeterNameProblem(const MeterCollection& meters, const clsKillAWatt* meter,
+                             const std::string& name);
+
+/// The Total's periods since reset, today, to date and yesterday start as the sums of the meters'.
+void InitTotalKillAWatt(clsKillAWatt& total, const MeterCollection& meters, DateTime now);
+
+/// Feeds the Total one reading combined from all receiving meters: mean volts and amps, the watts
+/// of the loads less those of the generators.
+void UpdateTotalKillAWatt(clsKillAWatt& total, const MeterCollection& meters, DateTime time,
+                          std::uint32_t ticks);
+
+}  // namespace wattlark
