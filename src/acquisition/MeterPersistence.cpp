@@ -1,6 +1,7 @@
 // Storing and loading of a meter: one table of values, in the order in which both directions handle
 // them.
 
+#include <algorithm>
 #include <array>
 #include <limits>
 #include <optional>
@@ -20,16 +21,22 @@ constexpr std::array kIntervalNames{"Minute", "Hour", "Day", "Week", "Month", "Y
 constexpr std::array kPeriodNames{"Yesterday", "Today",  "ThisWeek",  "ThisMonth",
                                   "ThisYear",  "ToDate", "SinceReset"};
 
-// Reads the values of one section; a text that does not convert is noted and leaves the field
-// alone.
+// The values of one section, fetched together: asking the store for each of them would be most of a
+// start's time. A text that does not convert is noted and leaves the field alone.
 class Reader {
  public:
   Reader(const modRegistry& store, const StoreText& text, const std::string& section,
          std::vector<UnreadableValue>* unreadable)
-      : store_(store), text_(text), section_(section), unreadable_(unreadable) {}
+      : text_(text), unreadable_(unreadable) {
+    store.EnumStringValues(Hive::CurrentUser, modRegistry::AppKeyPath("", section), names_, texts_);
+    for (std::string& name : names_) name = FoldCase(name);
+  }
 
   std::string Text(const std::string& name, const std::string& present) const {
-    return store_.GetAppSetting("", section_, name, present);
+    const auto found = std::ranges::find(names_, FoldCase(name));
+    if (found == names_.end()) return present;
+    const std::string& stored = texts_[static_cast<std::size_t>(found - names_.begin())];
+    return stored.empty() ? present : stored;
   }
 
   template <typename Convert, typename Assign>
@@ -67,10 +74,10 @@ class Reader {
   }
 
  private:
-  const modRegistry& store_;
   const StoreText& text_;
-  const std::string& section_;
   std::vector<UnreadableValue>* unreadable_;
+  std::vector<std::string> names_;
+  std::vector<std::string> texts_;
 };
 
 }  // namespace
