@@ -14,16 +14,11 @@
 #include "platform/sqlite/SalvageStore.h"
 #include "platform/sqlite/SqliteDatabase.h"
 #include "platform/sqlite/SqliteRegistry.h"
+#include "platform/sqlite/StoreFile.h"
 
 namespace wattlark {
 
 namespace {
-
-enum class Condition { Usable, Empty, Damaged, Foreign, Newer, Locked, Unreadable };
-
-std::string Named(const std::string& file) {
-  return "The settings store \"" + file + "\"";
-}
 
 std::string SystemError() {
   return std::strerror(errno);
@@ -58,51 +53,6 @@ std::string PrepareFile(const std::string& folder, const std::string& file) {
   return {};
 }
 
-Condition FromError(int result) {
-  switch (result & 0xFF) {
-    case SQLITE_NOTADB:
-    case SQLITE_CORRUPT:
-    case SQLITE_ERROR:  // a file format of the future, for one
-      return Condition::Damaged;
-    case SQLITE_BUSY:
-    case SQLITE_LOCKED:
-      return Condition::Locked;
-    default:
-      return Condition::Unreadable;
-  }
-}
-
-/// The first column of a query's one row; false, with the error's meaning, when it cannot be had.
-bool Query(const SqliteDatabase& database, const char* sql, SqliteStatement& row,
-           Condition& condition) {
-  int result = row.Prepare(database, sql);
-  if (result == SQLITE_OK) result = row.Step();
-  if (result == SQLITE_ROW) return true;
-  condition = FromError(result);
-  return false;
-}
-
-Condition Examine(const SqliteDatabase& database) {
-  Condition condition = Condition::Unreadable;
-  SqliteStatement tables;
-  SqliteStatement application;
-  SqliteStatement version;
-  SqliteStatement check;
-  if (!Query(database, "SELECT count(*) FROM sqlite_schema", tables, condition) ||
-      !Query(database, "PRAGMA application_id", application, condition) ||
-      !Query(database, "PRAGMA user_version", version, condition)) {
-    return condition;
-  }
-  const bool ours = application.Integer(0) == SqliteRegistry::kApplicationId;
-  if (ours && version.Integer(0) > SqliteRegistry::kSchemaVersion) return Condition::Newer;
-  if (!Query(database, "PRAGMA integrity_check(1)", check, condition)) return condition;
-  if (check.Text(0) != "ok") return Condition::Damaged;
-  if (tables.Integer(0) == 0) return Condition::Empty;
-  if (!ours) return Condition::Foreign;
-  return version.Integer(0) == SqliteRegistry::kSchemaVersion ? Condition::Usable
-                                                              : Condition::Damaged;
-}
-
 /// Renames the file and what belongs to it to a free name, which is the result; empty, with the
 /// reason in errno, when that fails.
 std::string SetAside(const std::string& file) {
@@ -122,27 +72,13 @@ std::string SetAside(const std::string& file) {
 }
 
 StoreOpening InMemory(const std::string& message) {
-  StoreOpening opening;
-  SqliteDatabase database;
-  if (database.Open(":memory:", SQLITE_OPEN_READWRITE, 0) == SQLITE_OK &&
-      SqliteRegistry::CreateTables(database) == SQLITE_OK) {
-    SqliteRegistry::Attach(std::move(database), "The settings store in memory", opening.registry);
-  }
-  opening.message = message + " Nothing will be saved.";
-  return opening;
-}
-
-std::string SalvageText(const Salvage& salvage) {
-  if (!salvage.problem.empty())
-    return "Its values could not be taken over: " + salvage.problem + ".";
-  if (salvage.values == 0) return "No value could be read from it.";
-  return std::to_string(salvage.values) + " values that could still be read were taken over.";
+  return {MemoryStore(), message + " Nothing will be saved.", false};
 }
 
 class StoreOpener {
  public:
   StoreOpener(const std::string& folder, int waitMilliseconds)
-      : folder_(folder), file_(folder + "/wattlark.db"), wait_(waitMilliseconds) {}
+      : folder_(folder), file_(StoreFile(folder)), wait_(waitMilliseconds) {}
 
   StoreOpening Open() {
     if (const std::string problem = PrepareFile(folder_, file_); !problem.empty()) {
@@ -150,9 +86,9 @@ class StoreOpener {
     }
     struct stat status {};
     ::stat(file_.c_str(), &status);
-    if (!S_ISREG(status.st_mode)) return Replace(Named(file_) + " is not a file.", false);
+    if (!S_ISREG(status.st_mode)) return Replace(NamedStore(file_) + " is not a file.", false);
     if (!MayAccess(file_, R_OK)) {
-      return InMemory(Named(file_) + " cannot be read: " + SystemError() + ".");
+      return InMemory(NamedStore(file_) + " cannot be read: " + SystemError() + ".");
     }
     return OpenFile(!MayAccess(file_, W_OK) || !MayAccess(folder_, W_OK | X_OK));
   }
@@ -162,42 +98,43 @@ class StoreOpener {
     SqliteDatabase database;
     const int flags = readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
     const int result = database.Open(file_, flags, wait_);
-    Condition condition = result == SQLITE_OK ? Examine(database) : FromError(result);
+    StoreCondition condition =
+        result == SQLITE_OK ? ExamineStore(database) : ConditionFromError(result);
     std::string problem = database.Problem();
-    if (condition == Condition::Empty && !readOnly) {
+    if (condition == StoreCondition::Empty && !readOnly) {
       const int created = SqliteRegistry::CreateTables(database);
       problem = database.Problem();
-      condition = created == SQLITE_OK ? Condition::Usable : FromError(created);
+      condition = created == SQLITE_OK ? StoreCondition::Usable : ConditionFromError(created);
     }
     StoreOpening opening;
-    if (condition == Condition::Usable) {
+    if (condition == StoreCondition::Usable) {
       if (!readOnly) database.Execute("PRAGMA journal_mode = DELETE");
       const int attached =
-          SqliteRegistry::Attach(std::move(database), Named(file_), opening.registry);
-      if (attached != SQLITE_OK) condition = FromError(attached);
+          SqliteRegistry::Attach(std::move(database), NamedStore(file_), opening.registry);
+      if (attached != SQLITE_OK) condition = ConditionFromError(attached);
     }
     database.Close();
     switch (condition) {
-      case Condition::Usable:
+      case StoreCondition::Usable:
         opening.savesChanges = !readOnly;
         if (readOnly)
-          opening.message = Named(file_) + " can only be read. Changes cannot be saved.";
+          opening.message = NamedStore(file_) + " can only be read. Changes cannot be saved.";
         return opening;
-      case Condition::Empty:
-        return InMemory(Named(file_) + " is empty and cannot be written.");
-      case Condition::Newer:
-        return InMemory(Named(file_) +
+      case StoreCondition::Empty:
+        return InMemory(NamedStore(file_) + " is empty and cannot be written.");
+      case StoreCondition::Newer:
+        return InMemory(NamedStore(file_) +
                         " was written by a newer version of the program and is left as it is.");
-      case Condition::Locked:
-        return {nullptr, Named(file_) + " is in use by another program.", false};
-      case Condition::Unreadable:
-        return InMemory(Named(file_) + " cannot be opened: " + problem + ".");
-      case Condition::Foreign:
-        return Replace("\"" + file_ + "\" is a database of another program.", true);
-      case Condition::Damaged:
+      case StoreCondition::Locked:
+        return {nullptr, NamedStore(file_) + " is in use by another program.", false};
+      case StoreCondition::Unreadable:
+        return InMemory(NamedStore(file_) + " cannot be opened: " + problem + ".");
+      case StoreCondition::Foreign:
+        return Replace("\"" + file_ + "\" is a database of another program.", false);
+      case StoreCondition::Damaged:
         break;
     }
-    return Replace(Named(file_) + " is damaged.", true);
+    return Replace(NamedStore(file_) + " is damaged.", true);
   }
 
   StoreOpening Replace(const std::string& reason, bool salvages) {
