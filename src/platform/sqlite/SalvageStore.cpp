@@ -1,11 +1,15 @@
 #include "platform/sqlite/SalvageStore.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <map>
 #include <set>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 #include "platform/RegistryPath.h"
 #include "platform/sqlite/SqliteDatabase.h"
@@ -19,32 +23,33 @@ struct KeyRow {
   std::string path;
 };
 
-std::string ImmutableUri(const std::string& file) {
-  static constexpr char kHex[] = "0123456789ABCDEF";
-  std::string uri = "file:";
-  for (const char c : file) {
-    if (c == '?' || c == '#' || c == '%') {
-      const auto byte = static_cast<unsigned char>(c);
-      uri += {'%', kHex[byte >> 4], kHex[byte & 15]};
-    } else {
-      uri += c;
-    }
-  }
-  return uri + "?immutable=1";
+/// The file's whole pages. SQLite would fill up a page that was cut off with zeros, and the values
+/// on it would come out wrong instead of missing.
+std::vector<unsigned char> WholePages(const std::string& file) {
+  constexpr std::size_t kLargest = std::size_t{1} << 28;
+  std::error_code ignored;
+  std::ifstream stream(file, std::ios::binary);
+  if (!stream || std::filesystem::file_size(file, ignored) > kLargest) return {};
+  std::vector<unsigned char> bytes{std::istreambuf_iterator<char>(stream), {}};
+  if (bytes.size() < 100) return {};
+  const std::size_t stored = (std::size_t{bytes[16]} << 8) + bytes[17];
+  const std::size_t pageSize = stored == 1 ? 65536 : stored;
+  if (pageSize >= 512) bytes.resize(bytes.size() / pageSize * pageSize);
+  return bytes;
 }
 
 /// Runs `row` for the rows of a query up to the first damaged one. A damaged tree can lead in
 /// circles, so that no more rows are taken than the file has room for.
 template <typename Row>
-void Scan(const SqliteDatabase& database, const char* sql, std::uintmax_t limit, Row row) {
+void Scan(const SqliteDatabase& database, const char* sql, std::size_t limit, Row row) {
   SqliteStatement statement(database, sql);
-  for (std::uintmax_t i = 0; i < limit && statement.Step() == SQLITE_ROW; ++i) row(statement);
+  for (std::size_t i = 0; i < limit && statement.Step() == SQLITE_ROW; ++i) row(statement);
 }
 
 // A scan ends at the first damaged page. Table and index lie on different pages, and each is walked
 // from both ends, so that one damaged page hides no more than its own rows.
 
-std::map<std::int64_t, KeyRow> ReadKeys(const SqliteDatabase& database, std::uintmax_t limit) {
+std::map<std::int64_t, KeyRow> ReadKeys(const SqliteDatabase& database, std::size_t limit) {
   std::map<std::int64_t, KeyRow> keys;
   for (const char* sql : {
            "SELECT id, hive, path FROM key NOT INDEXED ORDER BY id",
@@ -62,7 +67,7 @@ std::map<std::int64_t, KeyRow> ReadKeys(const SqliteDatabase& database, std::uin
   return keys;
 }
 
-std::set<std::int64_t> ReadValueIds(const SqliteDatabase& database, std::uintmax_t limit) {
+std::set<std::int64_t> ReadValueIds(const SqliteDatabase& database, std::size_t limit) {
   std::set<std::int64_t> ids;
   for (const char* sql : {
            "SELECT id FROM value NOT INDEXED ORDER BY id",
@@ -83,14 +88,18 @@ bool IsType(std::int64_t number) {
 
 Salvage SalvageStore(const std::string& file, Registry& into) {
   Salvage salvage;
+  std::vector<unsigned char> pages = WholePages(file);
+  const auto size = static_cast<sqlite3_int64>(pages.size());
   SqliteDatabase database;
-  const int flags = SQLITE_OPEN_READONLY | SQLITE_OPEN_URI;
-  if (database.Open(ImmutableUri(file), flags, 0) != SQLITE_OK) return salvage;
+  if (pages.empty() || database.Open(":memory:", SQLITE_OPEN_READWRITE, 0) != SQLITE_OK ||
+      sqlite3_deserialize(database.Handle(), "main", pages.data(), size, size,
+                          SQLITE_DESERIALIZE_READONLY) != SQLITE_OK) {
+    return salvage;
+  }
   // Without this a file that is shorter than its header says is refused as a whole.
   database.Execute("PRAGMA writable_schema = ON");
 
-  std::error_code ignored;
-  const std::uintmax_t limit = std::filesystem::file_size(file, ignored);
+  const std::size_t limit = pages.size();
   const std::map<std::int64_t, KeyRow> keys = ReadKeys(database, limit);
   if (keys.empty() || !into.Begin()) {
     if (!keys.empty()) salvage.problem = into.ErrorText();

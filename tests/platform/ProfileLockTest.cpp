@@ -1,0 +1,89 @@
+#include <gtest/gtest.h>
+#include <spawn.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+
+#include <csignal>
+#include <optional>
+
+#include "platform/TemporaryFolder.h"
+#include "platform/linux/ProfileLock.h"
+
+namespace wattlark {
+
+namespace {
+
+TEST(ProfileLock, BelongsToOneHolderAtATime) {
+  const TemporaryFolder folder;
+  const std::string profile = folder.File("new/profile");
+  std::optional<ProfileLock> first(profile);
+  ProfileLock second(profile);
+  EXPECT_TRUE(first->TryAcquire());
+  EXPECT_TRUE(first->TryAcquire());
+  EXPECT_FALSE(second.TryAcquire());
+  EXPECT_EQ(second.Problem(), "");
+  struct stat status {};
+  ASSERT_EQ(::stat((profile + "/lock").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 077, 0U);
+  first.reset();
+  EXPECT_TRUE(second.TryAcquire());
+  ProfileLock elsewhere(folder.File("other"));
+  EXPECT_TRUE(elsewhere.TryAcquire());
+}
+
+TEST(ProfileLock, IsFreeAfterItsHolderWasKilled) {
+  const TemporaryFolder folder;
+  int held[2];
+  ASSERT_EQ(::pipe(held), 0);
+  const pid_t child = ::fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    ProfileLock lock(folder.Path());
+    const char answer = lock.TryAcquire() ? '1' : '0';
+    if (::write(held[1], &answer, 1) == 1) ::pause();
+    ::_exit(1);
+  }
+  char answer = 0;
+  ASSERT_EQ(::read(held[0], &answer, 1), 1);
+  EXPECT_EQ(answer, '1');
+  ProfileLock lock(folder.Path());
+  EXPECT_FALSE(lock.TryAcquire());
+  ::kill(child, SIGKILL);
+  ASSERT_EQ(::waitpid(child, nullptr, 0), child);
+  EXPECT_TRUE(lock.TryAcquire());
+  ::close(held[0]);
+  ::close(held[1]);
+}
+
+TEST(ProfileLock, IsNotHandedOnToAProgramThatWasStarted) {
+  const TemporaryFolder folder;
+  std::optional<ProfileLock> lock(folder.Path());
+  ASSERT_TRUE(lock->TryAcquire());
+  std::string name = "sleep";
+  std::string seconds = "600";
+  char* arguments[] = {name.data(), seconds.data(), nullptr};
+  pid_t child = 0;
+  ASSERT_EQ(::posix_spawnp(&child, "sleep", nullptr, nullptr, arguments, environ), 0);
+  lock.reset();
+  ProfileLock next(folder.Path());
+  EXPECT_TRUE(next.TryAcquire());
+  ::kill(child, SIGKILL);
+  ::waitpid(child, nullptr, 0);
+}
+
+TEST(ProfileLock, SaysWhyThereCanBeNone) {
+  const TemporaryFolder folder;
+  WriteFile(folder.File("file"), "");
+  ProfileLock inAFile(folder.File("file"));
+  EXPECT_FALSE(inAFile.TryAcquire());
+  EXPECT_NE(inAFile.Problem().find(folder.File("file")), std::string::npos);
+
+  std::filesystem::create_directories(folder.File("profile/lock"));
+  ProfileLock onAFolder(folder.File("profile"));
+  EXPECT_FALSE(onAFolder.TryAcquire());
+  EXPECT_NE(onAFolder.Problem(), "");
+}
+
+}  // namespace
+
+}  // namespace wattlark
