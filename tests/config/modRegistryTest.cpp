@@ -1,0 +1,191 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "config/modRegistry.h"
+#include "twins/MemoryRegistry.h"
+
+namespace wattlark {
+
+namespace {
+
+using Names = std::vector<std::string>;
+constexpr Hive kUser = Hive::CurrentUser;
+
+RegistryValue Bytes(RegistryType type, const std::string& bytes) {
+  return {type, {bytes.begin(), bytes.end()}};
+}
+
+class ModRegistryTest : public testing::Test {
+ protected:
+  const std::string settings_ = "Software\\Fennick Labs\\Wattlark\\Settings";
+  MemoryRegistry registry_;
+  modRegistry store_{registry_};
+};
+
+TEST_F(ModRegistryTest, AppKeyPath) {
+  EXPECT_EQ(modRegistry::AppKeyPath("", ""), "Software\\Fennick Labs\\Wattlark");
+  EXPECT_EQ(modRegistry::AppKeyPath("Other", ""), "Software\\Fennick Labs\\Other");
+  EXPECT_EQ(modRegistry::AppKeyPath("", "KillAWatts\\Kitchen"),
+            "Software\\Fennick Labs\\Wattlark\\KillAWatts\\Kitchen");
+}
+
+TEST_F(ModRegistryTest, SavesTextWithItsNul) {
+  ASSERT_TRUE(store_.SaveAppSetting("", "Settings", "PortNum", "5"));
+  EXPECT_EQ(registry_.Read(kUser, settings_, "PortNum"),
+            Bytes(RegistryType::String, std::string("5\0", 2)));
+  EXPECT_EQ(store_.GetAppSetting("", "settings", "portnum", "3"), "5");
+  ASSERT_TRUE(store_.SetStringValue(Hive::LocalMachine, "Run", "Wattlark", "x"));
+  EXPECT_EQ(registry_.Read(Hive::LocalMachine, "Run", "Wattlark"),
+            Bytes(RegistryType::String, "x"));
+}
+
+TEST_F(ModRegistryTest, GetAppSettingOfEveryStoredForm) {
+  const struct {
+    RegistryValue stored;
+    const char* expected;
+  } cases[] = {
+      {Bytes(RegistryType::String, std::string("text\0", 5)), "text"},
+      {Bytes(RegistryType::String, "without NUL"), "without NUL"},
+      {Bytes(RegistryType::String, std::string("before\0after\0", 13)), "before"},
+      {Bytes(RegistryType::ExpandString, std::string("%HOME%\0", 7)), "%HOME%"},
+      {Bytes(RegistryType::String, ""), "default"},
+      {Bytes(RegistryType::String, std::string("\0", 1)), "default"},
+      {Bytes(RegistryType::String, std::string("\0hidden", 7)), "default"},
+      {Bytes(RegistryType::DWord, "1234"), "default"},
+      {Bytes(RegistryType::Binary, "bytes"), "default"},
+  };
+  for (const auto& test : cases) {
+    registry_.Write(kUser, settings_, "v", test.stored);
+    EXPECT_EQ(store_.GetAppSetting("", "Settings", "v", "default"), test.expected);
+  }
+  EXPECT_EQ(store_.GetAppSetting("", "Settings", "missing", "default"), "default");
+  EXPECT_EQ(store_.GetAppSetting("", "Missing", "v", "default"), "default");
+}
+
+TEST_F(ModRegistryTest, AStarMeansTheUnnamedValue) {
+  ASSERT_TRUE(store_.SaveAppSetting("", "S", "*", "unnamed"));
+  EXPECT_EQ(store_.GetAppSetting("", "S", "*", ""), "unnamed");
+  EXPECT_EQ(store_.GetAppSetting("", "S", "", ""), "unnamed");
+  EXPECT_TRUE(store_.DeleteAppSetting("", "S", "*"));
+  EXPECT_FALSE(store_.DeleteAppSetting("", "S", "*"));
+  EXPECT_TRUE(store_.AppSectionExists("", "S"));
+}
+
+TEST_F(ModRegistryTest, DeleteAppSectionReachesThreeLevelsDown) {
+  const std::string top = modRegistry::AppKeyPath("", "KillAWatts");
+  for (const char* path : {"", "\\Plain", "\\A\\B\\C", "\\A\\B\\C2", "\\A\\B2"}) {
+    ASSERT_TRUE(registry_.Write(kUser, top + path, "v", Bytes(RegistryType::String, "1")));
+  }
+  ASSERT_TRUE(store_.SaveAppSetting("", "Settings", "v", "1"));
+  EXPECT_TRUE(store_.DeleteAppSection("", "KillAWatts"));
+  EXPECT_FALSE(store_.AppSectionExists("", "KillAWatts"));
+  EXPECT_TRUE(store_.AppSectionExists("", "Settings"));
+  EXPECT_FALSE(store_.DeleteAppSection("", "KillAWatts"));
+
+  ASSERT_TRUE(registry_.CreateKey(kUser, top + "\\A\\B\\C\\D"));
+  ASSERT_TRUE(registry_.CreateKey(kUser, top + "\\Z"));
+  EXPECT_FALSE(store_.DeleteAppSection("", "KillAWatts"));
+  EXPECT_TRUE(store_.KeyExists(kUser, top + "\\A\\B\\C\\D"));
+  EXPECT_FALSE(store_.KeyExists(kUser, top + "\\Z"));
+}
+
+TEST_F(ModRegistryTest, EnumeratesKeysAndStrings) {
+  ASSERT_TRUE(store_.SetStringValue(kUser, "K\\second", "s", ""));
+  ASSERT_TRUE(registry_.Write(kUser, "K", "x", Bytes(RegistryType::Binary, "12")));
+  ASSERT_TRUE(
+      registry_.Write(kUser, "K", "b", Bytes(RegistryType::String, std::string("B\0c", 3))));
+  ASSERT_TRUE(registry_.Write(kUser, "K", "e", Bytes(RegistryType::ExpandString, "E")));
+  ASSERT_TRUE(registry_.Write(kUser, "K", "a", Bytes(RegistryType::String, "A")));
+  ASSERT_TRUE(registry_.CreateKey(kUser, "K\\first"));
+  Names keys{"replaced"};
+  EXPECT_TRUE(store_.EnumSubKeys(kUser, "K", keys));
+  EXPECT_EQ(keys, (Names{"second", "first"}));
+  EXPECT_FALSE(store_.EnumSubKeys(kUser, "K\\first", keys));
+  EXPECT_EQ(keys, Names{});
+
+  Names names{"kept"};
+  Names texts{"kept too"};
+  EXPECT_TRUE(store_.EnumStringValues(kUser, "K", names, texts));
+  EXPECT_EQ(names, (Names{"kept", "b", "a"}));
+  EXPECT_EQ(texts, (Names{"kept too", "B", "A"}));
+  EXPECT_TRUE(store_.EnumStringValues(kUser, "K\\first", names, texts));
+  EXPECT_FALSE(store_.EnumStringValues(kUser, "Missing", names, texts));
+  EXPECT_EQ(names.size(), 3U);
+}
+
+TEST_F(ModRegistryTest, QueryValueTakesOneNulFromTextsOnly) {
+  const struct {
+    RegistryType type;
+    std::string stored;
+    std::string expected;
+  } cases[] = {
+      {RegistryType::String, std::string("a\0", 2), "a"},
+      {RegistryType::String, "a", "a"},
+      {RegistryType::String, "", ""},
+      {RegistryType::ExpandString, std::string("%a%\0", 4), "%a%"},
+      {RegistryType::MultiString, std::string("a\0b\0", 4), std::string("a\0b", 3)},
+      {RegistryType::DWord, std::string("\1\0\0\0", 4), std::string("\1\0\0\0", 4)},
+      {RegistryType::Binary, std::string("\1\0", 2), std::string("\1\0", 2)},
+  };
+  for (const auto& test : cases) {
+    registry_.Write(kUser, "K", "v", Bytes(test.type, test.stored));
+    RegistryValue value;
+    ASSERT_TRUE(store_.QueryValue(kUser, "K", "v", value));
+    EXPECT_EQ(value, Bytes(test.type, test.expected));
+  }
+  RegistryValue value = Bytes(RegistryType::Binary, "kept");
+  EXPECT_FALSE(store_.QueryValue(kUser, "K", "missing", value));
+  EXPECT_EQ(value, Bytes(RegistryType::Binary, "kept"));
+}
+
+class MigrationTest : public ModRegistryTest {
+ protected:
+  MigrationTest() {
+    const std::string old = "Software\\VB and VBA Program Settings\\Wattlark";
+    store_.SetStringValue(kUser, old + "\\Settings", "PortNum", "5");
+    store_.SetStringValue(kUser, old + "\\Settings", "BaudRate", "19200");
+    registry_.Write(kUser, old + "\\Settings", "Binary", Bytes(RegistryType::Binary, "x"));
+    store_.SetStringValue(kUser, old + "\\Settings\\Deeper", "v", "1");
+    store_.SetStringValue(kUser, old + "\\WindowSettings", "frmMain", "1,2,3,4,0");
+  }
+  std::string PortNum() const { return store_.GetAppSetting("", "Settings", "PortNum", "3"); }
+};
+
+TEST_F(MigrationTest, CopiesTheStringsOfEverySectionOnce) {
+  store_.MigrateLegacySettings("", false);
+  EXPECT_EQ(PortNum(), "5");
+  EXPECT_EQ(store_.GetAppSetting("", "WindowSettings", "frmMain", ""), "1,2,3,4,0");
+  Names names;
+  Names texts;
+  store_.EnumStringValues(kUser, settings_, names, texts);
+  EXPECT_EQ(names, (Names{"PortNum", "BaudRate"}));
+  EXPECT_FALSE(store_.AppSectionExists("", "Settings\\Deeper"));
+  const std::string old = "Software\\VB and VBA Program Settings\\Wattlark";
+  EXPECT_TRUE(store_.KeyExists(kUser, old + "\\Settings"));
+
+  store_.SetStringValue(kUser, old + "\\Settings", "PortNum", "7");
+  store_.MigrateLegacySettings("Wattlark", false);
+  EXPECT_EQ(PortNum(), "5");
+  store_.MigrateLegacySettings("Wattlark", true);
+  EXPECT_EQ(PortNum(), "7");
+}
+
+TEST_F(MigrationTest, LeavesAnExistingApplicationKeyAlone) {
+  ASSERT_TRUE(registry_.CreateKey(kUser, modRegistry::AppKeyPath("", "")));
+  store_.MigrateLegacySettings("", false);
+  EXPECT_EQ(PortNum(), "3");
+}
+
+TEST_F(ModRegistryTest, MigrationWithoutOldSectionsCreatesNothing) {
+  store_.MigrateLegacySettings("", false);
+  ASSERT_TRUE(store_.SetStringValue(kUser, "Software\\VB and VBA Program Settings\\Wattlark",
+                                    "PortNum", "5"));
+  store_.MigrateLegacySettings("", false);
+  EXPECT_FALSE(store_.AppSectionExists("", ""));
+}
+
+}  // namespace
+
+}  // namespace wattlark
