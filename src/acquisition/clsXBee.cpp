@@ -37,13 +37,13 @@ constexpr std::uint8_t kIntactSum = 0xFF;
 
 }  // namespace
 
-clsXBee::Candidate clsXBee::Judge(std::span<const std::uint8_t> bytes, std::size_t searched) {
+clsXBee::Candidate clsXBee::Judge(std::span<const std::uint8_t> bytes, bool searched) {
   if (bytes.size() >= 2 && bytes[1] >= 0x80) {
-    return searched > 1 ? Candidate::False : Candidate::Overflow;
+    return searched ? Candidate::False : Candidate::Overflow;
   }
   if (bytes.size() < kPrefix) return Candidate::Waiting;
   if (Word(&bytes[1]) > LargestFrame) {
-    return searched > 2 ? Candidate::False : Candidate::Overflow;
+    return searched ? Candidate::False : Candidate::Overflow;
   }
   return bytes.size() < WireSize(bytes) ? Candidate::Waiting : Candidate::Complete;
 }
@@ -58,7 +58,7 @@ bool clsXBee::ParseBytes(std::span<const std::uint8_t> bytes) {
     bytes = bytes.subspan(
         static_cast<std::size_t>(std::ranges::find(bytes, kDelimiter) - bytes.begin()));
     if (bytes.empty()) return true;
-    const Candidate candidate = Judge(bytes, 0);
+    const Candidate candidate = Judge(bytes, false);
     if (candidate == Candidate::Overflow) return frameReceived_;
     if (candidate == Candidate::Complete) {
       const auto frame = bytes.subspan(kPrefix, WireSize(bytes) - kPrefix);
@@ -80,7 +80,7 @@ bool clsXBee::ParsePending() {
     pendingStart_ =
         static_cast<std::size_t>(std::find(begin, pending_.end(), kDelimiter) - pending_.begin());
     const auto bytes = std::span<const std::uint8_t>(pending_).subspan(pendingStart_);
-    const std::size_t searched = searchedEnd_ - std::min(searchedEnd_, pendingStart_);
+    const bool searched = pendingStart_ < searchedEnd_;
     if (bytes.empty()) break;
     const Candidate candidate = Judge(bytes, searched);
     if (candidate == Candidate::Waiting) break;
@@ -96,7 +96,7 @@ bool clsXBee::ParsePending() {
     const std::size_t size = WireSize(bytes);
     const auto frame = bytes.subspan(kPrefix, size - kPrefix);
     const std::uint8_t sum =
-        searched == 0 ? Sum(frame) : PendingSum(pendingStart_ + kPrefix, pendingStart_ + size);
+        searched ? PendingSum(pendingStart_ + kPrefix, pendingStart_ + size) : Sum(frame);
     if (sum == kIntactSum) {
       ProcessFrame(frame);
       pendingStart_ += size;

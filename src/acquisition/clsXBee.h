@@ -75,9 +75,9 @@ class clsXBee {
 
   enum class Candidate { Waiting, False, Overflow, Complete };
 
-  /// Judges the bytes from a delimiter on by their length field. `searched` of them were covered by
-  /// a candidate that failed before.
-  static Candidate Judge(std::span<const std::uint8_t> bytes, std::size_t searched);
+  /// Judges the bytes from a delimiter on by their length field. `searched`: the delimiter was
+  /// covered by a candidate that failed before.
+  static Candidate Judge(std::span<const std::uint8_t> bytes, bool searched);
   bool ParsePending();
   std::uint8_t PendingSum(std::size_t from, std::size_t to);
   void DropParsedBytes();
