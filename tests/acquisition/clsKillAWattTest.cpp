@@ -1,0 +1,242 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "acquisition/clsKillAWatt.h"
+#include "acquisition/clsXBee.h"
+#include "twins/Frames.h"
+#include "twins/HandClock.h"
+#include "twins/ScriptedRandom.h"
+
+namespace wattlark {
+namespace {
+
+using testing::DoubleEq;
+using testing::ElementsAre;
+
+struct Meter : clsKillAWatt {
+  HandClock clock;
+  clsXBee decoder{clock};
+
+  void Receive(const std::vector<std::uint16_t>& voltage,
+               const std::vector<std::uint16_t>& current) {
+    decoder.ParseBytes(MeterFrame(5, voltage, current));
+    ASSERT_TRUE(decoder.SampleDecoded());
+    ProcessPacket(decoder);
+  }
+  void Demo(std::initializer_list<double> numbers, const char* time = "2026-11-16T12:00:00") {
+    ScriptedRandom random(numbers);
+    GenerateDemoReading(At(time), 1000, random);
+    EXPECT_TRUE(random.numbers.empty()) << "fewer random numbers drawn than expected";
+    EXPECT_EQ(random.reseeds, 1);
+  }
+};
+
+TEST(clsKillAWatt, StartsWithItsDefaults) {
+  const clsKillAWatt meter;
+  EXPECT_EQ(meter.Name(), "New Appliance");
+  EXPECT_EQ(meter.XBeeAddress(), 0);
+  EXPECT_EQ(meter.KillAWattType(), 0);
+  EXPECT_EQ(meter.NominalVoltage(), 120);
+  EXPECT_EQ(meter.NominalFrequency(), 60);
+  EXPECT_EQ(meter.CurrentOffset(), 498);
+  EXPECT_EQ(meter.CurrentScaler(), 1 / 15.5);
+  EXPECT_EQ(meter.VoltageScaler(), 0.6);
+  EXPECT_EQ(meter.Volts(), 0);
+  EXPECT_EQ(meter.ShownVolts(), NoValue);
+  EXPECT_EQ(meter.ShownAmps(), NoValue);
+  EXPECT_EQ(meter.ShownWatts(), NoValue);
+  EXPECT_FALSE(meter.HasReading());
+  EXPECT_FALSE(meter.IsReceiving(At("2026-11-16T20:10:00")));
+  std::vector<double> volts{1};
+  std::vector<double> amps{2};
+  EXPECT_FALSE(meter.GetSamples(volts, amps));
+  EXPECT_THAT(volts, ElementsAre(1));
+}
+
+TEST(clsKillAWatt, ClampsCalibration) {
+  clsKillAWatt meter;
+  const std::pair<std::int16_t, std::int16_t> offsets[] = {
+      {2000, 1023}, {1024, 1023}, {1022, 1022}, {1, 1}, {0, 0}, {-5, 0}, {-32768, 0}};
+  for (const auto& [assigned, kept] : offsets) {
+    meter.SetCurrentOffset(assigned);
+    EXPECT_EQ(meter.CurrentOffset(), kept) << assigned;
+  }
+  const std::pair<double, double> currents[] = {{1, 1.25 / 15.5}, {0, 0.75 / 15.5}, {0.07, 0.07}};
+  for (const auto& [assigned, kept] : currents) {
+    meter.SetCurrentScaler(assigned);
+    EXPECT_DOUBLE_EQ(meter.CurrentScaler(), kept) << assigned;
+  }
+  meter.SetNominalVoltage(240);
+  EXPECT_DOUBLE_EQ(meter.DefaultVoltageScaler(), 1.2);
+  EXPECT_EQ(meter.VoltageScaler(), 0.6) << "clamped when it is assigned, not before";
+  const std::pair<double, double> voltages[] = {{0.6, 0.9}, {0.91, 0.91}, {1.49, 1.49}, {2, 1.5}};
+  for (const auto& [assigned, kept] : voltages) {
+    meter.SetVoltageScaler(assigned);
+    EXPECT_DOUBLE_EQ(meter.VoltageScaler(), kept) << assigned;
+  }
+  meter.ResetCalibration();
+  EXPECT_EQ(meter.CurrentOffset(), 498);
+  EXPECT_DOUBLE_EQ(meter.CurrentScaler(), 1 / 15.5);
+  EXPECT_DOUBLE_EQ(meter.VoltageScaler(), 1.2);
+}
+
+TEST(clsKillAWatt, ScalesTheVoltageWithANominalVoltageTheUserChanges) {
+  clsKillAWatt meter;
+  meter.ChangeNominalVoltage(240);
+  EXPECT_DOUBLE_EQ(meter.VoltageScaler(), 1.2);
+  meter.SetVoltageScaler(1.26);
+  meter.ChangeNominalVoltage(120);
+  EXPECT_DOUBLE_EQ(meter.VoltageScaler(), 0.63);
+}
+
+TEST(clsKillAWatt, ConvertsSamplesIntoAReading) {
+  struct Case {
+    std::vector<std::uint16_t> voltage;
+    std::vector<std::uint16_t> current;
+    int offset;
+    double volts;
+    double amps;
+    double watts;
+  };
+  // 31 counts from the offset of 498 are 2 A, 200 counts from the middle 120 V.
+  const Case cases[] = {
+      // The outer samples take part in the peaks alone, but count in the divisor.
+      {{700, 300, 700, 300}, {0, 467, 529, 0}, 500, 240 / 2.82842712474619, 0, 120},
+      {{795, 229, 512}, {1023, 529, 0}, 512, 566 * 0.6 / 2.82842712474619, 2.0 / 3, 0},
+      {{700, 300, 700, 300}, {498, 529, 467, 498}, 500, 240 / 2.82842712474619, 0, 0},
+      // The middle is cut to a whole count: (701 + 300) \ 2.
+      {{701, 300, 700}, {498, 467, 498}, 500, 401 * 0.6 / 2.82842712474619, -2.0 / 3, 80},
+      {{700, 300}, {529, 467}, 500, 240 / 2.82842712474619, 0, 0},
+      {{512}, {600}, 512, 0, 0, 0},
+      {{}, {}, 512, 0, 0, 0},
+  };
+  for (const Case& test : cases) {
+    SCOPED_TRACE(testing::PrintToString(test.voltage));
+    Meter meter;
+    meter.Receive(test.voltage, test.current);
+    EXPECT_EQ(meter.VoltageOffset(), test.offset);
+    EXPECT_NEAR(meter.Volts(), test.volts, 1e-9);
+    EXPECT_NEAR(meter.Amps(), test.amps, 1e-12);
+    EXPECT_NEAR(meter.Watts(), test.watts, 1e-9);
+    EXPECT_EQ(meter.ShownWatts(), meter.Watts());
+    EXPECT_EQ(meter.Timestamp(), At("2026-11-16T20:10:00"));
+  }
+}
+
+TEST(clsKillAWatt, ReadsAFullSwingOf566CountsAs120Volts) {
+  Meter meter;
+  meter.Receive({795, 229, 795}, {498, 498, 498});
+  EXPECT_NEAR(meter.Volts(), 566 * 0.6 / 2.82842712474619, 1e-9);
+  EXPECT_NEAR(meter.Volts(), 120, 0.1);
+}
+
+TEST(clsKillAWatt, KeepsTheLastFramesWaveform) {
+  Meter meter;
+  meter.Receive({700, 300, 500}, {529, 467, 498});
+  std::vector<double> volts;
+  std::vector<double> amps;
+  ASSERT_TRUE(meter.GetSamples(volts, amps));
+  EXPECT_THAT(volts, ElementsAre(DoubleEq(120), DoubleEq(-120), 0));
+  EXPECT_THAT(amps, ElementsAre(DoubleEq(2), DoubleEq(-2), 0));
+  meter.Receive({}, {});
+  EXPECT_FALSE(meter.GetSamples(volts, amps));
+}
+
+TEST(clsKillAWatt, TakesChannelsThatAreNotSampledForWhatTheyRead) {
+  // Without A0 and A4 every reading is -1: no swing, and the current far below its offset.
+  Meter meter;
+  FrameOptions options;
+  options.mask = 0x0400;
+  meter.decoder.ParseBytes(SampleFrame(5, 3, {1, 2, 3}, options));
+  meter.ProcessPacket(meter.decoder);
+  EXPECT_EQ(meter.VoltageOffset(), 0) << "(0 + -1) \\ 2";
+  EXPECT_NEAR(meter.Amps(), -499 / 15.5 / 3, 1e-9);
+  EXPECT_TRUE(meter.HasReading());
+}
+
+TEST(clsKillAWatt, StopsReceivingFiveSecondsAfterAReading) {
+  Meter meter;
+  meter.clock.now = At("2026-11-16T20:10:00.900");
+  meter.Receive({700, 300, 700}, {498, 498, 498});
+  const std::pair<const char*, bool> cases[] = {
+      {"2026-11-16T20:10:00.900", true}, {"2026-11-16T20:10:04.999", true},
+      {"2026-11-16T20:10:05", false},    {"2027-11-16T20:10:01", false},
+      {"2026-11-16T20:09:58", true},     {"2026-11-16T19:10:00", false}};
+  for (const auto& [now, isReceiving] : cases) {
+    EXPECT_EQ(meter.IsReceiving(At(now)), isReceiving) << now;
+  }
+}
+
+TEST(clsKillAWatt, ComparesTheLoadWithThePeakSinceReset) {
+  clsKillAWatt meter;
+  EXPECT_EQ(meter.PeakFraction(0), NoValue) << "no peak";
+  meter.AddReading(120, 0, 200, At("2026-11-16T20:10:00"), 1000);
+  meter.AddReading(120, 0, 400, At("2026-11-16T20:10:02"), 3000);
+  meter.AddReading(120, 0, 100, At("2026-11-16T20:10:04"), 5000);
+  EXPECT_EQ(meter.PeakFraction(0), 0.25);
+  EXPECT_EQ(meter.PeakFraction(-1), 0.25);
+  EXPECT_EQ(meter.PeakFraction(4), 250.0 / 400) << "two seconds of 400 W, two of 100 W";
+  EXPECT_EQ(meter.PeakFraction(86401), 0);
+  EXPECT_EQ(meter.PeakFraction(86400), 0.625) << "the one hour there is";
+  meter.Statistics().ResetPeak();
+  EXPECT_EQ(meter.PeakFraction(0), NoValue);
+}
+
+TEST(clsKillAWattDemo, StartsAtARandomLevelWithoutHistory) {
+  Meter meter;
+  meter.Demo({0, 0, 0.5, 0.5});
+  EXPECT_DOUBLE_EQ(meter.Volts(), 118.8);
+  EXPECT_DOUBLE_EQ(meter.Amps(), -0.1);
+  EXPECT_EQ(meter.Watts(), 280) << "0.5 x 440 + 60";
+  meter.Demo({1, 1, 1});
+  EXPECT_DOUBLE_EQ(meter.Volts(), 121.2);
+  EXPECT_DOUBLE_EQ(meter.Amps(), 0.1);
+  EXPECT_DOUBLE_EQ(meter.Watts(), 284.2) << "noise of 1.5 % that leaves the level alone";
+  meter.Demo({0.5, 0.5, 0.5});
+  EXPECT_EQ(meter.Watts(), 280);
+  // The level is computed in single precision.
+  Meter single;
+  single.Demo({0, 0, 0.1, 0.5});
+  EXPECT_EQ(single.Watts(), static_cast<double>(0.1F * 440.0F + 60.0F));
+}
+
+TEST(clsKillAWattDemo, StartsAtTheMeanDemandOfTheLastHour) {
+  Meter meter;
+  const std::vector<double> hour{800, 1200};
+  meter.Statistics().SetDemandRecent(Hour, hour);
+  meter.Demo({0.5, 0.5, 0.5});
+  EXPECT_EQ(meter.Watts(), 1000);
+  EXPECT_EQ(meter.Volts(), 120);
+}
+
+TEST(clsKillAWattDemo, DriftsWithTheTimeOfDay) {
+  struct Case {
+    const char* time;
+    int direction;
+  };
+  const Case cases[] = {{"T05:59:59.999", 0}, {"T06:00:00", 1},     {"T07:00:00", 1},
+                        {"T09:30:00", 1},     {"T09:30:00.001", 0}, {"T16:29:59", 0},
+                        {"T16:30:00", -1},    {"T18:00:00", -1},    {"T20:00:00", -1},
+                        {"T20:00:01", 0},     {"T00:00:00", 0},     {"T23:59:59.999", 0}};
+  for (const Case& test : cases) {
+    SCOPED_TRACE(test.time);
+    Meter meter;
+    const std::vector<double> hour(60, 1000.0);
+    meter.Statistics().SetDemandRecent(Hour, hour);
+    const std::string time = std::string("2026-11-16") + test.time;
+    if (test.direction == 0) {
+      meter.Demo({0.5, 0.5, 0.5}, time.c_str());
+      EXPECT_EQ(meter.Watts(), 1000);
+    } else {
+      meter.Demo({0.5, 0.5, 0.5, 0.5}, time.c_str());
+      EXPECT_DOUBLE_EQ(meter.Watts(), 1000 + test.direction * 0.1);
+      meter.Demo({0.5, 0.5, 0, 0.5}, time.c_str());
+      EXPECT_DOUBLE_EQ(meter.Watts(), 1000 + test.direction * 0.1);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace wattlark
