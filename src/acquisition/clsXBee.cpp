@@ -13,7 +13,6 @@ constexpr std::uint8_t kDelimiter = 0x7E;
 constexpr std::size_t kPrefix = 3;    // delimiter and length
 constexpr std::size_t kOverhead = 4;  // prefix and checksum
 constexpr std::size_t kSampleHeader = 8;
-constexpr std::uint16_t kSignBit = 0x8000;
 constexpr std::uint16_t kDigitalBits = 0x01FF;
 constexpr int kFirstAnalogBit = 9;
 

@@ -62,16 +62,16 @@ struct AppSettings {
   std::int32_t RecentInterval{};
   std::int32_t TotalUnit{};
 
-  std::string GoogleAuthToken;   ///< never stored
-  bool CSVFileChanged = false;   ///< never stored; the CSV log starts with a header line next time
-  std::string RunningVersion;    ///< never stored; the program's own version text
+  std::string GoogleAuthToken;  ///< never stored
+  bool CSVFileChanged = false;  ///< never stored; the CSV log starts with a header line next time
+  std::string RunningVersion;   ///< never stored; the program's own version text
 };
 
 /// One row of the table of settings.
 struct SettingInfo {
-  using Field = std::variant<bool AppSettings::*, std::int16_t AppSettings::*,
-                             std::int32_t AppSettings::*, double AppSettings::*,
-                             std::string AppSettings::*>;
+  using Field =
+      std::variant<bool AppSettings::*, std::int16_t AppSettings::*, std::int32_t AppSettings::*,
+                   double AppSettings::*, std::string AppSettings::*>;
   const char* name;
   Field field;
   const char* defaultText;  ///< with "." as decimal separator

@@ -12,13 +12,13 @@ namespace wattlark {
 
 class modRegistry;
 
-/// The text form of stored values: numbers and date-times in a regional form, booleans as "True" and
-/// "False".
+/// The text form of stored values: numbers and date-times in a regional form, booleans as "True"
+/// and "False".
 ///
 /// The regional form in which a store was first written is recorded in the store (section
 /// "StoreFormat") and kept from then on, so that a user who changes the system's language, or runs
-/// the same profile from a session and from a service, never has 11/12 read as the 12th of November.
-/// A store without that record is read and written in the user's present form.
+/// the same profile from a session and from a service, never has 11/12 read as the 12th of
+/// November. A store without that record is read and written in the user's present form.
 class StoreText {
  public:
   explicit StoreText(const RegionalSettings& regional) : regional_(regional) {}

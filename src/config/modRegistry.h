@@ -52,7 +52,8 @@ class modRegistry {
                       const std::string& text);
   bool DeleteValue(Hive hive, const std::string& path, const std::string& valueName);
   bool DeleteKey(Hive hive, const std::string& path);
-  /// Whether the system is of the Windows NT family; its registry layout is the one used everywhere.
+  /// Whether the system is of the Windows NT family; its registry layout is the one used
+  /// everywhere.
   static bool IsWindowsNT() { return true; }
 
   /// Copies the sections of the older storage location, once: nothing happens when the application
