@@ -16,7 +16,7 @@ using Names = std::vector<std::string>;
 
 class AppSettingsTest : public testing::Test {
  protected:
-  Names Load() { return LoadAppSettings(store_, text_, "/home/u/wattlark.csv", settings_); }
+  Names Load() { return LoadAppSettings(store_, text_, "/srv/wattlark.csv", settings_); }
   void Store(const std::string& name, const std::string& text) {
     ASSERT_TRUE(store_.SaveAppSetting("", "Settings", name, text));
   }
@@ -50,7 +50,7 @@ TEST_F(AppSettingsTest, AFreshProfileYieldsEveryDefault) {
       {"Mils", "0.106"},
       {"CO2perKWh", "0.1251"},
       {"LogToCSV", "True"},
-      {"CSVFilename", "/home/u/wattlark.csv"},
+      {"CSVFilename", "/srv/wattlark.csv"},
       {"CSVInterval", "300"},
       {"LogToPachube", "False"},
       {"PachubeInterval", "300"},

@@ -166,7 +166,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadFile{"HeaderOnly", [](const std::string& good) { return good.substr(0, 100); }},
         BadFile{"HalfAPageShort",
                 [](const std::string& good) { return good.substr(0, good.size() - 2048); }},
-        BadFile{"WrongMagic", [](std::string good) { return "X" + good.substr(1); }},
+        BadFile{"WrongMagic", [](const std::string& good) { return "X" + good.substr(1); }},
         BadFile{
             "WrongSchema",
             [](std::string good) { return good.replace(good.find("CREATE TABLE"), 6, "CREALE"); }},
@@ -277,6 +277,8 @@ TEST_P(GuardedStore, IsReadWhereItCanBeAndNeverChanged) {
       EXPECT_FALSE(opening.registry->Commit());
     }
   }
+  fs::permissions(profile_, fs::perms(0755));
+  fs::permissions(File(), fs::perms(0600));
   EXPECT_EQ(FileBytes(File()), before);
 }
 

@@ -51,6 +51,17 @@ TEST_F(TwoProcesses, SeeEachOthersChanges) {
   EXPECT_EQ(first_->Read(kUser, "A", "v"), std::nullopt);
 }
 
+TEST_F(TwoProcesses, AValueThatIsReadAgainIsTheOneStoredNow) {
+  const RegistryValue changed{RegistryType::String, {'c'}};
+  ASSERT_TRUE(first_->Write(kUser, "A", "v", kText));
+  ASSERT_TRUE(first_->Write(kUser, "A", "w", kText));
+  for (const RegistryValue& value : {kText, changed, kText}) {
+    ASSERT_TRUE(first_->Write(kUser, "A", "v", value));
+    EXPECT_EQ(second_->Read(kUser, "A", "v"), value);
+    EXPECT_EQ(second_->Read(kUser, "a", "W"), kText);
+  }
+}
+
 TEST_F(TwoProcesses, AWriteAgainstAnOpenTransactionFailsWithText) {
   ASSERT_TRUE(first_->Begin());
   ASSERT_TRUE(first_->Write(kUser, "A", "v", kText));

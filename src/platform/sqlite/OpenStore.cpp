@@ -113,7 +113,7 @@ class StoreOpener {
           SqliteRegistry::Attach(std::move(database), NamedStore(file_), opening.registry);
       if (attached != SQLITE_OK) condition = ConditionFromError(attached);
     }
-    database.Close();
+    database = SqliteDatabase();  // a file must not be open when it is moved
     switch (condition) {
       case StoreCondition::Usable:
         opening.savesChanges = !readOnly;

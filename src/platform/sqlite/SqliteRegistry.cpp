@@ -85,6 +85,9 @@ int SqliteRegistry::PrepareStatements() {
       {readValue_,
        "SELECT value.type, value.data FROM key JOIN value ON value.key = key.id"
        " WHERE key.hive = ?1 AND key.folded = ?2 AND value.folded = ?3"},
+      {readKey_,
+       "SELECT value.folded, value.type, value.data FROM key JOIN value ON value.key = key.id"
+       " WHERE key.hive = ?1 AND key.folded = ?2 ORDER BY value.id"},
       {writeValue_,
        "INSERT INTO value(key, folded, name, type, data) VALUES(?1, ?2, ?3, ?4, ?5)"
        " ON CONFLICT(key, folded) DO UPDATE SET type = excluded.type, data = excluded.data"},
@@ -146,6 +149,7 @@ std::int64_t SqliteRegistry::FindOrCreateKey(Hive hive, const std::string& path)
 
 template <typename Work>
 bool SqliteRegistry::Change(Work work) {
+  snapshot_.Clear();
   if (inTransaction_) {
     // After its first failure nothing of a transaction can be stored any more, and SQLite may have
     // ended it already: a further statement would then be stored alone.
@@ -218,11 +222,26 @@ std::vector<std::string> SqliteRegistry::SubKeys(Hive hive, const std::string& p
   return names;
 }
 
+void SqliteRegistry::TakeSnapshot(Hive hive, const std::string& folded) {
+  snapshot_.Start(hive, folded);
+  readKey_.Bind(1, HiveNumber(hive)).Bind(2, folded);
+  while (StepRow(readKey_)) snapshot_.Add(readKey_.Text(0), ValueAt(readKey_, 1, 2));
+  readKey_.Reset();
+  if (readFailed_) snapshot_.Clear();
+}
+
 std::optional<RegistryValue> SqliteRegistry::Read(Hive hive, const std::string& path,
                                                   const std::string& name) {
   const std::string folded = FoldCase(name);
-  readValue_.Bind(1, HiveNumber(hive)).Bind(2, FoldedPath(hive, path)).Bind(3, folded);
+  const std::string& foldedPath = FoldedPath(hive, path);
   std::optional<RegistryValue> value;
+  if (!inTransaction_) {
+    if (snapshot_.Take(hive, foldedPath, folded, value)) return value;
+    TakeSnapshot(hive, foldedPath);
+    snapshot_.Take(hive, foldedPath, folded, value);
+    return value;
+  }
+  readValue_.Bind(1, HiveNumber(hive)).Bind(2, foldedPath).Bind(3, folded);
   if (StepRow(readValue_)) value = ValueAt(readValue_, 0, 1);
   readValue_.Reset();
   return value;
@@ -279,6 +298,7 @@ bool SqliteRegistry::Begin() {
     return false;
   }
   inTransaction_ = true;
+  snapshot_.Clear();
   lastKey_ = 0;
   return true;
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/Registry.h"
+#include "platform/sqlite/KeySnapshot.h"
 #include "platform/sqlite/SqliteDatabase.h"
 
 namespace wattlark {
@@ -15,10 +16,10 @@ namespace wattlark {
 /// The `Registry` port over one SQLite database.
 ///
 /// A key is one row that holds its whole path, so that a value is found without a step for each
-/// level. Changes outside a transaction are stored one by one, each safe against a power cut.
-/// Reading many values is several times faster inside a transaction, which locks the file once
-/// instead of once a value. A lock of another program is waited for as long as the connection
-/// allows.
+/// level. Changes outside a transaction are stored one by one, each safe against a power cut. A
+/// lock of another program is waited for as long as the connection allows. Values of one key that
+/// are read one after the other outside a transaction come from one look at the file (see
+/// `KeySnapshot`).
 class SqliteRegistry final : public Registry {
  public:
   static constexpr std::int64_t kApplicationId = 0x574C4B52;
@@ -63,6 +64,7 @@ class SqliteRegistry final : public Registry {
   bool Run(SqliteStatement& statement);
 
   const std::string& FoldedPath(Hive hive, const std::string& path);
+  void TakeSnapshot(Hive hive, const std::string& folded);
   std::int64_t FindKey(Hive hive, std::string_view folded);
   std::int64_t FindOrCreateKey(Hive hive, const std::string& path);
   Outcome RemoveKey(std::int64_t key);
@@ -80,6 +82,7 @@ class SqliteRegistry final : public Registry {
   /// Id of the last key; 0 when unknown. Kept within a transaction only: outside one, another
   /// process may delete the key between two calls.
   std::int64_t lastKey_ = 0;
+  KeySnapshot snapshot_;
 
   SqliteStatement findKey_;
   SqliteStatement insertKey_;
@@ -88,6 +91,7 @@ class SqliteRegistry final : public Registry {
   SqliteStatement deleteKey_;
   SqliteStatement deleteKeyValues_;
   SqliteStatement readValue_;
+  SqliteStatement readKey_;
   SqliteStatement writeValue_;
   SqliteStatement deleteValue_;
   SqliteStatement values_;
