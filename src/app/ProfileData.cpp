@@ -1,6 +1,7 @@
 #include "app/ProfileData.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 #include "config/modRegistry.h"
 #include "support/modText.h"
@@ -16,6 +17,10 @@ constexpr std::size_t kLongestName = 255;  // a longer name is no key on every s
 
 std::string MeterSection(const std::string& name) {
   return std::string(kMetersSection) + "\\" + name;
+}
+
+std::string UnreadableSection(const std::string& section) {
+  return std::string(kUnreadableSection) + "\\" + section;
 }
 
 bool IsKeyName(const std::string& name) {
@@ -37,6 +42,8 @@ void ProfileData::Load(modRegistry& store, const std::string& csvFilenameDefault
 void ProfileData::LoadMeters(const modRegistry& store) {
   std::vector<std::string> names;
   store.EnumSubKeys(Hive::CurrentUser, modRegistry::AppKeyPath("", kMetersSection), names);
+  std::unordered_set<std::string> keys;
+  for (const std::string& name : names) keys.insert(FoldCase(name));
   for (const std::string& name : names) {
     const std::string section = MeterSection(name);
     auto meter = std::make_unique<clsKillAWatt>();
@@ -44,7 +51,9 @@ void ProfileData::LoadMeters(const modRegistry& store) {
     std::vector<UnreadableValue> unreadable;
     if (!meter->LoadSettings(store, text_, section, &unreadable)) continue;
     // The key's name is unique; a stored name that is not, or is no key, would overwrite a meter.
-    if (!IsKeyName(meter->Name()) || meters_.FindName(meter->Name()) != nullptr) {
+    if (FoldCase(meter->Name()) != FoldCase(name) &&
+        (!IsKeyName(meter->Name()) || meters_.FindName(meter->Name()) != nullptr ||
+         keys.contains(FoldCase(meter->Name())))) {
       meter->SetName(name);
     }
     if (meters_.Add(std::move(meter))) {
@@ -96,14 +105,16 @@ bool ProfileData::SaveMeters(modRegistry& store) {
     saved = meter->SaveSettings(store, text_, MeterSection(meter->Name())) && saved;
   }
   for (const auto& meter : skipped_) {
+    // A meter that has been given the name meanwhile owns the key now.
+    const bool isTaken = meters_.FindName(meter.name) != nullptr;
+    const std::string section =
+        isTaken ? UnreadableSection(MeterSection(meter.name)) : MeterSection(meter.name);
     for (const auto& [name, value] : meter.values) {
-      saved = store.SaveAppSetting("", MeterSection(meter.name), name, value) && saved;
+      saved = store.SaveAppSetting("", section, name, value) && saved;
     }
   }
   for (const auto& [section, value] : unreadable_) {
-    saved = store.SaveAppSetting("", std::string(kUnreadableSection) + "\\" + section, value.name,
-                                 value.text) &&
-            saved;
+    saved = store.SaveAppSetting("", UnreadableSection(section), value.name, value.text) && saved;
   }
   return total_.SaveSettings(store, text_, kTotalSection) && saved;
 }

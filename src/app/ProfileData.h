@@ -15,7 +15,8 @@ class modRegistry;
 
 /// Everything of a profile that the store keeps: settings, meters and the Total. Loading notes what
 /// could not be read; saving never loses it: unreadable texts go to the section "Unreadable", and a
-/// meter that shares its address with another one keeps its section as it is.
+/// meter that shares its address with another one keeps its section as it is, or moves to
+/// "Unreadable" when another meter has been given its name.
 class ProfileData {
  public:
   /// `regional` must outlive this object.
