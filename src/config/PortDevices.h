@@ -1,0 +1,46 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace wattlark {
+
+class modRegistry;
+
+/// A USB or ACM serial device that is connected now.
+struct SerialDevice {
+  /// "/dev/serial/by-id/...", a name that stays with the device wherever it is plugged in; empty
+  /// when the system gives it none.
+  std::string byIdPath;
+  std::string devicePath;    ///< "/dev/ttyUSB0"
+  std::string product = {};  ///< what the device calls itself; may be empty
+
+  const std::string& Path() const { return byIdPath.empty() ? devicePath : byIdPath; }
+};
+
+/// Sorts by the names by-id; devices without one follow, by their device path ("ttyUSB2" before
+/// "ttyUSB10").
+void SortSerialDevices(std::vector<SerialDevice>& devices);
+
+/// Which device a COM number means. In this order: the device chosen for this run; the path that
+/// section "PortDevices" of the store gives for "COMn"; COM1 to COM4 are /dev/ttyS0 to /dev/ttyS3,
+/// and COM5 upward the connected USB and ACM devices in their sorted order.
+class PortDevices {
+ public:
+  /// `listConnected` is asked only when its answer is needed. `store` must outlive this object.
+  PortDevices(const modRegistry& store, std::function<std::vector<SerialDevice>()> listConnected)
+      : store_(store), listConnected_(std::move(listConnected)) {}
+
+  void UseForThisRun(int portNumber, std::string path);
+  /// Empty when no device is connected as that number, or the number is below 1.
+  std::string Path(int portNumber) const;
+
+ private:
+  const modRegistry& store_;
+  std::function<std::vector<SerialDevice>()> listConnected_;
+  int chosenPort_ = 0;
+  std::string chosenPath_;
+};
+
+}  // namespace wattlark
