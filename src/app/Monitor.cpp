@@ -37,31 +37,42 @@ Monitor::Monitor(const Ports& ports, const RegionalSettings& regional, Options o
       errors_(regional_) {
   schedule_.Add({&AppSettings::LogToCSV, &AppSettings::CSVInterval, DueUnit::Seconds,
                  [this](DateTime timestamp, bool useAverage, bool quiet) {
-                   return Publish(
-                       [&] {
-                         return LogToCSVFile(profile_.Settings(), profile_.Meters(), regional_,
-                                             timestamp, useAverage);
-                       },
-                       quiet);
+                   return WriteCSVLog(timestamp, useAverage, quiet);
                  },
                  DateTime()});
 }
 
 Monitor::~Monitor() = default;
 
-void Monitor::Load() {
+bool Monitor::Load() {
   if (ports_.registry.Begin()) {
     store_.MigrateLegacySettings(ApplicationTitle, false);
     ports_.registry.Commit();
   }
-  profile_.Load(store_, options_.csvFilenameDefault, Now());
-  TellLoadProblems();
+  // One transaction gives one view of the store: what another process locks or changes meanwhile
+  // cannot pass for a missing value, which would be saved as its default at exit.
+  const std::string trouble = ports_.registry.ErrorText();
+  bool loaded = ports_.registry.Begin();
+  if (loaded) {
+    profile_.Load(store_, options_.csvFilenameDefault, Now());
+    loaded = ports_.registry.ErrorText() == trouble;
+    ports_.registry.Rollback();
+  }
+  if (loaded) {
+    TellLoadProblems();
+  } else {
+    Tell("Settings and meters could not be read: " + ports_.registry.ErrorText(), "Error!");
+  }
+  return loaded;
+}
+
+void Monitor::Tell(const std::string& text, const std::string& caption) {
+  ports_.prompts.Ask({text, caption, PromptIcon::Exclamation, PromptButtons::OK, PromptAnswer::OK});
 }
 
 void Monitor::TellLoadProblems() {
   if (!profile_.SkippedMeters().empty()) {
-    ports_.prompts.Ask({"Not all the Kill-A-Watts were loaded", "Duplicate ID",
-                        PromptIcon::Exclamation, PromptButtons::OK, PromptAnswer::OK});
+    Tell("Not all the Kill-A-Watts were loaded", "Duplicate ID");
   }
   if (profile_.Problems().empty()) return;
   std::string text;
@@ -69,8 +80,7 @@ void Monitor::TellLoadProblems() {
     if (!text.empty()) text += "\r\n";
     text += problem;
   }
-  ports_.prompts.Ask(
-      {text, "Error!", PromptIcon::Exclamation, PromptButtons::OK, PromptAnswer::OK});
+  Tell(text, "Error!");
 }
 
 void Monitor::StartRunning() {
@@ -91,7 +101,7 @@ bool Monitor::Unload() {
 bool Monitor::SaveEverything() {
   bool saved = ports_.registry.Begin();
   if (saved) {
-    saved = profile_.SaveAll(store_);
+    saved = profile_.SaveAll(store_) && listener_.OnSave(store_);
     if (saved) {
       saved = ports_.registry.Commit();
     } else {
@@ -207,6 +217,15 @@ void Monitor::RaiseAlarmNotice(clsKillAWatt& meter, DateTime now, std::string& t
   listener_.OnAlarmNotice({now, meter.Name(), line, text});
 }
 
+bool Monitor::WriteCSVLog(DateTime timestamp, bool useAverage, bool quiet) {
+  return Publish(
+      [&] {
+        return LogToCSVFile(profile_.Settings(), profile_.Meters(), regional_, timestamp,
+                            useAverage);
+      },
+      quiet);
+}
+
 bool Monitor::Publish(const std::function<PublishResult()>& run, bool quiet) {
   const bool timerWasEnabled = timerEnabled_;
   SetUpdateTimer(false);
@@ -238,8 +257,7 @@ void Monitor::ReportError(const std::string& text, DateTime moment, bool toStatu
   if (toStatusBar) {
     SetInfoText("Click here to view errors...");
   } else {
-    ports_.prompts.Ask(
-        {text, "Error!", PromptIcon::Exclamation, PromptButtons::OK, PromptAnswer::OK});
+    Tell(text, "Error!");
   }
 }
 

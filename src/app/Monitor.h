@@ -51,6 +51,9 @@ class MonitorListener {
   virtual void OnUpdateStatus() {}
   /// `tmrUpdate` is to run, 1000 ms from now, or to stop.
   virtual void OnUpdateTimer(bool /*enabled*/) {}
+  /// Everything is being saved: what a face keeps of its own goes into the same transaction. False
+  /// fails the whole save.
+  virtual bool OnSave(modRegistry& /*store*/) { return true; }
 };
 
 /// How many frames the receive routine has seen.
@@ -88,8 +91,9 @@ class Monitor {
   Monitor& operator=(const Monitor&) = delete;
 
   /// Migrates older settings, then loads settings, meters and the Total. What could not be read is
-  /// told through `Prompts`; loading goes on.
-  void Load();
+  /// told through `Prompts`; loading goes on. False when the store itself could not be read: the
+  /// program must end then, because a later save would write defaults over it.
+  bool Load();
   /// Opens the port, sets the first due times, enables the update timer.
   void StartRunning();
   /// One tick of the update timer.
@@ -101,6 +105,10 @@ class Monitor {
   bool Unload();
   /// Saves everything in one transaction; a failure is reported once until saving works again.
   bool SaveEverything();
+
+  /// Appends one line to the CSV log, stamped with `timestamp`; the status bar, or the error list,
+  /// says how that went. True when the line was written.
+  bool WriteCSVLog(DateTime timestamp, bool useAverage, bool quiet);
 
   /// Opens the port with the present settings unless demo mode is on; a failure leaves it closed.
   void OpenPort();
@@ -151,6 +159,7 @@ class Monitor {
   bool Publish(const std::function<PublishResult()>& run, bool quiet);
   void SetUpdateTimer(bool enabled);
   void TellLoadProblems();
+  void Tell(const std::string& text, const std::string& caption);
 
   Ports ports_;
   const RegionalSettings regional_;
