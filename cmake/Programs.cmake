@@ -21,6 +21,11 @@ if(mainFound)
     target_link_libraries(wattlark PRIVATE wattlark_forms)
   endif()
   install(TARGETS wattlark wattlark-headless)
+
+  # The programs look for their sound in their own folder, built and installed alike.
+  set(noticeSound "${PROJECT_SOURCE_DIR}/resources/notice.wav")
+  configure_file("${noticeSound}" "${CMAKE_CURRENT_BINARY_DIR}/notice.wav" COPYONLY)
+  install(FILES "${noticeSound}" TYPE BIN)
 endif()
 
 add_subdirectory("${PROJECT_SOURCE_DIR}/tools/sim")
