@@ -36,7 +36,7 @@ if(formSources)
     find_package(QCustomPlot REQUIRED)
     set(plotLibrary QCustomPlot::QCustomPlot)
   endif()
-  wattlark_library(wattlark_forms SOURCES ${formSources}
+  wattlark_library(wattlark_forms SOURCES ${formSources} "${PROJECT_SOURCE_DIR}/resources/wattlark.qrc"
     LINKS wattlark_platform Qt6::Widgets Qt6::Svg Qt6::PrintSupport ${plotLibrary})
   wattlark_qt(wattlark_forms)
 endif()
