@@ -1,0 +1,46 @@
+#include "cli/DefaultFiles.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+
+namespace wattlark {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string HomeFolder() {
+  if (const char* home = std::getenv("HOME"); home != nullptr && *home != '\0') return home;
+  const passwd* user = ::getpwuid(::geteuid());
+  return user != nullptr && user->pw_dir != nullptr ? user->pw_dir : "";
+}
+
+bool IsWritable(const std::string& folder) {
+  return !folder.empty() && ::access(folder.c_str(), W_OK | X_OK) == 0;
+}
+
+}  // namespace
+
+std::string DefaultProfileFolder() {
+  const char* data = std::getenv("XDG_DATA_HOME");
+  if (data != nullptr && fs::path(data).is_absolute()) return fs::path(data) / "wattlark";
+  const std::string home = HomeFolder();
+  return home.empty() ? std::string() : home + "/.local/share/wattlark";
+}
+
+std::string ProgramFolder() {
+  std::error_code error;
+  const fs::path program = fs::read_symlink("/proc/self/exe", error);
+  return error ? std::string() : program.parent_path().string();
+}
+
+std::string DefaultCSVFilename(const std::string& profileFolder) {
+  const std::string programFolder = ProgramFolder();
+  return fs::path(IsWritable(programFolder) ? programFolder : profileFolder) / "wattlark.csv";
+}
+
+}  // namespace wattlark

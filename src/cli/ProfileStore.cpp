@@ -1,0 +1,40 @@
+#include "cli/ProfileStore.h"
+
+#include <utility>
+
+#include "cli/CommandEnvironment.h"
+#include "platform/sqlite/OpenStore.h"
+#include "platform/sqlite/OpenStoreCopy.h"
+
+namespace wattlark {
+
+bool ProfileStore::OpenForChanges(std::ostream& messages) {
+  lock_.emplace(folder_);
+  if (!lock_->TryAcquire()) {
+    if (lock_->Problem().empty()) {
+      TellUser(messages, "A running program has the profile \"" + folder_ +
+                             "\" open. End it before the profile is changed.");
+    } else {
+      TellUser(messages, "The profile cannot be changed: " + lock_->Problem() + ".");
+    }
+    return false;
+  }
+  StoreOpening opening = OpenStore(folder_);
+  if (!opening.message.empty()) TellUser(messages, opening.message);
+  return opening.savesChanges && Take(std::move(opening.registry));
+}
+
+bool ProfileStore::OpenCopy(std::ostream& messages) {
+  StoreOpening opening = OpenStoreCopy(folder_);
+  if (!opening.message.empty()) TellUser(messages, opening.message);
+  return Take(std::move(opening.registry));
+}
+
+bool ProfileStore::Take(std::unique_ptr<Registry> registry) {
+  if (registry == nullptr) return false;
+  registry_ = std::move(registry);
+  values_.emplace(*registry_);
+  return true;
+}
+
+}  // namespace wattlark

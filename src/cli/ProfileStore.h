@@ -1,0 +1,41 @@
+#pragma once
+
+#include <iosfwd>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "config/modRegistry.h"
+#include "platform/Registry.h"
+#include "platform/linux/ProfileLock.h"
+
+namespace wattlark {
+
+/// The store of a profile folder as a command has it open.
+class ProfileStore {
+ public:
+  explicit ProfileStore(std::string profileFolder) : folder_(std::move(profileFolder)) {}
+
+  /// Takes the profile for this process and opens its store, which is created as needed. False,
+  /// with the reason in `messages`, when a running program has the profile or changes could not be
+  /// saved.
+  bool OpenForChanges(std::ostream& messages);
+  /// Opens a copy in memory: the store is neither created nor locked nor changed. False, with the
+  /// reason in `messages`, when there is a store that cannot be read.
+  bool OpenCopy(std::ostream& messages);
+
+  const std::string& Folder() const { return folder_; }
+  /// What follows is valid after one of the two succeeded.
+  Registry& Port() { return *registry_; }
+  modRegistry& Values() { return *values_; }
+
+ private:
+  bool Take(std::unique_ptr<Registry> registry);
+
+  std::string folder_;
+  std::optional<ProfileLock> lock_;
+  std::unique_ptr<Registry> registry_;
+  std::optional<modRegistry> values_;
+};
+
+}  // namespace wattlark
