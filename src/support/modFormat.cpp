@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "support/NoValue.h"
+#include "support/NumberReader.h"
 
 namespace wattlark {
 
@@ -179,6 +180,24 @@ std::string FormatPower(const RegionalSettings& regional, double watts, int deci
 std::string FormatEnergy(const RegionalSettings& regional, double wattHours, int decimals,
                          UnitForm form) {
   return FormatUnit(regional, wattHours, decimals, form, kEnergy);
+}
+
+std::optional<double> ParseNumber(const RegionalSettings& regional, std::string_view text) {
+  // The symbol may always be left out, so that the first pattern is that of a bare number too.
+  const std::array<std::string_view, 9> patterns = {"¤#",
+                                                    "#¤",
+                                                    "-¤#",
+                                                    "-#¤",
+                                                    "¤-#",
+                                                    "+¤#",
+                                                    "+#¤",
+                                                    regional.currencyPositive,
+                                                    regional.currencyNegative};
+  const NumberReader reader(regional);
+  for (const std::string_view pattern : patterns) {
+    if (const auto value = reader.Read(text, pattern)) return value;
+  }
+  return std::nullopt;
 }
 
 }  // namespace wattlark

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "support/RegionalSettings.h"
 
@@ -38,5 +40,13 @@ std::string FormatPower(const RegionalSettings& regional, double watts,
 /// kilo above 1000 Wh in both); "--- Wh" or "--- Watt-hours" without a value.
 std::string FormatEnergy(const RegionalSettings& regional, double wattHours,
                          int decimals = AutomaticDecimals, UnitForm form = UnitForm::Short);
+
+/// Reads a number as a user types it or as `FormatNumberAuto` and `FormatCurrencyAuto` write it:
+/// group separators only between groups of three digits, the currency symbol and blanks around the
+/// digits ignored, every kind of blank alike. Digits that have another form than the region's are
+/// read with "." as their decimal separator: where the comma separates decimals, "1.234" is 1234
+/// but "12.5" is 12.5. Nothing for any other text, exponents included, and for numbers that no
+/// double can hold.
+std::optional<double> ParseNumber(const RegionalSettings& regional, std::string_view text);
 
 }  // namespace wattlark
