@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <unordered_set>
 
+#include "config/MeterEdit.h"
 #include "config/modRegistry.h"
 #include "support/modText.h"
 
@@ -13,7 +14,6 @@ namespace {
 constexpr const char* kMetersSection = "KillAWatts";
 constexpr const char* kTotalSection = "TotalKillAWatt";
 constexpr const char* kUnreadableSection = "Unreadable";
-constexpr std::size_t kLongestName = 255;  // a longer name is no key on every system
 
 std::string MeterSection(const std::string& name) {
   return std::string(kMetersSection) + "\\" + name;
@@ -21,11 +21,6 @@ std::string MeterSection(const std::string& name) {
 
 std::string UnreadableSection(const std::string& section) {
   return std::string(kUnreadableSection) + "\\" + section;
-}
-
-bool IsKeyName(const std::string& name) {
-  return !name.empty() && name.size() <= kLongestName && name.find('\\') == std::string::npos &&
-         name.find('\0') == std::string::npos;
 }
 
 }  // namespace
@@ -52,7 +47,7 @@ void ProfileData::LoadMeters(const modRegistry& store) {
     if (!meter->LoadSettings(store, text_, section, &unreadable)) continue;
     // The key's name is unique; a stored name that is not, or is no key, would overwrite a meter.
     if (FoldCase(meter->Name()) != FoldCase(name) &&
-        (!IsKeyName(meter->Name()) || meters_.FindName(meter->Name()) != nullptr ||
+        (!IsMeterKeyName(meter->Name()) || meters_.FindName(meter->Name()) != nullptr ||
          keys.contains(FoldCase(meter->Name())))) {
       meter->SetName(name);
     }
@@ -129,16 +124,6 @@ bool ProfileData::RemoveSkipped(const std::string& name) {
   return std::erase_if(skipped_, [&](const SkippedMeter& meter) {
            return FoldCase(meter.name) == FoldCase(name);
          }) != 0;
-}
-
-std::string MeterNameProblem(const MeterCollection& meters, const clsKillAWatt* meter,
-                             const std::string& name) {
-  if (Trim(name).empty()) return "The name must not be empty.";
-  if (name.find('\\') != std::string::npos) return "The name must not contain \"\\\".";
-  if (!IsKeyName(name)) return "The name must not be longer than 255 bytes.";
-  const clsKillAWatt* other = meters.FindName(name);
-  if (other != nullptr && other != meter) return "Another meter has the name \"" + name + "\".";
-  return "";
 }
 
 void InitTotalKillAWatt(clsKillAWatt& total, const MeterCollection& meters, DateTime now) {

@@ -66,12 +66,6 @@ class ProfileData {
   std::vector<std::string> problems_;
 };
 
-/// Why a user may not give a meter that name, or an empty text: empty, with "\", longer than a
-/// stored key may be, or another meter's. `meter` is the one that would take it, null for a new
-/// one.
-std::string MeterNameProblem(const MeterCollection& meters, const clsKillAWatt* meter,
-                             const std::string& name);
-
 /// The Total's periods since reset, today, to date and yesterday start as the sums of the meters'.
 void InitTotalKillAWatt(clsKillAWatt& total, const MeterCollection& meters, DateTime now);
 

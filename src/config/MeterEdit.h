@@ -25,6 +25,14 @@ std::span<const ListEntry> AlarmIntervalEntries();
 /// Index of the first entry that carries `number`, or -1.
 int FindEntry(std::span<const ListEntry> entries, double number);
 
+/// Whether a meter of that name can be stored: not empty, at most 255 bytes, without "\" or NUL.
+bool IsMeterKeyName(const std::string& name);
+/// Why a user may not give a meter that name, or an empty text: empty, with "\", longer than a
+/// stored key may be, or another meter's. `meter` is the one that would take it, null for a new
+/// one.
+std::string MeterNameProblem(const MeterCollection& meters, const clsKillAWatt* meter,
+                             const std::string& name);
+
 /// The contents of the meter dialog. The lists hold the index of the selected entry, or -1.
 struct MeterEdit {
   std::string name;
@@ -58,7 +66,8 @@ std::optional<MeterEditProblem> CheckMeterEdit(const MeterEdit& edit, const Mete
 /// was raised to the duration.
 bool ApplyMeterEdit(const MeterEdit& edit, MeterCollection& meters, clsKillAWatt& meter,
                     const RegionalSettings& regional);
-/// Whether the key filter of the limit boxes lets a typed character through.
+/// Whether the key filter of the limit boxes lets a typed character through: Backspace, "+", "-",
+/// ".", digits, and what separates decimals in the region.
 bool IsLimitCharacter(char32_t character, const RegionalSettings& regional);
 
 }  // namespace wattlark
