@@ -1,0 +1,84 @@
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "app/MeterSelection.h"
+
+namespace wattlark {
+namespace {
+
+struct MeterSelectionTest : testing::Test {
+  void Add(const char* name, std::int16_t address) {
+    auto meter = std::make_unique<clsKillAWatt>();
+    meter->SetName(name);
+    meter->SetXBeeAddress(address);
+    ASSERT_TRUE(profile.Meters().Add(std::move(meter)));
+    selection.RefreshTabs();
+  }
+
+  RegionalSettings regional = RegionalSettings::UnitedStates();
+  ProfileData profile{regional};
+  MeterSelection selection{profile};
+};
+
+TEST_F(MeterSelectionTest, ShowsNothingWithoutMeters) {
+  selection.RefreshTabs();
+  EXPECT_EQ(selection.SelectedKillAWatt(false), nullptr);
+  EXPECT_EQ(selection.SelectedKillAWatt(true), nullptr);
+  ASSERT_EQ(selection.Tabs().size(), 1U);
+  EXPECT_FALSE(selection.Tabs()[0].visible);
+}
+
+TEST_F(MeterSelectionTest, HidesTheTotalOfOneMeter) {
+  Add("Kitchen", 5);
+  EXPECT_EQ(selection.SelectedTab(), 1);
+  EXPECT_EQ(selection.SelectedKillAWatt(false), &profile.Meters()[0]);
+  EXPECT_EQ(selection.SelectedKillAWatt(true), &profile.Meters()[0]);
+  EXPECT_FALSE(selection.Tabs()[0].visible);
+  selection.SelectTab(0);
+  EXPECT_EQ(selection.SelectedTab(), 1);
+}
+
+TEST_F(MeterSelectionTest, NamesTheTabsInOrder) {
+  Add("Office", 300);
+  Add("Kitchen", 5);
+  const auto tabs = selection.Tabs();
+  ASSERT_EQ(tabs.size(), 3U);
+  const std::array<std::pair<const char*, const char*>, 3> expected{
+      {{"Total", "TOTAL"}, {"Office", "XBEE300"}, {"Kitchen", "XBEE5"}}};
+  for (std::size_t i = 0; i < tabs.size(); ++i) {
+    EXPECT_EQ(tabs[i].caption, expected[i].first);
+    EXPECT_EQ(tabs[i].key, expected[i].second);
+    EXPECT_TRUE(tabs[i].visible);
+  }
+}
+
+TEST_F(MeterSelectionTest, FollowsTheTabs) {
+  Add("Office", 300);
+  Add("Kitchen", 5);
+  EXPECT_EQ(selection.SelectedTab(), 0);
+  EXPECT_EQ(selection.SelectedKillAWatt(false), &profile.Total());
+  selection.SelectTab(2);
+  EXPECT_EQ(selection.SelectedKillAWatt(false), &profile.Meters()[1]);
+  EXPECT_EQ(selection.SelectedKillAWatt(true), &profile.Total());
+  for (const int outside : {-1, 3, 1000}) {
+    selection.SelectTab(outside);
+    EXPECT_EQ(selection.SelectedTab(), 2);
+  }
+}
+
+TEST_F(MeterSelectionTest, ReturnsToTheFirstTabWhenAMeterGoes) {
+  Add("Office", 300);
+  Add("Kitchen", 5);
+  selection.SelectTab(2);
+  profile.Meters().Remove(profile.Meters()[1]);
+  EXPECT_EQ(selection.SelectedKillAWatt(false), nullptr) << "the tab's meter is gone";
+  selection.RefreshTabs();
+  EXPECT_EQ(selection.SelectedKillAWatt(false), &profile.Meters()[0]);
+  profile.Meters().Remove(profile.Meters()[0]);
+  selection.RefreshTabs();
+  EXPECT_EQ(selection.SelectedKillAWatt(false), nullptr);
+}
+
+}  // namespace
+}  // namespace wattlark
