@@ -1,33 +1,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <numeric>
-#include <random>
 #include <stdexcept>
 
+#include "acquisition/Receiver.h"
 #include "acquisition/clsXBee.h"
-#include "twins/Frames.h"
-#include "twins/HandClock.h"
 
 namespace wattlark {
 namespace {
 
 using testing::Each;
 using testing::ElementsAre;
-
-struct Receiver {
-  HandClock clock;
-  clsXBee decoder{clock};
-
-  bool Read(const Bytes& bytes) { return decoder.ParseBytes(bytes); }
-  void ReadEachByte(const Bytes& bytes) {
-    for (const std::uint8_t byte : bytes) Read({byte});
-  }
-  std::uint64_t Completed() const { return decoder.CompletedFrames(); }
-  std::uint64_t Decoded() const { return decoder.DecodedFrames(); }
-  std::uint64_t Dropped() const { return decoder.DroppedFrames(); }
-};
 
 std::vector<int> Channel(const clsXBee& decoder, int channel) {
   std::vector<int> readings;
@@ -38,22 +21,6 @@ std::vector<int> Channel(const clsXBee& decoder, int channel) {
   decoder.CopyChannel(channel, copied);
   EXPECT_THAT(copied, testing::ElementsAreArray(readings));
   return readings;
-}
-
-// Two samples, no byte of which is a delimiter.
-Bytes Frame(std::uint16_t address) {
-  return MeterFrame(address, {700, 300}, {498, 529});
-}
-
-Bytes Repeated(const Bytes& part, std::size_t times) {
-  Bytes whole;
-  for (std::size_t i = 0; i < times; ++i) whole.insert(whole.end(), part.begin(), part.end());
-  return whole;
-}
-
-Bytes Slice(const Bytes& bytes, std::size_t from, std::size_t to) {
-  return {bytes.begin() + static_cast<std::ptrdiff_t>(from),
-          bytes.begin() + static_cast<std::ptrdiff_t>(to)};
 }
 
 TEST(clsXBee, DecodesEveryField) {
@@ -82,7 +49,7 @@ TEST(clsXBee, DecodesEveryField) {
 
 TEST(clsXBee, RefusesSamplesAndChannelsThatDoNotExist) {
   Receiver receiver;
-  receiver.Read(Frame(5));
+  receiver.Read(TwoSampleFrame(5));
   for (const int sample : {-1, 0, 3, 256}) {
     EXPECT_THROW(receiver.decoder.AnalogSample(sample, 1), std::out_of_range) << sample;
     EXPECT_THROW(receiver.decoder.DigitalSample(sample, 1), std::out_of_range) << sample;
@@ -174,7 +141,7 @@ TEST(clsXBee, FailsDecodingOfWhatASignedFieldCannotHold) {
 }
 
 TEST(clsXBee, FailsDecodingOfFramesTooShortForWhatTheyAnnounce) {
-  const Bytes whole = Frame(5);
+  const Bytes whole = TwoSampleFrame(5);
   const Bytes data = Slice(whole, 3, whole.size() - 1);
   Receiver receiver;
   for (std::size_t size = 1; size < data.size(); ++size) {
@@ -203,274 +170,6 @@ TEST(clsXBee, CompletesFramesOfOtherKindsWithoutDecodingThem) {
   EXPECT_EQ(receiver.Completed(), 3U);
   EXPECT_TRUE(receiver.Read({}));
   EXPECT_FALSE(receiver.decoder.FrameReceived());
-}
-
-// Garbage, a delimiter inside a frame, damage, a frame inside a damaged one and one behind it.
-const Bytes& TrickyStream() {
-  static const Bytes stream = Join({{1, 2, 0xFF},
-                                    Frame(0x7E),
-                                    MeterFrame(6, {0x7E, 0x017E}, {0x7E7E, 498}),
-                                    MeterFrame(7, {700, 300}, {498, 529}, {.wrongChecksum = true}),
-                                    {0x7E, 0x00, 0x30},
-                                    Frame(8),
-                                    Frame(9),
-                                    Frame(10),
-                                    {0x7E, 0x00, 0x00, 0x00},
-                                    {0x44, 0x7E, 0x00, 0x02},
-                                    Frame(11),
-                                    Repeated(Frame(12), 3)});
-  return stream;
-}
-
-TEST(clsXBee, DecodesTheSameHoweverAStreamIsSplit) {
-  Receiver whole;
-  whole.Read(TrickyStream());
-  EXPECT_EQ(whole.Completed(), 9U);
-  EXPECT_EQ(whole.decoder.SourceAddress(), 12);
-  const auto expectSame = [&whole](const Receiver& other, std::size_t split) {
-    EXPECT_EQ(other.Completed(), whole.Completed()) << split;
-    EXPECT_EQ(other.Decoded(), whole.Decoded()) << split;
-    EXPECT_EQ(other.Dropped(), whole.Dropped()) << split;
-    EXPECT_EQ(other.decoder.SourceAddress(), 12) << split;
-    EXPECT_THAT(Channel(other.decoder, 5), ElementsAre(498, 529)) << split;
-  };
-  for (std::size_t split = 0; split <= TrickyStream().size(); ++split) {
-    Receiver receiver;
-    receiver.Read(Slice(TrickyStream(), 0, split));
-    receiver.Read(Slice(TrickyStream(), split, TrickyStream().size()));
-    expectSame(receiver, split);
-  }
-  Receiver receiver;
-  receiver.ReadEachByte(TrickyStream());
-  expectSame(receiver, 1);
-}
-
-TEST(clsXBee, KeepsTheLastFrameOfARead) {
-  Receiver receiver;
-  EXPECT_TRUE(receiver.Read(Join({Frame(5), {9, 9}, Frame(6)})));
-  EXPECT_EQ(receiver.Decoded(), 2U);
-  EXPECT_EQ(receiver.decoder.SourceAddress(), 6);
-  // A last frame that is none of samples hides the one before it.
-  receiver.Read(Join({Frame(5), WrapFrame({0x88, 0})}));
-  EXPECT_FALSE(receiver.decoder.SampleDecoded());
-}
-
-TEST(clsXBee, StampsAFrameWithTheMomentItWasCompleted) {
-  Receiver receiver;
-  const Bytes frame = Frame(5);
-  receiver.Read(Slice(frame, 0, 6));
-  receiver.clock.Advance(1500);
-  receiver.Read(Slice(frame, 6, frame.size()));
-  EXPECT_EQ(receiver.decoder.FrameTime(), At("2026-11-16T20:10:01.500"));
-  EXPECT_EQ(receiver.decoder.FrameTicks(), 2500U);
-}
-
-TEST(clsXBee, LosesNoIntactFrameBehindOneThatWasCutShort) {
-  // A cut within the length field makes a length of up to 0x7E00 of what follows.
-  const Bytes intact = Repeated(Frame(6), 1700);
-  for (std::size_t size = 0; size < Frame(5).size(); ++size) {
-    const Bytes stream = Join({Slice(Frame(5), 0, size), intact});
-    Receiver atOnce;
-    atOnce.Read(stream);
-    EXPECT_EQ(atOnce.Decoded(), 1700U) << size;
-    EXPECT_EQ(atOnce.decoder.SourceAddress(), 6) << size;
-    Receiver bytewise;
-    bytewise.ReadEachByte(stream);
-    EXPECT_EQ(bytewise.Decoded(), 1700U) << size;
-  }
-}
-
-TEST(clsXBee, LosesNoIntactFrameBehindADamagedByte) {
-  for (std::size_t damaged = 0; damaged < Frame(5).size(); ++damaged) {
-    // The high byte of the length is tested below: it can reach far ahead, or end the read.
-    if (damaged == 1) continue;
-    for (const int flip : {0x01, 0x10, 0x40}) {
-      Bytes stream = Join({Frame(5), Repeated(Frame(6), 10)});
-      stream[damaged] = static_cast<std::uint8_t>(stream[damaged] ^ flip);
-      Receiver receiver;
-      receiver.Read(stream);
-      EXPECT_EQ(receiver.Decoded(), 10U) << damaged << ' ' << flip;
-    }
-  }
-}
-
-TEST(clsXBee, FindsTheFramesInsideALengthThatLied) {
-  const std::size_t frameSize = Frame(6).size();
-  for (const int length : {0x0011, 0x0123, 0x1000, 0x7FFB}) {
-    const std::size_t frames = static_cast<std::size_t>(length) / frameSize + 2;
-    const Bytes stream = Join(
-        {{0x7E, static_cast<std::uint8_t>(length >> 8), static_cast<std::uint8_t>(length & 0xFF)},
-         Repeated(Frame(6), frames)});
-    Receiver receiver;
-    receiver.Read(stream);
-    EXPECT_EQ(receiver.Decoded(), frames) << length;
-    EXPECT_EQ(receiver.Dropped(), 1U) << length;
-  }
-}
-
-TEST(clsXBee, FindsAFrameInsideADamagedOne) {
-  const Bytes inner = Frame(6);
-  Receiver receiver;
-  receiver.Read(WrapFrame(Join({{0x83, 0x55}, inner, {1}}), true));
-  EXPECT_EQ(receiver.Completed(), 1U);
-  EXPECT_EQ(receiver.decoder.SourceAddress(), 6);
-  // In a frame that is intact the same bytes are data.
-  receiver.Read(WrapFrame(Join({{0x88}, inner})));
-  EXPECT_EQ(receiver.Completed(), 2U);
-  EXPECT_EQ(receiver.decoder.ApiIdentifier(), 0x88);
-}
-
-TEST(clsXBee, TakesTheLongestFrame) {
-  Bytes data(0x7FFB, 0x7E);
-  data[0] = 0x88;
-  Receiver receiver;
-  EXPECT_TRUE(receiver.Read(WrapFrame(data)));
-  EXPECT_EQ(receiver.Completed(), 1U);
-  receiver.ReadEachByte(WrapFrame(data));
-  EXPECT_EQ(receiver.Completed(), 2U);
-}
-
-TEST(clsXBee, DropsTheRestOfAReadWhoseLengthOverflows) {
-  for (const Bytes& start : {Bytes{0x7E, 0x7F, 0xFC}, Bytes{0x7E, 0x7F, 0xFF}, Bytes{0x7E, 0x80},
-                             Bytes{0x7E, 0x80, 0x00}, Bytes{0x7E, 0xFF, 0xFF}}) {
-    SCOPED_TRACE(testing::PrintToString(start));
-    Receiver receiver;
-    EXPECT_FALSE(receiver.Read(Join({start, Frame(5)})));
-    EXPECT_FALSE(receiver.decoder.FrameReceived());
-    // Only the rest of that read is lost, and a frame that was complete before it is not.
-    EXPECT_TRUE(receiver.Read(Join({Frame(6), start, Frame(5)})));
-    EXPECT_TRUE(receiver.decoder.FrameReceived());
-    EXPECT_EQ(receiver.decoder.SourceAddress(), 6);
-    EXPECT_TRUE(receiver.Read({0x7E}));
-    EXPECT_FALSE(receiver.Read(Join({Slice(start, 1, start.size()), Frame(5)})));
-    EXPECT_TRUE(receiver.Read(Frame(7)));
-    EXPECT_EQ(receiver.Completed(), 2U);
-    EXPECT_EQ(receiver.Dropped(), 0U);
-  }
-}
-
-TEST(clsXBee, TakesAnOverflowingLengthInsideADamagedFrameForData) {
-  for (const Bytes& lie : {Bytes{0x7E, 0x90}, Bytes{0x7E, 0x7F, 0xFE}, Bytes{0x7E}}) {
-    SCOPED_TRACE(testing::PrintToString(lie));
-    // The last byte of the lie stands in the checksum's place.
-    const Bytes damaged = Join({{0x7E, 0x00, static_cast<std::uint8_t>(lie.size())}, {0x88}, lie});
-    const Bytes stream = Join({damaged, {0x90, 0x90}, Frame(6)});
-    Receiver atOnce;
-    EXPECT_TRUE(atOnce.Read(stream));
-    EXPECT_EQ(atOnce.Decoded(), 1U);
-    Receiver bytewise;
-    bytewise.ReadEachByte(stream);
-    EXPECT_EQ(bytewise.Decoded(), 1U);
-  }
-}
-
-// The rules of the stream in their plainest form: everything is kept, every sum is taken anew.
-struct ReferenceDecoder {
-  Bytes bytes;
-  std::size_t position = 0;
-  std::size_t failedEnd = 0;
-  std::vector<Bytes> frames;
-  std::uint64_t dropped = 0;
-
-  bool Read(const Bytes& read) {
-    bytes.insert(bytes.end(), read.begin(), read.end());
-    const std::size_t framesBefore = frames.size();
-    for (; position < bytes.size(); ++position) {
-      if (bytes[position] != 0x7E) continue;
-      const std::size_t left = bytes.size() - position;
-      const bool highKnown = left >= 2;
-      const bool lengthKnown = left >= 3;
-      const std::size_t length =
-          lengthKnown ? bytes[position + 1] * 256U + bytes[position + 2] : 0U;
-      if ((highKnown && bytes[position + 1] >= 0x80) || length > 0x7FFB) {
-        if (position < failedEnd) continue;
-        position = bytes.size();
-        return frames.size() > framesBefore;
-      }
-      if (!lengthKnown || left < length + 4) return true;
-      const Bytes frame = Slice(bytes, position + 3, position + length + 4);
-      if (std::accumulate(frame.begin(), frame.end(), 0U) % 256 == 255) {
-        frames.push_back(frame);
-        position += length + 3;
-      } else {
-        ++dropped;
-        failedEnd = std::max(failedEnd, position + length + 4);
-      }
-    }
-    return true;
-  }
-};
-
-TEST(clsXBee, AgreesWithAPlainDecoderOnRandomStreams) {
-  std::mt19937 random(20261116);
-  const auto below = [&random](unsigned n) { return static_cast<std::size_t>(random() % n); };
-  std::uint64_t completed = 0;
-  std::uint64_t dropped = 0;
-  for (int round = 0; round < 400; ++round) {
-    Bytes stream;
-    for (int piece = 0; piece < 40; ++piece) {
-      Bytes part = Frame(static_cast<std::uint16_t>(random() & 0x7FFF));
-      switch (below(6)) {
-        case 0:
-          part.resize(below(static_cast<unsigned>(part.size())));
-          break;
-        case 1:
-          part[below(static_cast<unsigned>(part.size()))] ^=
-              Bytes{1, 2, 4, 8, 16, 32, 64, 128}[below(8)];
-          break;
-        case 2:
-          part.resize(below(30));
-          for (auto& byte : part) byte = Bytes{0x7E, 0, 1, 0x83, 0xFF, 0x7F, 0xFB, 0xFC}[below(8)];
-          break;
-        default:
-          break;
-      }
-      stream = Join({stream, part});
-    }
-    Receiver receiver;
-    ReferenceDecoder reference;
-    for (std::size_t from = 0; from < stream.size();) {
-      const std::size_t to = std::min(stream.size(), from + 1 + below(round % 2 == 0 ? 4 : 400));
-      const Bytes read = Slice(stream, from, to);
-      const std::size_t framesBefore = reference.frames.size();
-      ASSERT_EQ(receiver.Read(read), reference.Read(read)) << round << ' ' << from;
-      ASSERT_EQ(receiver.Completed(), reference.frames.size()) << round << ' ' << from;
-      ASSERT_EQ(receiver.decoder.FrameReceived(), reference.frames.size() > framesBefore);
-      ASSERT_EQ(receiver.Dropped(), reference.dropped) << round << ' ' << from;
-      if (receiver.decoder.SampleDecoded()) {
-        const Bytes& last = reference.frames.back();
-        ASSERT_EQ(receiver.decoder.SourceAddress(), last[1] * 256 + last[2]);
-      }
-      from = to;
-    }
-    completed += receiver.Completed();
-    dropped += receiver.Dropped();
-  }
-  EXPECT_GT(completed, 1000U);
-  EXPECT_GT(dropped, 1000U);
-}
-
-// Work that grew with the square of the input, or with a false frame's length for every byte of it,
-// would not end within the time limit of a test.
-TEST(clsXBee, DoesBoundedWorkForAnyInput) {
-  constexpr std::size_t kBytes = 1 << 19;
-  const Bytes patterns[] = {
-      {0x7E},       {0x7E, 0x7F, 0xFB}, {0x7E, 0x7F},
-      {0x7E, 0x00}, {0x7E, 0x00, 0x00}, {0x7E, 0x40, 0x00, 0x7E, 0x7F, 0x00, 0x7E, 0xFF}};
-  for (const Bytes& pattern : patterns) {
-    SCOPED_TRACE(testing::PrintToString(pattern));
-    const Bytes input = Repeated(pattern, kBytes / pattern.size());
-    Receiver atOnce;
-    atOnce.Read(input);
-    Receiver bytewise;
-    bytewise.ReadEachByte(input);
-    for (Receiver* receiver : {&atOnce, &bytewise}) {
-      // Still alive: once the longest frame that may be pending is over, frames come through.
-      receiver->Read(Repeated(Frame(5), 4000));
-      receiver->Read(Frame(6));
-      EXPECT_EQ(receiver->decoder.SourceAddress(), 6);
-    }
-  }
 }
 
 }  // namespace

@@ -1,0 +1,278 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "acquisition/clsKillAWatt.h"
+#include "config/StoreText.h"
+#include "config/modRegistry.h"
+#include "twins/HandClock.h"
+#include "twins/MemoryRegistry.h"
+
+namespace wattlark {
+namespace {
+
+using testing::Each;
+using testing::StartsWith;
+
+const std::string kSection = "KillAWatts\\Kitchen";
+
+RegionalSettings CommaRegion() {
+  RegionalSettings region = RegionalSettings::UnitedStates();
+  region.decimalSeparator = ",";
+  region.groupSeparator = ".";
+  region.shortDate = "dd.MM.yyyy";
+  region.longTime = "HH:mm:ss";
+  return region;
+}
+
+struct Store {
+  explicit Store(const RegionalSettings& region = RegionalSettings::UnitedStates())
+      : text(region) {}
+
+  void Put(const std::string& name, const std::string& value) {
+    settings.SaveAppSetting("", kSection, name, value);
+  }
+  std::string Get(const std::string& name) const {
+    return settings.GetAppSetting("", kSection, name, "(none)");
+  }
+  bool Save(const clsKillAWatt& meter) { return meter.SaveSettings(settings, text, kSection); }
+  bool Load(clsKillAWatt& meter) {
+    unreadable.clear();
+    return meter.LoadSettings(settings, text, kSection, &unreadable);
+  }
+  std::vector<NamedRegistryValue> Values() {
+    return registry.Values(Hive::CurrentUser, modRegistry::AppKeyPath("", kSection));
+  }
+
+  MemoryRegistry registry;
+  modRegistry settings{registry};
+  StoreText text;
+  std::vector<UnreadableValue> unreadable;
+};
+
+// Fills a meter with values that are hard to write.
+void Fill(clsKillAWatt& meter) {
+  meter.SetName("Küche, \"oben\"");
+  meter.SetXBeeAddress(0x7FFF);
+  meter.SetKillAWattType(GeneratorMeter);
+  meter.SetNominalVoltage(230.5);
+  meter.SetNominalFrequency(50);
+  meter.SetCurrentOffset(501);
+  meter.SetCurrentScaler(1 / 15.0);
+  meter.SetVoltageScaler(1.1525000000000003);
+  meter.Alarm().SetAlarmActive(true);
+  meter.Alarm().SetAlarmUpperLimit(1234.5);
+  meter.Alarm().SetAlarmLowerLimit(-0.1);
+  meter.Alarm().SetAlarmDuration(30);
+  meter.Alarm().SetAlarmInterval(900);
+  MeterStatistics& statistics = meter.Statistics();
+  statistics.SetTimestamp(At("2026-11-16T20:10:00.250"));
+  for (int i = 0; i < IntervalCount; ++i) {
+    std::vector<double> series(60, NoValue);
+    for (std::size_t k = 1; k < series.size(); k += 2) {
+      series[k] = 0.1 * static_cast<double>(k) / (i + 3);
+    }
+    series[0] = std::numeric_limits<double>::denorm_min();
+    series[2] = -1.7976931348623157e308;
+    statistics.SetDemandRecent(i, series);
+    series[3] = 12345678.9;
+    statistics.SetUsageRecent(i, series);
+  }
+  for (int i = 0; i < PeriodCount; ++i) {
+    statistics.SetUsage(i, i == Yesterday ? NoValue : 1e-7 + i / 3.0);
+    statistics.SetPeak(i, 1000.0 / (i + 7));
+    if (i != Today) statistics.SetPeakTime(i, At("2028-02-29T00:00:00.007").PlusDays(i));
+  }
+}
+
+TEST(MeterPersistence, KeepsEveryValueExactly) {
+  for (const RegionalSettings& region : {RegionalSettings::UnitedStates(), CommaRegion()}) {
+    Store store(region);
+    clsKillAWatt saved;
+    Fill(saved);
+    ASSERT_TRUE(store.Save(saved));
+    clsKillAWatt loaded;
+    ASSERT_TRUE(store.Load(loaded));
+    EXPECT_TRUE(store.unreadable.empty());
+    EXPECT_EQ(loaded.Name(), "Küche, \"oben\"");
+    EXPECT_EQ(loaded.XBeeAddress(), 0x7FFF);
+    EXPECT_EQ(loaded.KillAWattType(), GeneratorMeter);
+    EXPECT_EQ(loaded.NominalVoltage(), 230.5);
+    EXPECT_EQ(loaded.NominalFrequency(), 50);
+    EXPECT_EQ(loaded.CurrentOffset(), 501);
+    EXPECT_EQ(loaded.CurrentScaler(), 1 / 15.0);
+    EXPECT_EQ(loaded.VoltageScaler(), 1.1525000000000003);
+    EXPECT_TRUE(loaded.Alarm().AlarmActive());
+    EXPECT_EQ(loaded.Alarm().AlarmUpperLimit(), 1234.5);
+    EXPECT_EQ(loaded.Alarm().AlarmLowerLimit(), -0.1);
+    EXPECT_EQ(loaded.Alarm().AlarmDuration(), 30);
+    EXPECT_EQ(loaded.Alarm().AlarmInterval(), 900);
+    EXPECT_EQ(loaded.Alarm().IntervalSeconds(), 900) << "the first notice is due at once";
+    EXPECT_EQ(loaded.Timestamp(), At("2026-11-16T20:10:00.250"));
+    EXPECT_FALSE(loaded.HasReading());
+    const MeterStatistics& before = saved.Statistics();
+    const MeterStatistics& after = loaded.Statistics();
+    for (int i = 0; i < IntervalCount; ++i) {
+      EXPECT_THAT(after.DemandRecent(i), testing::ElementsAreArray(before.DemandRecent(i)));
+      EXPECT_THAT(after.UsageRecent(i), testing::ElementsAreArray(before.UsageRecent(i)));
+    }
+    for (int i = 0; i < PeriodCount; ++i) {
+      EXPECT_EQ(after.Usage(i), before.Usage(i)) << i;
+      EXPECT_EQ(after.Peak(i), before.Peak(i)) << i;
+      EXPECT_EQ(after.PeakTime(i), before.PeakTime(i)) << i;
+    }
+    EXPECT_TRUE(after.PeakTime(Today).IsNever());
+  }
+}
+
+TEST(MeterPersistence, WritesTheAgreedNamesInOrder) {
+  Store store;
+  store.Save(clsKillAWatt());
+  std::string names;
+  for (const auto& value : store.Values()) {
+    EXPECT_EQ(value.value.type, RegistryType::String) << value.name;
+    if (value.name != "KillAWattType") names += value.name + ' ';
+  }
+  EXPECT_EQ(names,
+            "Name XBeeAddress AlarmActive AlarmUpperLimit AlarmLowerLimit AlarmDuration "
+            "AlarmInterval NominalVoltage NominalFrequency CurrentOffset CurrentScaler "
+            "VoltageScaler Timestamp DemandRecentMinute DemandRecentHour DemandRecentDay "
+            "DemandRecentWeek DemandRecentMonth DemandRecentYear UsageRecentMinute "
+            "UsageRecentHour UsageRecentDay UsageRecentWeek UsageRecentMonth UsageRecentYear "
+            "UsageYesterday UsageToday UsageThisWeek UsageThisMonth UsageThisYear UsageToDate "
+            "UsageSinceReset PeakYesterday PeakToday PeakThisWeek PeakThisMonth PeakThisYear "
+            "PeakToDate PeakSinceReset PeakTimeYesterday PeakTimeToday PeakTimeThisWeek "
+            "PeakTimeThisMonth PeakTimeThisYear PeakTimeToDate PeakTimeSinceReset ");
+  EXPECT_EQ(store.Get("KillAWattType"), "0");
+}
+
+TEST(MeterPersistence, WritesRegionalNumbersButSeriesForEveryRegion) {
+  Store store(CommaRegion());
+  clsKillAWatt meter;
+  Fill(meter);
+  store.Save(meter);
+  EXPECT_EQ(store.Get("NominalVoltage"), "230,5");
+  EXPECT_EQ(store.Get("AlarmActive"), "True");
+  EXPECT_EQ(store.Get("UsageYesterday"), "1E+308");
+  EXPECT_THAT(store.Get("Timestamp"), StartsWith("16.11.2026 20:10:00"));
+  meter.Statistics().SetDemandRecent(Week, std::vector<double>{1.5, NoValue, 0, 3, 4, 5, 6});
+  store.Save(meter);
+  EXPECT_EQ(store.Get("DemandRecentWeek"), "1.5,1E+308,0,3,4,5,6");
+}
+
+TEST(MeterPersistence, LoadsNothingWithoutItsKey) {
+  Store store;
+  clsKillAWatt meter;
+  Fill(meter);
+  EXPECT_FALSE(store.Load(meter));
+  EXPECT_EQ(meter.CurrentOffset(), 501);
+}
+
+TEST(MeterPersistence, KeepsFieldsWhoseValuesAreMissingOrEmpty) {
+  Store store;
+  store.Put("XBeeAddress", "7");
+  store.Put("NominalVoltage", "");
+  store.Put("DemandRecentMinute", "");
+  clsKillAWatt meter;
+  meter.SetName("Kitchen");
+  meter.Statistics().SetDemandRecent(Minute, std::vector<double>{4});
+  ASSERT_TRUE(store.Load(meter));
+  EXPECT_EQ(meter.Name(), "Kitchen");
+  EXPECT_EQ(meter.XBeeAddress(), 7);
+  EXPECT_EQ(meter.NominalVoltage(), 120);
+  EXPECT_EQ(meter.Statistics().DemandRecent(Minute)[0], 4);
+  EXPECT_TRUE(store.unreadable.empty());
+}
+
+TEST(MeterPersistence, ClampsStoredCalibration) {
+  Store store;
+  store.Put("NominalVoltage", "240");
+  store.Put("VoltageScaler", "1.2");
+  store.Put("CurrentOffset", "5000");
+  store.Put("CurrentScaler", "1");
+  clsKillAWatt meter;
+  ASSERT_TRUE(store.Load(meter));
+  EXPECT_EQ(meter.VoltageScaler(), 1.2);
+  EXPECT_EQ(meter.CurrentOffset(), 1023);
+  EXPECT_EQ(meter.CurrentScaler(), 1.25 / 15.5);
+}
+
+TEST(MeterPersistence, ReadsSeriesOfEveryLengthAndQuality) {
+  struct Case {
+    const char* stored;
+    std::vector<double> entries;
+  };
+  const double none = NoValue;
+  const Case cases[] = {
+      {"1,2,3", {1, 2, 3, none, none, none, none}},
+      {"1,2,3,4,5,6,7,8,9", {1, 2, 3, 4, 5, 6, 7}},
+      {"1E+308,1e308,,x,1.5.5,nan,-inf", {none, none, 0, 0, 0, 0, 0}},
+      {" 1 , 2 ", {1, 2, none, none, none, none, none}},
+      {",", {0, 0, none, none, none, none, none}},
+      {"1e999", {0, none, none, none, none, none, none}},
+  };
+  for (const Case& test : cases) {
+    Store store;
+    store.Put("UsageRecentWeek", test.stored);
+    clsKillAWatt meter;
+    ASSERT_TRUE(store.Load(meter));
+    EXPECT_THAT(meter.Statistics().UsageRecent(Week), testing::ElementsAreArray(test.entries))
+        << test.stored;
+    EXPECT_THAT(meter.Statistics().DemandRecent(Week), Each(none));
+  }
+  Store store;
+  store.Put("DemandRecentMinute", "0,1,2,3,4,5,6,7,8,9");
+  clsKillAWatt meter;
+  ASSERT_TRUE(store.Load(meter));
+  EXPECT_EQ(meter.Statistics().DemandRecent(Minute)[9], 9);
+  EXPECT_THAT(meter.Statistics().DemandRecent(Minute).last(50), Each(none));
+}
+
+TEST(MeterPersistence, NotesWhatItCannotRead) {
+  const std::pair<const char*, const char*> cases[] = {{"XBeeAddress", "32768"},
+                                                       {"XBeeAddress", "five"},
+                                                       {"XBeeAddress", "5.5"},
+                                                       {"AlarmActive", "yes"},
+                                                       {"AlarmUpperLimit", "x"},
+                                                       {"AlarmLowerLimit", "1,000.5"},
+                                                       {"AlarmDuration", "99999999999"},
+                                                       {"AlarmInterval", "1e3"},
+                                                       {"NominalVoltage", "nan"},
+                                                       {"NominalFrequency", "0x32"},
+                                                       {"CurrentOffset", "-40000"},
+                                                       {"CurrentScaler", "inf"},
+                                                       {"VoltageScaler", "1E+999"},
+                                                       {"KillAWattType", "Load"},
+                                                       {"Timestamp", "yesterday"},
+                                                       {"Timestamp", "2/30/2026 1:00:00 PM"},
+                                                       {"UsageToDate", "--1"},
+                                                       {"PeakToday", "1 2"},
+                                                       {"PeakTimeToday", "11/16/2026 25:00:00 PM"}};
+  for (const auto& [name, stored] : cases) {
+    Store store;
+    store.Put("CurrentOffset", "600");
+    store.Put(name, stored);
+    clsKillAWatt meter;
+    ASSERT_TRUE(store.Load(meter)) << name;
+    ASSERT_EQ(store.unreadable.size(), 1U) << name << ' ' << stored;
+    EXPECT_EQ(store.unreadable[0].name, name);
+    EXPECT_EQ(store.unreadable[0].text, stored);
+    // The field has its default: what is saved now is what a new meter saves, but for the offset.
+    meter.SetCurrentOffset(498);
+    Store other;
+    other.Save(meter);
+    Store fresh;
+    fresh.Save(clsKillAWatt());
+    EXPECT_EQ(other.Get(name), fresh.Get(name)) << stored;
+  }
+}
+
+TEST(MeterPersistence, TellsWhenItCannotSave) {
+  Store store;
+  store.registry.failsWrites = true;
+  EXPECT_FALSE(store.Save(clsKillAWatt()));
+}
+
+}  // namespace
+}  // namespace wattlark
