@@ -1,0 +1,136 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "publish/CSVLogger.h"
+#include "twins/HandClock.h"
+
+namespace wattlark {
+namespace {
+
+struct CSVLogger : testing::Test {
+  CSVLogger() {
+    const auto* test = testing::UnitTest::GetInstance()->current_test_info();
+    folder = std::filesystem::path(testing::TempDir()) / (std::string("csv_") + test->name());
+    std::filesystem::remove_all(folder);
+    std::filesystem::create_directory(folder);
+    settings.CSVFilename = (folder / "wattlark.csv").string();
+    settings.CSVInterval = 60;
+  }
+  ~CSVLogger() override { std::filesystem::remove_all(folder); }
+
+  clsKillAWatt& Add(const char* name, std::int16_t address) {
+    auto meter = std::make_unique<clsKillAWatt>();
+    meter->SetName(name);
+    meter->SetXBeeAddress(address);
+    meters.Add(std::move(meter));
+    return *meters.FindAddress(address);
+  }
+  void AddWithReading(const char* name, std::int16_t address, double watts) {
+    Add(name, address).AddReading(120, 1, watts, At("2026-11-16T20:09:00"), 1000);
+  }
+  PublishResult Log(const char* time = "2026-11-16T20:10:00", bool useAverage = false) {
+    return LogToCSVFile(settings, meters, region, At(time), useAverage);
+  }
+  std::string File() const {
+    std::ifstream file(settings.CSVFilename, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+  std::filesystem::path folder;
+  AppSettings settings;
+  MeterCollection meters;
+  RegionalSettings region = RegionalSettings::UnitedStates();
+};
+
+TEST_F(CSVLogger, WritesAHeaderAndOneLineARun) {
+  AddWithReading("A", 5, 123.456);
+  AddWithReading("B", 6, 0.5);
+  const PublishResult result = Log();
+  EXPECT_TRUE(result.success);
+  EXPECT_EQ(result.text, "CSV file: Updated 11/16/2026 8:10:00 PM");
+  EXPECT_EQ(File(), "Timestamp, A, B\r\n11/16/2026 8:10:00 PM, 123.46, 0.5000\r\n");
+  Log("2026-11-17T00:05:00");
+  EXPECT_EQ(File(),
+            "Timestamp, A, B\r\n11/16/2026 8:10:00 PM, 123.46, 0.5000\r\n"
+            "11/17/2026 12:05:00 AM, 123.46, 0.5000\r\n");
+}
+
+TEST_F(CSVLogger, WritesDigitsByMagnitudeWithoutGrouping) {
+  const double watts[] = {4500, 1234.5, 0, -250, 31.4159, 3.1, 0.02, 1234567};
+  std::int16_t address = 1;
+  for (const double value : watts) AddWithReading("m", address++, value);
+  Add("silent", address);
+  Log();
+  EXPECT_THAT(File(), testing::EndsWith("\r\n11/16/2026 8:10:00 PM, 4500, 1234.5, 0.00, -250.00, "
+                                        "31.416, 3.1000, 0.02000, 1234567, \r\n"));
+}
+
+TEST_F(CSVLogger, WritesAveragesOverItsInterval) {
+  clsKillAWatt& meter = Add("A", 5);
+  meter.Statistics().SetDemandRecent(Minute, std::vector<double>(60, 10.0));
+  meter.Statistics().SetDemandRecent(Hour, std::vector<double>(60, 200.0));
+  Add("no history", 6);
+  Log("2026-11-16T20:10:00", true);
+  settings.CSVInterval = 300;
+  Log("2026-11-16T20:15:00", true);
+  EXPECT_EQ(File(),
+            "Timestamp, A, no history\r\n11/16/2026 8:10:00 PM, 10.000, \r\n"
+            "11/16/2026 8:15:00 PM, 200.00, \r\n");
+}
+
+TEST_F(CSVLogger, WritesTheFormsOfTheRegion) {
+  region.decimalSeparator = ",";
+  region.groupSeparator = ".";
+  region.shortDate = "dd.MM.yyyy";
+  region.longTime = "HH:mm:ss";
+  AddWithReading("Küche", 5, 1234.5);
+  EXPECT_EQ(Log().text, "CSV file: Updated 16.11.2026 20:10:00");
+  EXPECT_EQ(File(), "Timestamp, Küche\r\n16.11.2026 20:10:00, 1234,5\r\n");
+}
+
+TEST_F(CSVLogger, WritesANewHeaderWhenTheMetersChanged) {
+  std::ofstream(settings.CSVFilename, std::ios::binary) << "earlier\r\n";
+  AddWithReading("A, \"x\"", 5, 100);
+  Log();
+  EXPECT_EQ(File(), "earlier\r\n11/16/2026 8:10:00 PM, 100.00\r\n") << "a restart goes on";
+  settings.CSVFileChanged = true;
+  Log();
+  EXPECT_FALSE(settings.CSVFileChanged);
+  Log();
+  EXPECT_EQ(File(),
+            "earlier\r\n11/16/2026 8:10:00 PM, 100.00\r\n"
+            "Timestamp, A, \"x\"\r\n11/16/2026 8:10:00 PM, 100.00\r\n"
+            "11/16/2026 8:10:00 PM, 100.00\r\n");
+}
+
+TEST_F(CSVLogger, WritesTimesAloneWithoutMeters) {
+  EXPECT_TRUE(Log().success);
+  EXPECT_EQ(File(), "Timestamp\r\n11/16/2026 8:10:00 PM\r\n");
+}
+
+TEST_F(CSVLogger, StartsAnEmptyFileWithAHeader) {
+  std::ofstream(settings.CSVFilename).close();
+  AddWithReading("A", 5, 100);
+  Log();
+  EXPECT_EQ(File(), "Timestamp, A\r\n11/16/2026 8:10:00 PM, 100.00\r\n");
+}
+
+TEST_F(CSVLogger, TellsWhyItCannotOpenTheFile) {
+  const auto missing = (folder / "none" / "x.csv").string();
+  for (const std::string& file : {missing, folder.string(), std::string()}) {
+    settings.CSVFilename = file;
+    settings.CSVFileChanged = true;
+    const PublishResult result = Log();
+    EXPECT_FALSE(result.success) << file;
+    EXPECT_THAT(result.text, testing::StartsWith("Error Writing Log File - "));
+    EXPECT_GT(result.text.size(), 30U) << "and the reason: " << result.text;
+    EXPECT_TRUE(settings.CSVFileChanged) << "the header is still to be written";
+  }
+}
+
+}  // namespace
+}  // namespace wattlark

@@ -1,0 +1,114 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "publish/PublishSchedule.h"
+#include "twins/HandClock.h"
+
+namespace wattlark {
+namespace {
+
+TEST(NextDueTime, LiesOnTheNextMultipleAfterNow) {
+  struct Case {
+    DueUnit unit;
+    std::int32_t interval;
+    const char* now;
+    const char* due;
+  };
+  constexpr auto Seconds = DueUnit::Seconds;
+  constexpr auto Hours = DueUnit::Hours;
+  const Case cases[] = {
+      {Seconds, 300, "2026-11-16T20:07:30", "2026-11-16T20:10:00"},
+      {Seconds, 3600, "2026-11-16T20:07:30", "2026-11-16T21:00:00"},
+      {Seconds, 60, "2026-11-16T20:07:00", "2026-11-16T20:08:00"},
+      {Seconds, 60, "2026-11-16T20:07:59.999", "2026-11-16T20:08:00"},
+      {Seconds, 1, "2026-11-16T20:07:00", "2026-11-16T20:07:01"},
+      {Seconds, 300, "2026-12-31T23:59:59", "2027-01-01T00:00:00"},
+      {Seconds, 1800, "2028-02-29T23:30:00", "2028-03-01T00:00:00"},
+      {Seconds, 0, "2026-11-16T20:07:30.250", "2026-11-16T20:07:30.250"},
+      {Hours, 6, "2026-11-16T14:30:00", "2026-11-16T18:00:00"},
+      {Hours, 6, "2026-11-16T18:00:00", "2026-11-17T00:00:00"},
+      {Hours, 24, "2026-11-16T00:00:00", "2026-11-17T00:00:00"},
+      {Hours, 24, "2026-11-16T23:59:59.999", "2026-11-17T00:00:00"},
+      {Hours, 1, "2026-11-16T23:00:00", "2026-11-17T00:00:00"},
+      {Hours, 0, "2026-11-16T20:07:30", "2026-11-16T20:07:30"},
+  };
+  for (const Case& test : cases) {
+    EXPECT_EQ(NextDueTime(test.unit, test.interval, At(test.now)).ToIso(), test.due)
+        << test.now << ' ' << test.interval;
+  }
+}
+
+struct Publishing {
+  Publishing() {
+    settings.CSVInterval = 300;
+    settings.TwitterInterval = 6;
+    settings.LogToCSV = settings.LogToTwitter = true;
+    Add("csv", &AppSettings::LogToCSV, &AppSettings::CSVInterval, DueUnit::Seconds);
+    Add("twitter", &AppSettings::LogToTwitter, &AppSettings::TwitterInterval, DueUnit::Hours);
+  }
+  void Add(const char* name, bool AppSettings::*enabled, std::int32_t AppSettings::*interval,
+           DueUnit unit) {
+    schedule.Add({enabled, interval, unit,
+                  [this, name](DateTime timestamp, bool useAverage, bool quiet) {
+                    EXPECT_TRUE(useAverage);
+                    EXPECT_TRUE(quiet);
+                    runs += std::string(name) + ' ' + timestamp.ToIso() + '\n';
+                    return false;  // a failure is not repeated
+                  },
+                  DateTime()});
+  }
+  /// What one tick runs.
+  std::string Tick(const char* now) {
+    runs.clear();
+    schedule.RunPublishers(settings, At(now));
+    return runs;
+  }
+
+  AppSettings settings;
+  PublishSchedule schedule;
+  std::string runs;
+};
+
+TEST(PublishSchedule, RunsWhatIsDueStampedWithItsSlot) {
+  Publishing publishing;
+  publishing.schedule.Start(publishing.settings, At("2026-11-16T17:57:30"));
+  const std::pair<const char*, const char*> ticks[] = {
+      {"2026-11-16T17:59:59.999", ""},
+      {"2026-11-16T18:00:00", "csv 2026-11-16T18:00:00\ntwitter 2026-11-16T18:00:00\n"},
+      {"2026-11-16T18:00:01", ""},
+      {"2026-11-16T18:05:00.900", "csv 2026-11-16T18:05:00\n"},
+      // The computer slept: one run for the oldest slot that was missed, none for the others.
+      {"2026-11-17T00:07:00", "csv 2026-11-16T18:10:00\ntwitter 2026-11-17T00:00:00\n"},
+      {"2026-11-17T00:07:01", ""},
+      {"2026-11-17T00:10:00", "csv 2026-11-17T00:10:00\n"},
+      // Set back, the clock has to reach the next slot again.
+      {"2026-11-16T23:15:00", ""},
+      {"2026-11-17T00:15:00", "csv 2026-11-17T00:15:00\n"},
+  };
+  for (const auto& [now, runs] : ticks) EXPECT_EQ(publishing.Tick(now), runs) << now;
+}
+
+TEST(PublishSchedule, LeavesADisabledDestinationsDueTime) {
+  Publishing publishing;
+  publishing.settings.LogToCSV = false;
+  publishing.schedule.Start(publishing.settings, At("2026-11-16T20:07:30"));
+  EXPECT_EQ(publishing.schedule.Destinations()[0].nextDue, At("2026-11-16T20:10:00"));
+  EXPECT_EQ(publishing.Tick("2026-11-16T20:31:00"), "");
+  publishing.settings.LogToCSV = true;
+  publishing.settings.CSVInterval = 3600;
+  EXPECT_EQ(publishing.Tick("2026-11-16T20:31:01"), "csv 2026-11-16T20:10:00\n");
+  EXPECT_EQ(publishing.schedule.Destinations()[0].nextDue, At("2026-11-16T21:00:00"));
+}
+
+TEST(PublishSchedule, AChangedIntervalCountsFromTheNextRun) {
+  Publishing publishing;
+  publishing.schedule.Start(publishing.settings, At("2026-11-16T20:07:30"));
+  publishing.settings.CSVInterval = 60;
+  EXPECT_EQ(publishing.Tick("2026-11-16T20:09:00"), "");
+  EXPECT_EQ(publishing.Tick("2026-11-16T20:10:00"), "csv 2026-11-16T20:10:00\n");
+  EXPECT_EQ(publishing.Tick("2026-11-16T20:11:00"), "csv 2026-11-16T20:11:00\n");
+}
+
+}  // namespace
+}  // namespace wattlark
