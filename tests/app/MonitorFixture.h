@@ -1,0 +1,77 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "app/Monitor.h"
+#include "twins/Frames.h"
+#include "twins/HandClock.h"
+#include "twins/MemoryRegistry.h"
+#include "twins/RecordingDesktop.h"
+#include "twins/RecordingListener.h"
+#include "twins/ScriptedPort.h"
+#include "twins/ScriptedPrompts.h"
+#include "twins/ScriptedRandom.h"
+
+namespace wattlark {
+
+/// A monitor among twins, over a store that a test fills first.
+struct MonitorTest : testing::Test {
+  MonitorTest() {
+    random.repeats = true;
+    Put("Settings", "LogToCSV", "False");
+  }
+
+  void Put(const std::string& section, const std::string& name, const std::string& value) {
+    ASSERT_TRUE(store.SaveAppSetting("", section, name, value));
+  }
+  std::string Get(const std::string& section, const std::string& name) const {
+    return store.GetAppSetting("", section, name, "(none)");
+  }
+  void PutMeter(const std::string& name, int address) {
+    Put("KillAWatts\\" + name, "XBeeAddress", std::to_string(address));
+  }
+  Monitor& Start(std::optional<bool> demoMode = {}) {
+    Monitor::Options options;
+    options.noticeSoundFile = "notice.wav";
+    options.demoMode = demoMode;
+    monitor = std::make_unique<Monitor>(
+        Monitor::Ports{clock, port, registry, random, desktop, prompts}, region, options, listener);
+    port.onReceive = [this] { monitor->ReceiveXBeeData(); };
+    monitor->Load();
+    monitor->StartRunning();
+    return *monitor;
+  }
+  void Tick(int count = 1) {
+    for (int i = 0; i < count; ++i) {
+      clock.Advance(1000);
+      monitor->UpdateCycle();
+    }
+  }
+  void Arrive(const Bytes& bytes) {
+    port.waiting = Join({port.waiting, bytes});
+    port.onReceive();
+  }
+  clsKillAWatt& Meter(std::size_t index) { return monitor->Profile().Meters()[index]; }
+
+  HandClock clock;
+  ScriptedPort port;
+  MemoryRegistry registry;
+  modRegistry store{registry};
+  ScriptedRandom random{{0.5}};
+  RecordingDesktop desktop;
+  ScriptedPrompts prompts;
+  RecordingListener listener;
+  const RegionalSettings region = RegionalSettings::UnitedStates();
+  std::unique_ptr<Monitor> monitor;
+};
+
+/// 120 W: two samples of 2 A at 120 V among four.
+inline Bytes Frame120W(std::uint16_t address) {
+  return MeterFrame(address, {700, 300, 700, 300}, {498, 467, 529, 498});
+}
+
+}  // namespace wattlark

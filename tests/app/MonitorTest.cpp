@@ -1,0 +1,193 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "app/Monitor.h"
+#include "app/MonitorFixture.h"
+
+namespace wattlark {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+TEST_F(MonitorTest, StartsByOpeningThePortAndTheTimer) {
+  Start();
+  EXPECT_EQ(port.lastPortNumber, 3);
+  EXPECT_EQ(port.lastSettings, "9600,N,8,1");
+  EXPECT_TRUE(monitor->IsFlowing());
+  EXPECT_THAT(listener.timerChanges, ElementsAre(true));
+  EXPECT_EQ(listener.statusUpdates, 1);
+  EXPECT_THAT(prompts.asked, IsEmpty());
+}
+
+TEST_F(MonitorTest, TakesSettingsFromTheOlderPlaceOnce) {
+  const std::string old = "Software\\VB and VBA Program Settings\\Wattlark\\Settings";
+  MemoryRegistry fresh;
+  modRegistry legacy(fresh);
+  legacy.SetStringValue(Hive::CurrentUser, old, "PortNum", "5");
+  std::swap(registry, fresh);
+  Start();
+  EXPECT_EQ(port.lastPortNumber, 5);
+}
+
+TEST_F(MonitorTest, GivesAFrameToTheMeterOfItsAddress) {
+  PutMeter("Kitchen", 5);
+  PutMeter("Office", 6);
+  Start();
+  clock.Advance(250);
+  Arrive(Frame120W(6));
+  EXPECT_FALSE(Meter(0).HasReading());
+  EXPECT_NEAR(Meter(1).Watts(), 120, 1e-9);
+  EXPECT_EQ(Meter(1).Timestamp(), clock.now);
+  EXPECT_THAT(listener.readings, ElementsAre("Office"));
+  EXPECT_THAT(listener.commImages, ElementsAre(CommImage::Receiving, CommImage::Idle));
+  // Only the last frame of one read counts.
+  Arrive(Join({Frame120W(6), Frame120W(5)}));
+  EXPECT_THAT(listener.readings, ElementsAre("Office", "Kitchen"));
+  EXPECT_EQ(monitor->Frames().completed, 3U);
+  EXPECT_EQ(monitor->Frames().decoded, 3U);
+  EXPECT_EQ(monitor->Frames().delivered, 2U);
+}
+
+TEST_F(MonitorTest, IgnoresWhatIsNoMetersFrame) {
+  PutMeter("Kitchen", 5);
+  Start();
+  FrameOptions damaged;
+  damaged.wrongChecksum = true;
+  const std::pair<Bytes, std::vector<CommImage>> cases[] = {
+      {Frame120W(7), {CommImage::Receiving, CommImage::Idle}},  // an unknown address
+      {WrapFrame({0x88, 1}), {CommImage::Receiving, CommImage::Idle}},
+      {SampleFrame(5, 2, {1}), {CommImage::Receiving, CommImage::Idle}},
+      {{1, 2, 3}, {CommImage::Receiving}},
+      {MeterFrame(5, {700}, {498}, damaged), {CommImage::Receiving}},
+      {Join({Frame120W(5), Frame120W(7)}), {CommImage::Receiving, CommImage::Idle}}};
+  for (const auto& [bytes, images] : cases) {
+    listener.commImages.clear();
+    Arrive(bytes);
+    EXPECT_EQ(listener.commImages, images);
+  }
+  EXPECT_THAT(listener.readings, IsEmpty());
+  EXPECT_THAT(listener.errors, IsEmpty());
+}
+
+TEST_F(MonitorTest, AssemblesAFrameFromSeveralReads) {
+  PutMeter("Kitchen", 5);
+  Start();
+  for (const std::uint8_t byte : Frame120W(5)) Arrive({byte});
+  EXPECT_THAT(listener.readings, ElementsAre("Kitchen"));
+}
+
+TEST_F(MonitorTest, LeavesBytesInThePortWhileBusy) {
+  PutMeter("Kitchen", 5);
+  Start();
+  listener.duringStatusUpdate = [this] { Arrive(Frame120W(5)); };
+  Tick();
+  EXPECT_EQ(port.waiting.size(), Frame120W(5).size());
+  EXPECT_THAT(listener.readings, IsEmpty());
+  listener.duringStatusUpdate = nullptr;
+  listener.duringReading = [this] { Arrive(Frame120W(5)); };
+  Arrive({});
+  EXPECT_EQ(listener.readings.size(), 1U);
+  EXPECT_EQ(port.waiting.size(), Frame120W(5).size());
+  listener.duringReading = nullptr;
+  Arrive({});
+  EXPECT_EQ(listener.readings.size(), 2U);
+}
+
+TEST_F(MonitorTest, StopsItsTimerDuringATick) {
+  Start();
+  listener.duringStatusUpdate = [this] { EXPECT_FALSE(monitor->IsUpdateTimerEnabled()); };
+  Tick();
+  EXPECT_THAT(listener.timerChanges, ElementsAre(true, false, true));
+}
+
+TEST_F(MonitorTest, ReportsCommunicationErrorsAndGoesOn) {
+  PutMeter("Kitchen", 5);
+  Start();
+  port.readFailure = "cable pulled";
+  Arrive({});
+  EXPECT_THAT(listener.errors, ElementsAre("Communications Error - cable pulled"));
+  EXPECT_EQ(monitor->Errors().Text(),
+            "11/16/2026 8:10:00 PM: Communications Error - cable pulled\r\n");
+  EXPECT_THAT(listener.infoTexts, ElementsAre("Click here to view errors..."));
+  EXPECT_THAT(prompts.asked, IsEmpty());
+  port.readFailure.clear();
+  listener.duringReading = [] { throw std::runtime_error("bad meter"); };
+  Arrive(Frame120W(5));
+  EXPECT_EQ(listener.errors.back(), "Communications Error - bad meter");
+  listener.duringReading = nullptr;
+  Arrive(Frame120W(5));
+  EXPECT_EQ(monitor->Frames().delivered, 2U) << "busy no longer";
+  monitor->ClearErrors();
+  EXPECT_TRUE(monitor->Errors().IsEmpty());
+  EXPECT_EQ(listener.infoTexts.back(), "");
+}
+
+TEST_F(MonitorTest, ReportsErrorsWithTheirMomentInABoxWhenAsked) {
+  Start();
+  monitor->ReportError("first", At("2026-01-02T03:04:05"));
+  monitor->ReportError("second", DateTime(), false);
+  EXPECT_EQ(monitor->Errors().Text(),
+            "1/2/2026 3:04:05 AM: first\r\n11/16/2026 8:10:00 PM: second\r\n");
+  ASSERT_EQ(prompts.asked.size(), 1U);
+  EXPECT_EQ(prompts.asked[0].text, "second");
+  EXPECT_EQ(prompts.asked[0].caption, "Error!");
+  EXPECT_EQ(prompts.asked[0].icon, PromptIcon::Exclamation);
+}
+
+TEST_F(MonitorTest, AnErrorWithinATickEndsNothing) {
+  PutMeter("Kitchen", 5);
+  Start();
+  listener.duringStatusUpdate = [] { throw std::runtime_error("no face"); };
+  Tick();
+  EXPECT_THAT(listener.errors, ElementsAre("no face"));
+  EXPECT_TRUE(monitor->IsUpdateTimerEnabled());
+  listener.duringStatusUpdate = nullptr;
+  Arrive(Frame120W(5));
+  EXPECT_THAT(listener.readings, ElementsAre("Kitchen"));
+}
+
+TEST(ErrorList, KeepsTheNewestThousand) {
+  const RegionalSettings region = RegionalSettings::UnitedStates();
+  ErrorList errors(region);
+  for (int i = 1; i <= 1001; ++i) errors.Add(std::to_string(i), At("2026-11-16T20:10:00"));
+  EXPECT_THAT(errors.Text(), StartsWith("11/16/2026 8:10:00 PM: 2\r\n"));
+  EXPECT_THAT(errors.Text(), testing::EndsWith("8:10:00 PM: 1001\r\n"));
+}
+
+TEST_F(MonitorTest, ReopensALostPortEveryTwoSeconds) {
+  PutMeter("Kitchen", 5);
+  Start();
+  Tick(10);
+  EXPECT_EQ(port.openCalls, 1);
+  port.opens = false;
+  port.Lose();
+  EXPECT_EQ(monitor->MainAreaText(),
+            "Unable to communicate on COM3:\r\nDouble click to modify settings...");
+  EXPECT_EQ(monitor->Tray().tooltip, "Wattlark: Unable to communicate on COM3:");
+  Tick(20);
+  EXPECT_EQ(port.openCalls, 1 + 10);
+  EXPECT_THAT(prompts.asked, IsEmpty());
+  port.opens = true;
+  Tick(2);
+  EXPECT_TRUE(port.IsOpen());
+  EXPECT_EQ(monitor->MainAreaText(), "");
+  Arrive(Frame120W(5));
+  EXPECT_THAT(listener.readings, ElementsAre("Kitchen"));
+}
+
+TEST_F(MonitorTest, KeepsTryingAPortThatCouldNotBeOpened) {
+  port.opens = false;
+  Start();
+  EXPECT_THAT(listener.errors, IsEmpty());
+  Tick();
+  EXPECT_EQ(port.openCalls, 1) << "not within two seconds";
+  Tick();
+  EXPECT_EQ(port.openCalls, 2);
+}
+
+}  // namespace
+}  // namespace wattlark

@@ -1,0 +1,247 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "app/ProfileData.h"
+#include "config/MeterEdit.h"
+#include "config/modRegistry.h"
+#include "twins/HandClock.h"
+#include "twins/MemoryRegistry.h"
+
+namespace wattlark {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+struct Stored : testing::Test {
+  void Put(const std::string& section, const std::string& name, const std::string& value) {
+    ASSERT_TRUE(store.SaveAppSetting("", section, name, value));
+  }
+  std::string Get(const std::string& section, const std::string& name) const {
+    return store.GetAppSetting("", section, name, "(none)");
+  }
+  void PutMeter(const std::string& name, const std::string& address) {
+    Put("KillAWatts\\" + name, "Name", name);
+    Put("KillAWatts\\" + name, "XBeeAddress", address);
+  }
+  std::vector<std::string> MeterKeys() const {
+    std::vector<std::string> names;
+    store.EnumSubKeys(Hive::CurrentUser, modRegistry::AppKeyPath("", "KillAWatts"), names);
+    return names;
+  }
+  /// What a start reads from the store.
+  ProfileData& Load() {
+    profile = std::make_unique<ProfileData>(region);
+    profile->Load(store, "/home/user/wattlark.csv", At("2026-11-16T20:10:00"));
+    return *profile;
+  }
+  std::vector<std::string> LoadedNames() {
+    std::vector<std::string> names;
+    for (const auto& meter : Load().Meters()) names.push_back(meter->Name());
+    return names;
+  }
+
+  const RegionalSettings region = RegionalSettings::UnitedStates();
+  MemoryRegistry registry;
+  modRegistry store{registry};
+  std::unique_ptr<ProfileData> profile;
+};
+
+std::unique_ptr<clsKillAWatt> NewMeter(const char* name, std::int16_t address) {
+  auto meter = std::make_unique<clsKillAWatt>();
+  meter->SetName(name);
+  meter->SetXBeeAddress(address);
+  return meter;
+}
+
+TEST_F(Stored, AFreshProfileHasDefaultsAndNoMeters) {
+  Load();
+  EXPECT_TRUE(profile->Meters().IsEmpty());
+  EXPECT_EQ(profile->Settings().PortNum, 3);
+  EXPECT_EQ(profile->Settings().CSVFilename, "/home/user/wattlark.csv");
+  EXPECT_EQ(profile->Total().Name(), "Total");
+  EXPECT_EQ(profile->Total().Timestamp(), At("2026-11-16T20:10:00"));
+  EXPECT_THAT(profile->Problems(), IsEmpty());
+}
+
+TEST_F(Stored, LoadsMetersInTheOrderOfTheStore) {
+  PutMeter("Washer", "9");
+  PutMeter("Attic", "1");
+  PutMeter("Kitchen", "5");
+  EXPECT_THAT(LoadedNames(), ElementsAre("Washer", "Attic", "Kitchen"));
+  ASSERT_TRUE(profile->SaveAll(store));
+  EXPECT_THAT(LoadedNames(), ElementsAre("Washer", "Attic", "Kitchen"));
+}
+
+TEST_F(Stored, RemovedAndRenamedMetersLeaveNoKey) {
+  PutMeter("Washer", "9");
+  PutMeter("Attic", "1");
+  Load().Meters().Remove(*profile->Meters().FindName("Washer"));
+  profile->Meters()[0].SetName("Loft");
+  profile->Meters().Add(NewMeter("New", 9));
+  ASSERT_TRUE(profile->SaveAll(store));
+  EXPECT_THAT(MeterKeys(), ElementsAre("Loft", "New"));
+}
+
+TEST_F(Stored, KeepsMetersWhoseAddressIsTaken) {
+  PutMeter("A", "5");
+  PutMeter("B", "5");
+  PutMeter("C", "6");
+  Put("KillAWatts\\B", "UsageToDate", "123.5");
+  Put("KillAWatts\\B", "Foreign", "kept too");
+  for (int start = 0; start < 3; ++start) {
+    EXPECT_THAT(LoadedNames(), ElementsAre("A", "C"));
+    EXPECT_THAT(profile->SkippedMeters(), ElementsAre("B"));
+    EXPECT_EQ(profile->Meters().FindAddress(5)->Name(), "A");
+    ASSERT_TRUE(profile->SaveAll(store));
+    EXPECT_EQ(Get("KillAWatts\\B", "UsageToDate"), "123.5");
+    EXPECT_EQ(Get("KillAWatts\\B", "Foreign"), "kept too");
+  }
+  EXPECT_FALSE(profile->RemoveSkipped("C"));
+  EXPECT_TRUE(profile->RemoveSkipped("b"));
+  ASSERT_TRUE(profile->SaveAll(store));
+  EXPECT_THAT(MeterKeys(), ElementsAre("A", "C"));
+}
+
+TEST_F(Stored, ANewMeterIsNotOverwrittenByASkippedOneOfItsName) {
+  PutMeter("A", "5");
+  PutMeter("B", "5");
+  Put("KillAWatts\\B", "UsageToDate", "123.5");
+  Load().Meters().Add(NewMeter("b", 6));
+  ASSERT_TRUE(profile->SaveAll(store));
+  EXPECT_EQ(Get("KillAWatts\\B", "XBeeAddress"), "6");
+  EXPECT_EQ(Get("Unreadable\\KillAWatts\\B", "UsageToDate"), "123.5") << "nor is that one lost";
+  EXPECT_THAT(LoadedNames(), ElementsAre("A", "b"));
+  EXPECT_THAT(profile->SkippedMeters(), IsEmpty());
+}
+
+TEST_F(Stored, MetersWithAStrangeStoredNameKeepAKeyOfTheirOwn) {
+  PutMeter("A", "1");
+  Put("KillAWatts\\A", "Name", "B");
+  PutMeter("B", "2");
+  PutMeter("C", "3");
+  Put("KillAWatts\\C", "Name", "x\\y");
+  PutMeter("D", "4");
+  Put("KillAWatts\\D", "Name", "Dining room");
+  EXPECT_THAT(LoadedNames(), ElementsAre("A", "B", "C", "Dining room"));
+  ASSERT_TRUE(profile->SaveAll(store));
+  EXPECT_THAT(LoadedNames(), ElementsAre("A", "B", "C", "Dining room"));
+  EXPECT_EQ(profile->Meters().FindName("B")->XBeeAddress(), 2);
+}
+
+TEST_F(Stored, KeepsTextsItCannotRead) {
+  PutMeter("Kitchen", "5");
+  Put("KillAWatts\\Kitchen", "UsageToDate", "lots");
+  Put("TotalKillAWatt", "PeakToday", "more");
+  Load();
+  EXPECT_EQ(profile->Meters()[0].Statistics().Usage(ToDate), 0);
+  EXPECT_THAT(profile->Problems(), ElementsAre(HasSubstr("lots"), HasSubstr("more")));
+  ASSERT_TRUE(profile->SaveAll(store));
+  Load();
+  EXPECT_THAT(profile->Problems(), IsEmpty()) << "told once";
+  ASSERT_TRUE(profile->SaveAll(store));
+  EXPECT_EQ(Get("KillAWatts\\Kitchen", "UsageToDate"), "0");
+  EXPECT_EQ(Get("Unreadable\\KillAWatts\\Kitchen", "UsageToDate"), "lots");
+  EXPECT_EQ(Get("Unreadable\\TotalKillAWatt", "PeakToday"), "more");
+}
+
+TEST_F(Stored, LoadsOnPastEverythingThatIsWrong) {
+  Put("Settings", "PortNum", "three");
+  Put("Settings", "CSVInterval", "30");
+  PutMeter("A", "many");
+  PutMeter("B", "6");
+  EXPECT_THAT(LoadedNames(), ElementsAre("A", "B"));
+  EXPECT_EQ(profile->Settings().PortNum, 3);
+  EXPECT_EQ(profile->Settings().CSVInterval, 60);
+  EXPECT_THAT(profile->Problems(), ElementsAre(HasSubstr("PortNum"), HasSubstr("many")));
+}
+
+TEST_F(Stored, SeedsATotalThatWasNeverStored) {
+  const char* values[][3] = {{"A", "1", "1.5"}, {"B", "2", "1E+308"}, {"C", "3", "2.25"}};
+  for (const auto& [name, address, usage] : values) {
+    PutMeter(name, address);
+    for (const char* period :
+         {"Yesterday", "Today", "ThisWeek", "ThisMonth", "ThisYear", "ToDate", "SinceReset"}) {
+      Put(std::string("KillAWatts\\") + name, std::string("Usage") + period, usage);
+    }
+  }
+  const clsKillAWatt& total = Load().Total();
+  EXPECT_EQ(total.Name(), "Total");
+  EXPECT_EQ(total.Timestamp(), At("2026-11-16T20:10:00"));
+  for (const int period : {SinceReset, Today, ToDate, Yesterday}) {
+    EXPECT_EQ(total.Statistics().Usage(period), 3.75) << period;
+  }
+  for (const int period : {ThisWeek, ThisMonth, ThisYear}) {
+    EXPECT_EQ(total.Statistics().Usage(period), 0) << period;
+  }
+  ASSERT_TRUE(profile->SaveAll(store));
+  profile->Meters().Remove(profile->Meters()[0]);
+  ASSERT_TRUE(profile->SaveAll(store));
+  EXPECT_EQ(Load().Total().Statistics().Usage(ToDate), 3.75) << "stored now, not seeded again";
+}
+
+TEST_F(Stored, TellsWhenASaveFails) {
+  PutMeter("A", "1");
+  Load();
+  registry.failsWrites = true;
+  EXPECT_FALSE(profile->SaveAll(store));
+  EXPECT_FALSE(profile->SaveMeters(store));
+}
+
+struct TotalKillAWatt : testing::Test {
+  clsKillAWatt& Add(std::int16_t address, double volts, double amps, double watts,
+                    const char* time = "2026-11-16T20:10:00", int type = LoadMeter) {
+    auto meter = NewMeter("m", address);
+    meter->SetKillAWattType(type);
+    meter->AddReading(volts, amps, watts, At(time), 500);
+    meters.Add(std::move(meter));
+    return *meters.FindAddress(address);
+  }
+  void Update(const char* time = "2026-11-16T20:10:01", std::uint32_t ticks = 1000) {
+    UpdateTotalKillAWatt(total, meters, At(time), ticks);
+  }
+
+  MeterCollection meters;
+  clsKillAWatt total;
+};
+
+TEST_F(TotalKillAWatt, AddsLoadsLessGeneratorsAndAveragesTheRest) {
+  Add(1, 120, 2, 500);
+  Add(2, 118, 1, 200, "2026-11-16T20:10:00", GeneratorMeter);
+  Add(3, 100, 9, 999, "2026-11-16T20:09:56");  // silent for five seconds
+  Update();
+  EXPECT_EQ(total.Watts(), 300);
+  EXPECT_EQ(total.Volts(), 119);
+  EXPECT_EQ(total.Amps(), 1.5);
+  Update("2026-11-16T20:10:02", 2000);
+  EXPECT_NEAR(total.Statistics().Usage(ToDate), 300 / 3600.0, 1e-12);
+  meters[0].AddReading(120, 0, 50, At("2026-11-16T20:10:03"), 0);
+  Update("2026-11-16T20:10:03", 3000);
+  EXPECT_EQ(total.Watts(), -150);
+}
+
+TEST_F(TotalKillAWatt, RecordsZeroWattsWithoutReceivingMeters) {
+  Add(1, 120, 2, 500);
+  Update("2026-11-16T20:10:05");
+  EXPECT_EQ(total.Watts(), 0);
+  EXPECT_EQ(total.Volts(), NoValue);
+  EXPECT_EQ(total.Amps(), NoValue);
+  EXPECT_EQ(total.Timestamp(), At("2026-11-16T20:10:05"));
+}
+
+TEST_F(TotalKillAWatt, LeavesOutVoltsThatAreMissing) {
+  Add(1, NoValue, 2, 500);
+  Add(2, 118, NoValue, 100);
+  // Loaded with a fresh time stamp, but without a reading yet.
+  auto loaded = NewMeter("loaded", 3);
+  loaded->Statistics().SetTimestamp(At("2026-11-16T20:10:00"));
+  meters.Add(std::move(loaded));
+  Update();
+  EXPECT_EQ(total.Volts(), 118);
+  EXPECT_EQ(total.Amps(), 2);
+  EXPECT_EQ(total.Watts(), 600);
+}
+
+}  // namespace
+}  // namespace wattlark
