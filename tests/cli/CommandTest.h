@@ -1,0 +1,76 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "cli/CommandLine.h"
+#include "platform/TemporaryFolder.h"
+
+namespace wattlark {
+
+struct CommandResult {
+  int status = -1;
+  std::string output;
+  std::string messages;
+
+  nlohmann::json Json() const { return nlohmann::json::parse(output); }
+};
+
+/// Runs commands as the program would, on a profile folder of their own that does not exist yet, in
+/// the United States form.
+class CommandTest : public testing::Test {
+ protected:
+  /// `arguments` without the program's name; `input` is standard input.
+  CommandResult Run(std::vector<std::string> arguments, const std::string& input = "") const {
+    arguments.insert(arguments.begin(), "wattlark");
+    std::vector<char*> argv;
+    for (std::string& argument : arguments) argv.push_back(argument.data());
+    int argc = static_cast<int>(argv.size());
+    argv.push_back(nullptr);
+    std::istringstream in(input);
+    std::ostringstream out;
+    std::ostringstream messages;
+    CommandEnvironment environment{in, out, messages, regional_};
+    CommandResult result;
+    result.status = RunCommandLine(argc, argv.data(), runWindow_, environment);
+    result.output = out.str();
+    result.messages = messages.str();
+    return result;
+  }
+  /// The same with the profile of this test.
+  CommandResult RunHere(std::vector<std::string> arguments, const std::string& input = "") const {
+    arguments.insert(arguments.begin(), {"--profile", profile_});
+    return Run(arguments, input);
+  }
+  void ExpectDone(const std::vector<std::string>& arguments) const {
+    const CommandResult result = RunHere(arguments);
+    EXPECT_EQ(result.status, ExitOK) << arguments.front();
+    EXPECT_EQ(result.messages, "");
+  }
+  void AddKitchen() const { ExpectDone({"meter", "add", "--name", "Kitchen", "--address", "5"}); }
+  std::string Setting(const std::string& name) const {
+    return RunHere({"setting", "get", name}).output;
+  }
+  /// The names and bytes of all files of the profile.
+  std::map<std::string, std::string> ProfileFiles() const {
+    std::map<std::string, std::string> files;
+    for (const auto& entry : std::filesystem::directory_iterator(profile_)) {
+      files[entry.path().filename()] = FileBytes(entry.path());
+    }
+    return files;
+  }
+  bool ProfileExists() const { return std::filesystem::exists(profile_); }
+
+  TemporaryFolder folder_;
+  std::string profile_ = folder_.File("profile");
+  RegionalSettings regional_ = RegionalSettings::UnitedStates();
+  WindowRunner runWindow_;
+};
+
+}  // namespace wattlark

@@ -1,0 +1,328 @@
+#include "app/CaptureWriter.h"
+#include "cli/CommandTest.h"
+#include "platform/linux/ProfileLock.h"
+#include "twins/Frames.h"
+#include "twins/HandClock.h"
+
+namespace wattlark {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Voltage 229 to 795 counts, so its midpoint is 512, the swing 566 and a sample (795 - 512) * 0.6 =
+// 169.8 V; current 498 counts is 0 A, 653 counts 155 / 15.5 = 10 A. The first and last of the four
+// samples take no part: amps = 10 / 4, watts = 10 * 169.8 / 4.
+constexpr double kVolts = 566 * 0.6 / 2.82842712474619;
+constexpr double kAmps = 2.5;
+constexpr double kWatts = 424.5;
+constexpr double kMillisecondsPerHour = 3600000;
+
+Bytes KitchenFrame(std::uint16_t address = 5) {
+  return MeterFrame(address, {229, 795, 229, 795}, {498, 653, 498, 498});
+}
+
+class ReplayCommand : public CommandTest {
+ protected:
+  void Rx(const char* time, std::uint32_t ticks, const Bytes& bytes) const {
+    CaptureWriter(capture_).WriteRead(At(time), ticks, bytes);
+  }
+  void Tick(const char* time, std::uint32_t ticks) const {
+    CaptureWriter(capture_).WriteTick(At(time), ticks);
+  }
+  /// Two readings of the kitchen, two seconds apart, then two ticks.
+  void WriteTwoReadings() const {
+    Rx("2026-11-16T20:10:00.250", 1000, KitchenFrame());
+    Rx("2026-11-16T20:10:02.250", 3000, KitchenFrame());
+    Tick("2026-11-16T20:10:03", 3750);
+    Tick("2026-11-16T20:10:04", 4750);
+  }
+  CommandResult Replay(std::vector<std::string> options = {}) const {
+    options.insert(options.begin(), "replay");
+    options.push_back(capture_);
+    return RunHere(options);
+  }
+  nlohmann::json ReplayJson(std::vector<std::string> options = {}) const {
+    options.emplace_back("--json");
+    const CommandResult result = Replay(options);
+    EXPECT_EQ(result.status, ExitOK);
+    EXPECT_EQ(result.messages, "");
+    return result.Json();
+  }
+
+  std::string capture_ = folder_.File("a.cap");
+};
+
+TEST_F(ReplayCommand, ExampleOfTheCaptureFormat) {
+  AddKitchen();
+  WriteFile(capture_,
+            "# two reads that hold one frame between them, then a tick\n"
+            "2026-11-16T20:10:00.250 1000 rx 7E000C830005\n"
+            "2026-11-16T20:10:00.251 1001 rx 2800012200020001F237\n"
+            "2026-11-16T20:10:01 1750 tick\n");
+  const nlohmann::json json = ReplayJson();
+  EXPECT_EQ(json["frames"], (nlohmann::json{{"completed", 1}, {"decoded", 1}, {"delivered", 1}}));
+  EXPECT_EQ(json["errors"], nlohmann::json::array());
+  EXPECT_EQ(json["notices"], nlohmann::json::array());
+  const nlohmann::json& meter = json["meters"].at(0);
+  EXPECT_EQ(meter["Name"], "Kitchen");
+  EXPECT_EQ(meter["Volts"], 0.0);
+  EXPECT_EQ(meter["Timestamp"], "2026-11-16T20:10:00.251");
+  EXPECT_EQ(meter["IsReceiving"], true);
+  EXPECT_EQ(meter["PeakTime"]["ToDate"], "2026-11-16T20:10:00.251");
+  EXPECT_EQ(json["total"]["Name"], "Total");
+  EXPECT_EQ(json["total"]["Timestamp"], "2026-11-16T20:10:01");
+}
+
+TEST_F(ReplayCommand, ReadingsBecomeStatistics) {
+  AddKitchen();
+  WriteTwoReadings();
+  const nlohmann::json json = ReplayJson();
+  const nlohmann::json& meter = json["meters"].at(0);
+  EXPECT_DOUBLE_EQ(meter["Volts"], kVolts);
+  EXPECT_DOUBLE_EQ(meter["Amps"], kAmps);
+  EXPECT_DOUBLE_EQ(meter["Watts"], kWatts);
+  EXPECT_EQ(meter["Timestamp"], "2026-11-16T20:10:02.250");
+  const double energy = 2000 / kMillisecondsPerHour * kWatts;
+  for (const char* period : {"Today", "ThisWeek", "ThisMonth", "ThisYear", "ToDate"}) {
+    EXPECT_DOUBLE_EQ(meter["Usage"][period], energy) << period;
+    EXPECT_DOUBLE_EQ(meter["Peak"][period], kWatts) << period;
+    EXPECT_EQ(meter["PeakTime"][period], "2026-11-16T20:10:00.250") << period;
+  }
+  EXPECT_EQ(meter["Usage"]["Yesterday"], 0.0);
+  EXPECT_TRUE(meter["PeakTime"]["Yesterday"].is_null());
+  EXPECT_TRUE(meter["DemandRecent"]["Minute"][57].is_null());
+  EXPECT_DOUBLE_EQ(meter["DemandRecent"]["Minute"][58], kWatts);
+  EXPECT_DOUBLE_EQ(meter["DemandRecent"]["Minute"][59], kWatts);
+  EXPECT_DOUBLE_EQ(meter["UsageRecent"]["Minute"][59], energy);
+  EXPECT_DOUBLE_EQ(meter["UsageRecent"]["Year"][11], energy);
+
+  // The Total starts at the time of the first line and is fed by the ticks: three seconds lie
+  // before the first one, and only the second one has a tick count to measure energy from.
+  const nlohmann::json& total = json["total"];
+  EXPECT_DOUBLE_EQ(total["Watts"], kWatts);
+  EXPECT_DOUBLE_EQ(total["Usage"]["Today"], 1000 / kMillisecondsPerHour * kWatts);
+  EXPECT_TRUE(total["DemandRecent"]["Minute"][55].is_null());
+  EXPECT_DOUBLE_EQ(total["DemandRecent"]["Minute"][56], kWatts);
+  EXPECT_EQ(total["Timestamp"], "2026-11-16T20:10:04");
+}
+
+TEST_F(ReplayCommand, GeneratorIsTakenFromTheTotal) {
+  AddKitchen();
+  ExpectDone({"meter", "add", "--name", "Solar", "--address", "7", "--type", "generator",
+              "--voltage", "240"});
+  Rx("2026-11-16T20:10:00", 1000, KitchenFrame(5));
+  Rx("2026-11-16T20:10:00.500", 1500, KitchenFrame(7));
+  Tick("2026-11-16T20:10:01", 2000);
+  const nlohmann::json json = ReplayJson();
+  EXPECT_DOUBLE_EQ(json["meters"].at(1)["Volts"], 2 * kVolts);
+  EXPECT_DOUBLE_EQ(json["meters"].at(1)["Watts"], 2 * kWatts);
+  EXPECT_DOUBLE_EQ(json["total"]["Watts"], -kWatts);
+  EXPECT_DOUBLE_EQ(json["total"]["Volts"], 1.5 * kVolts);
+}
+
+TEST_F(ReplayCommand, CountsFramesByWhatBecameOfThem) {
+  AddKitchen();
+  Bytes two = KitchenFrame();
+  const Bytes second = KitchenFrame();
+  two.insert(two.end(), second.begin(), second.end());
+  Rx("2026-11-16T20:10:00", 1000, two);  // only the last frame of a read is handed on
+  Rx("2026-11-16T20:10:01", 2000, KitchenFrame(6));
+  Rx("2026-11-16T20:10:02", 3000, WrapFrame({0x8A, 0x00}));
+  Rx("2026-11-16T20:10:03", 4000, MeterFrame(5, {229, 795}, {498, 498}, {.wrongChecksum = true}));
+  EXPECT_EQ(ReplayJson()["frames"],
+            (nlohmann::json{{"completed", 4}, {"decoded", 3}, {"delivered", 1}}));
+}
+
+TEST_F(ReplayCommand, WrappedTicksKeepTheirEnergy) {
+  AddKitchen();
+  Rx("2026-11-16T20:10:00", 4294966296U, KitchenFrame());
+  Rx("2026-11-16T20:10:02", 1000, KitchenFrame());
+  EXPECT_DOUBLE_EQ(ReplayJson()["meters"].at(0)["Usage"]["Today"],
+                   2000 / kMillisecondsPerHour * kWatts);
+}
+
+TEST_F(ReplayCommand, SilentMeterIsNotReceivingAtTheLastLine) {
+  AddKitchen();
+  Rx("2026-11-16T20:10:00", 1000, KitchenFrame());
+  Tick("2026-11-16T20:10:05", 6000);
+  EXPECT_EQ(ReplayJson()["meters"].at(0)["IsReceiving"], false);
+}
+
+TEST_F(ReplayCommand, NoticesCarryTheMetersOwnLine) {
+  ExpectDone({"meter", "add", "--name", "Kitchen", "--address", "5", "--alarm", "on",
+              "--alarm-upper", "400", "--alarm-duration", "1", "--alarm-interval", "60"});
+  WriteTwoReadings();
+  const nlohmann::json json = ReplayJson();
+  EXPECT_EQ(json["notices"], (nlohmann::json::array({{{"time", "2026-11-16T20:10:03"},
+                                                      {"meter", "Kitchen"},
+                                                      {"text", "Kitchen: Using 424.5 Watts"}}})));
+  EXPECT_EQ(json["meters"].at(0)["AlarmTriggered"], true);
+  EXPECT_EQ(json["meters"].at(0)["AlarmRepeatDue"], false);
+  EXPECT_EQ(json["meters"].at(0)["OutOfRangeSeconds"], 2);
+  EXPECT_EQ(json["meters"].at(0)["IntervalSeconds"], 0);
+}
+
+TEST_F(ReplayCommand, TableShowsMetersNoticesAndFrames) {
+  ExpectDone({"meter", "add", "--name", "Kitchen", "--address", "5", "--alarm", "on",
+              "--alarm-upper", "400", "--alarm-duration", "1", "--alarm-interval", "60"});
+  WriteTwoReadings();
+  const CommandResult result = Replay();
+  EXPECT_EQ(result.status, ExitOK);
+  for (const char* part :
+       {"Frames: 2 completed, 2 decoded, 2 delivered\n", "Kitchen        5  120.1  2.50  424.5 W",
+        "2026-11-16T20:10:03  Kitchen: Using 424.5 Watts\n"}) {
+    EXPECT_NE(result.output.find(part), std::string::npos) << part << "in\n" << result.output;
+  }
+}
+
+TEST_F(ReplayCommand, CaptureWithoutEventsIsReplayed) {
+  WriteFile(capture_, "# nothing\n");
+  const nlohmann::json json = ReplayJson();
+  EXPECT_EQ(json["meters"], nlohmann::json::array());
+  EXPECT_TRUE(json["total"]["Timestamp"].is_null());
+  EXPECT_FALSE(ProfileExists());
+}
+
+TEST_F(ReplayCommand, StandardInputIsACapture) {
+  AddKitchen();
+  WriteTwoReadings();
+  const CommandResult fromFile = Replay({"--json"});
+  const CommandResult fromInput = RunHere({"replay", "--json", "-"}, FileBytes(capture_));
+  EXPECT_EQ(fromInput.status, ExitOK);
+  EXPECT_EQ(fromInput.output, fromFile.output);
+}
+
+TEST_F(ReplayCommand, StoreIsUntouchedWithoutSave) {
+  AddKitchen();
+  WriteTwoReadings();
+  const auto before = ProfileFiles();
+  ProfileLock running(profile_);
+  ASSERT_TRUE(running.TryAcquire());
+  EXPECT_EQ(Replay({"--csv", folder_.File("log.csv")}).status, ExitOK);
+  EXPECT_EQ(ProfileFiles(), before);
+}
+
+TEST_F(ReplayCommand, SaveCarriesTheTotalsOn) {
+  AddKitchen();
+  WriteTwoReadings();
+  const CommandResult saved = Replay({"--save"});
+  EXPECT_EQ(saved.status, ExitOK);
+  EXPECT_EQ(saved.messages, "");
+  const double energy = 2000 / kMillisecondsPerHour * kWatts;
+  EXPECT_DOUBLE_EQ(RunHere({"meter", "list", "--json"}).Json().at(0)["Usage"]["ToDate"], energy);
+
+  fs::remove(capture_);
+  Rx("2026-11-17T08:00:00", 500, KitchenFrame());
+  Rx("2026-11-17T08:00:01", 1500, KitchenFrame());
+  Tick("2026-11-17T08:00:01", 1600);
+  const nlohmann::json json = ReplayJson();
+  const nlohmann::json& usage = json["meters"].at(0)["Usage"];
+  EXPECT_DOUBLE_EQ(usage["Yesterday"], energy);
+  EXPECT_DOUBLE_EQ(usage["Today"], 1000 / kMillisecondsPerHour * kWatts);
+  EXPECT_DOUBLE_EQ(usage["ToDate"], 3000 / kMillisecondsPerHour * kWatts);
+  EXPECT_DOUBLE_EQ(json["total"]["Usage"]["Yesterday"], 1000 / kMillisecondsPerHour * kWatts);
+}
+
+TEST_F(ReplayCommand, SaveIsRefusedWhileTheProgramRuns) {
+  AddKitchen();
+  WriteTwoReadings();
+  const auto before = ProfileFiles();
+  ProfileLock running(profile_);
+  ASSERT_TRUE(running.TryAcquire());
+  const CommandResult result = Replay({"--save", "--json"});
+  EXPECT_EQ(result.status, ExitRefused);
+  EXPECT_EQ(result.output, "");
+  EXPECT_NE(result.messages.find("A running program has the profile"), std::string::npos);
+  EXPECT_EQ(ProfileFiles(), before);
+}
+
+TEST_F(ReplayCommand, CsvRowsAreStampedWithTheirSlots) {
+  AddKitchen();
+  ExpectDone({"setting", "set", "CSVInterval", "60"});
+  ExpectDone({"setting", "set", "LogToCSV", "False"});
+  ExpectDone({"setting", "set", "CSVFilename", folder_.File("own.csv")});
+  WriteTwoReadings();
+  Tick("2026-11-16T20:11:01", 61750);   // a second behind its slot
+  Tick("2026-11-16T20:12:00", 120750);  // at its slot
+  Tick("2026-11-16T20:14:30", 270750);  // the slots between are not made up for
+  const std::string log = folder_.File("log.csv");
+  EXPECT_EQ(Replay({"--save", "--csv", log}).status, ExitOK);
+  EXPECT_EQ(FileBytes(log),
+            "Timestamp, Kitchen\r\n"
+            "11/16/2026 8:11:00 PM, 424.5\r\n"
+            "11/16/2026 8:12:00 PM, 424.5\r\n"
+            "11/16/2026 8:13:00 PM, 424.5\r\n");
+  EXPECT_FALSE(fs::exists(folder_.File("own.csv")));
+  EXPECT_EQ(Setting("LogToCSV"), "False\n");
+  EXPECT_EQ(Setting("CSVFilename"), folder_.File("own.csv") + "\n");
+}
+
+TEST_F(ReplayCommand, NothingIsLoggedWithoutCsv) {
+  AddKitchen();
+  ExpectDone({"setting", "set", "CSVFilename", folder_.File("own.csv")});
+  WriteTwoReadings();
+  Tick("2026-11-16T20:15:00", 300750);
+  EXPECT_EQ(Replay({"--save"}).status, ExitOK);
+  EXPECT_FALSE(fs::exists(folder_.File("own.csv")));
+  EXPECT_EQ(Setting("LogToCSV"), "True\n");
+}
+
+TEST_F(ReplayCommand, CsvThatCannotBeWrittenIsAnErrorOfTheReplay) {
+  AddKitchen();
+  WriteTwoReadings();
+  Tick("2026-11-16T20:15:00", 300750);
+  const nlohmann::json errors = ReplayJson({"--csv", folder_.File("no/log.csv")})["errors"];
+  ASSERT_EQ(errors.size(), 1U);
+  EXPECT_TRUE(errors[0].get<std::string>().starts_with("Error Writing Log File - ")) << errors;
+}
+
+TEST_F(ReplayCommand, DemoModeStaysOut) {
+  AddKitchen();
+  ExpectDone({"setting", "set", "DemoMode", "True"});
+  Tick("2026-11-16T20:10:01", 1750);
+  EXPECT_TRUE(ReplayJson({"--save"})["meters"].at(0)["Watts"].is_null());
+  EXPECT_EQ(Setting("DemoMode"), "True\n");
+}
+
+TEST_F(ReplayCommand, BadLineEndsAllBeforeItBegins) {
+  AddKitchen();
+  WriteTwoReadings();
+  WriteFile(capture_, FileBytes(capture_) + "2026-11-16T20:15:00 300750 tock\n");
+  const auto before = ProfileFiles();
+  const CommandResult result = Replay({"--json", "--save", "--csv", folder_.File("log.csv")});
+  EXPECT_EQ(result.status, ExitBadInput);
+  EXPECT_EQ(result.output, "");
+  EXPECT_EQ(result.messages, capture_ + ":5: \"tock\" is not \"rx HEX\" or \"tick\"\n");
+  EXPECT_EQ(ProfileFiles(), before);
+  EXPECT_FALSE(fs::exists(folder_.File("log.csv")));
+}
+
+TEST_F(ReplayCommand, CaptureThatCannotBeReadIsBadInput) {
+  for (const std::string& file : {folder_.File("none.cap"), folder_.Path()}) {
+    const CommandResult result = RunHere({"replay", "--save", file});
+    EXPECT_EQ(result.status, ExitBadInput);
+    EXPECT_EQ(result.output, "");
+    EXPECT_TRUE(result.messages.starts_with(file + ":")) << result.messages;
+  }
+  const CommandResult input = RunHere({"replay", "-"}, "x\n");
+  EXPECT_TRUE(input.messages.starts_with("standard input:1: ")) << input.messages;
+  EXPECT_FALSE(ProfileExists());
+}
+
+TEST_F(ReplayCommand, DamagedStoreIsReadAsFarAsPossibleAndLeft) {
+  AddKitchen();
+  WriteTwoReadings();
+  const std::string store = profile_ + "/wattlark.db";
+  std::string bytes = FileBytes(store);
+  bytes.replace(28, 4, std::string("\0\0\x10\0", 4));  // more pages than there are
+  WriteFile(store, bytes);
+  const auto before = ProfileFiles();
+  const CommandResult result = Replay({"--json"});
+  EXPECT_EQ(result.status, ExitOK);
+  EXPECT_NE(result.messages.find("is damaged"), std::string::npos) << result.messages;
+  EXPECT_DOUBLE_EQ(result.Json()["meters"].at(0)["Watts"], kWatts);
+  EXPECT_EQ(ProfileFiles(), before);
+}
+
+}  // namespace
+}  // namespace wattlark
