@@ -1,0 +1,74 @@
+#include <gtest/gtest.h>
+
+#include <QDateTime>
+
+#include "platform/qt/StandardRandom.h"
+#include "platform/qt/SystemClock.h"
+
+namespace wattlark {
+namespace {
+
+// A zone that is half an hour off whole hours, set for the length of a test.
+class ZoneScope {
+ public:
+  explicit ZoneScope(const char* zone) {
+    qputenv("TZ", zone);
+    tzset();
+  }
+  ~ZoneScope() {
+    before_.isNull() ? qunsetenv("TZ") : qputenv("TZ", before_);
+    tzset();
+  }
+  ZoneScope(const ZoneScope&) = delete;
+  ZoneScope& operator=(const ZoneScope&) = delete;
+
+ private:
+  QByteArray before_ = qgetenv("TZ");
+};
+
+TEST(SystemClock, TellsTheLocalTime) {
+  const ZoneScope india("IST-5:30");
+  const SystemClock clock;
+  for (int call = 0; call < 2; ++call) {  // the second one takes the offset that was kept
+    const std::int64_t expected = QDateTime::currentMSecsSinceEpoch() + 19'800'000;
+    const std::int64_t now = clock.Now().Milliseconds();
+    EXPECT_GE(now, expected);
+    EXPECT_LT(now, expected + 5000);
+  }
+}
+
+TEST(SystemClock, TicksAreMilliseconds) {
+  const SystemClock clock;
+  const std::uint32_t start = clock.Ticks();
+  const DateTime startTime = clock.Now();
+  while (clock.Now() < startTime.PlusMilliseconds(50)) {
+  }
+  EXPECT_GE(clock.Ticks() - start, 45u);
+  EXPECT_LT(clock.Ticks() - start, 5000u);
+}
+
+TEST(StandardRandom, TheSameSeedTwiceDoesNotRepeatTheNumbers) {
+  StandardRandom random(1);
+  random.Reseed(12345);
+  const double first = random.Next();
+  random.Reseed(12345);
+  EXPECT_NE(random.Next(), first);
+}
+
+TEST(StandardRandom, NumbersFillTheUnitInterval) {
+  StandardRandom random(1);
+  double least = 1;
+  double largest = 0;
+  for (int i = 0; i < 10000; ++i) {
+    const double number = random.Next();
+    least = std::min(least, number);
+    largest = std::max(largest, number);
+  }
+  EXPECT_GE(least, 0.0);
+  EXPECT_LT(least, 0.01);
+  EXPECT_GT(largest, 0.99);
+  EXPECT_LT(largest, 1.0);
+}
+
+}  // namespace
+}  // namespace wattlark
