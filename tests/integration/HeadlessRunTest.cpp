@@ -1,0 +1,270 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/ioctl.h>
+
+#include <cmath>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <numbers>
+#include <optional>
+
+#include "integration/RunningProgram.h"
+#include "platform/FileSizeLimit.h"
+#include "platform/TemporaryFolder.h"
+#include "twins/Frames.h"
+#include "twins/TestTerminal.h"
+
+namespace wattlark {
+namespace {
+
+using testing::AllOf;
+using testing::ContainsRegex;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+namespace fs = std::filesystem;
+using Json = nlohmann::json;
+
+constexpr const char* kKitchenLine =
+    "[0-9-]+T[0-9:]+ Kitchen [0-9.-]+ W [0-9.]+ V [0-9.-]+ A today [0-9.]+ kWh\n";
+
+// One burst of a meter that draws about half of what the socket gives.
+Bytes Burst(std::uint16_t address) {
+  std::vector<std::uint16_t> volts;
+  std::vector<std::uint16_t> amps;
+  for (int sample = 0; sample < 19; ++sample) {
+    const double angle = 2 * std::numbers::pi * 60 * sample / 1000;
+    volts.push_back(static_cast<std::uint16_t>(512 + 280 * std::sin(angle)));
+    amps.push_back(static_cast<std::uint16_t>(498 + 150 * std::sin(angle)));
+  }
+  return MeterFrame(address, volts, amps);
+}
+
+std::size_t CountOf(const std::string& text, const std::string& part) {
+  std::size_t count = 0;
+  for (std::size_t at = 0; (at = text.find(part, at)) != std::string::npos; ++at) ++count;
+  return count;
+}
+
+// A profile with a meter "Kitchen" of address 5, and a receiver that the test speaks for.
+struct HeadlessRun : testing::Test {
+  TemporaryFolder folder;
+  std::string profile = folder.File("profile");
+  std::string device = folder.File("receiver");
+  std::string capture = folder.File("capture");
+  std::optional<TestTerminal> receiver;
+
+  HeadlessRun() { PlugIn(); }
+
+  void PlugIn() {
+    receiver.emplace();
+    fs::remove(device);
+    fs::create_symlink(receiver->Path(), device);
+  }
+  void Unplug() { receiver.reset(); }
+
+  std::vector<std::string> Command(std::vector<std::string> arguments) const {
+    arguments.insert(arguments.begin(), WATTLARK_HEADLESS_PROGRAM);
+    arguments.insert(arguments.end(), {"--profile", profile});
+    return arguments;
+  }
+  std::vector<std::string> RunCommand() const {
+    return Command({"--device", device, "--record", capture});
+  }
+  void AddKitchen() const {
+    RunningProgram add(Command({"meter", "add", "--name", "Kitchen", "--address", "5"}));
+    ASSERT_EQ(add.Wait(), 0) << add.Messages();
+  }
+  double KitchenEnergy() const {
+    RunningProgram list(Command({"meter", "list", "--json"}));
+    EXPECT_EQ(list.Wait(), 0) << list.Messages();
+    return Json::parse(list.Output()).at(0).at("Usage").at("ToDate").get<double>();
+  }
+  // Sends a burst and waits until the program has read all of it.
+  void SendBurst() {
+    const std::string frame = [] {
+      std::string hex;
+      for (const std::uint8_t byte : Burst(5)) {
+        hex += "0123456789ABCDEF"[byte >> 4];
+        hex += "0123456789ABCDEF"[byte & 15];
+      }
+      return hex;
+    }();
+    const std::size_t before = CountOf(FileBytes(capture), frame);
+    receiver->Write(Burst(5));
+    ASSERT_TRUE(WaitUntil([&] { return CountOf(FileBytes(capture), frame) > before; }));
+  }
+  // A program that has taken two bursts, so that there is energy.
+  void TakeTwoBursts(RunningProgram& program) {
+    SendBurst();
+    const auto first = std::chrono::steady_clock::now();
+    ASSERT_TRUE(WaitUntil([&] { return !program.Output().empty(); }));
+    // Readings of the same millisecond hold no energy.
+    WaitUntil(
+        [&] { return std::chrono::steady_clock::now() - first > std::chrono::milliseconds(10); });
+    SendBurst();
+  }
+};
+
+TEST_F(HeadlessRun, PrintsTheFirstReadingAtOnceAndNoSecondOne) {
+  AddKitchen();
+  const auto start = std::chrono::steady_clock::now();
+  RunningProgram program(RunCommand());
+  TakeTwoBursts(program);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+  EXPECT_EQ(program.End(SIGTERM), 0);
+  EXPECT_THAT(program.Output(), ContainsRegex(std::string("^") + kKitchenLine));
+  // One more only when the minute happened to change.
+  EXPECT_LE(CountOf(program.Output(), "\n"), 2u);
+  EXPECT_THAT(program.Messages(), IsEmpty());
+}
+
+class HeadlessRunEnded : public HeadlessRun, public testing::WithParamInterface<int> {};
+
+TEST_P(HeadlessRunEnded, SavesAndGoesOnWithItsTotals) {
+  AddKitchen();
+  double energy = 0;
+  for (int run = 0; run < 2; ++run) {
+    RunningProgram program(RunCommand());
+    TakeTwoBursts(program);
+    EXPECT_EQ(program.End(GetParam()), 0) << program.Messages();
+    const double saved = KitchenEnergy();
+    EXPECT_GT(saved, energy);
+    energy = saved;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(BySignal, HeadlessRunEnded, testing::Values(SIGINT, SIGTERM, SIGHUP));
+
+TEST_F(HeadlessRun, KilledLosesNothingThatWasSaved) {
+  AddKitchen();
+  {
+    RunningProgram program(RunCommand());
+    TakeTwoBursts(program);
+    ASSERT_EQ(program.End(SIGTERM), 0);
+  }
+  const double saved = KitchenEnergy();
+  RunningProgram killed(RunCommand());
+  TakeTwoBursts(killed);
+  EXPECT_EQ(killed.End(SIGKILL), 128 + SIGKILL);
+  EXPECT_EQ(KitchenEnergy(), saved);
+  RunningProgram next(RunCommand());
+  TakeTwoBursts(next);
+  EXPECT_EQ(next.End(SIGTERM), 0) << next.Messages();
+  EXPECT_GT(KitchenEnergy(), saved);
+}
+
+TEST_F(HeadlessRun, ASecondInstanceIsRefusedAndTheFirstHearsOfIt) {
+  AddKitchen();
+  RunningProgram first(RunCommand());
+  TakeTwoBursts(first);
+  RunningProgram second(RunCommand());
+  EXPECT_EQ(second.Wait(), 1);
+  EXPECT_THAT(second.Output(), IsEmpty());
+  EXPECT_EQ(second.Messages(), "Wattlark is already running with the profile " + profile + "\n");
+  EXPECT_TRUE(
+      WaitUntil([&] { return first.Messages().find("Another start") != std::string::npos; }));
+  EXPECT_TRUE(first.IsRunning());
+  EXPECT_EQ(first.End(SIGTERM), 0);
+}
+
+TEST_F(HeadlessRun, TellsOnceThatTheDeviceWentAndThatItCameBack) {
+  AddKitchen();
+  RunningProgram program(RunCommand());
+  TakeTwoBursts(program);
+  const auto unplugged = std::chrono::steady_clock::now();
+  Unplug();
+  ASSERT_TRUE(WaitUntil([&] { return !program.Messages().empty(); }));
+  EXPECT_LT(std::chrono::steady_clock::now() - unplugged, std::chrono::seconds(1));
+  // Long enough for it to have tried in vain.
+  const std::size_t ticks = CountOf(FileBytes(capture), " tick");
+  ASSERT_TRUE(WaitUntil([&] { return CountOf(FileBytes(capture), " tick") >= ticks + 3; }));
+  EXPECT_EQ(program.Messages(),
+            "Unable to communicate on COM3: No such device: " + device +
+                ". Plug in the receiver, or choose its device: wattlark setting set "
+                "PortDevices/COM3 PATH\n");
+  PlugIn();
+  ASSERT_TRUE(
+      WaitUntil([&] { return program.Messages().ends_with("\nCommunicating on COM3 again\n"); }));
+  SendBurst();
+  EXPECT_EQ(program.End(SIGTERM), 0);
+  EXPECT_EQ(CountOf(program.Messages(), "\n"), 2u);
+}
+
+TEST_F(HeadlessRun, StartsWithoutItsDeviceAndWaitsForIt) {
+  AddKitchen();
+  fs::remove(device);
+  RunningProgram program(RunCommand());
+  ASSERT_TRUE(WaitUntil([&] { return !program.Messages().empty(); }));
+  EXPECT_THAT(program.Messages(), HasSubstr("Unable to communicate on COM3: No such device: "));
+  PlugIn();
+  TakeTwoBursts(program);
+  EXPECT_EQ(program.End(SIGTERM), 0);
+  EXPECT_THAT(program.Output(), ContainsRegex(kKitchenLine));
+}
+
+TEST_F(HeadlessRun, SaysHowToAddAMeter) {
+  RunningProgram program(RunCommand());
+  ASSERT_TRUE(WaitUntil([&] { return !program.Messages().empty(); }));
+  EXPECT_THAT(program.Messages(), AllOf(HasSubstr("No Kill-A-Watts have been added"),
+                                        HasSubstr("wattlark meter add"), HasSubstr(profile)));
+  EXPECT_EQ(program.End(SIGTERM), 0);
+}
+
+TEST_F(HeadlessRun, GoesOnWhenNobodyReadsItsOutput) {
+  AddKitchen();
+  RunningProgram program(RunCommand());
+  program.CloseOutput();
+  SendBurst();
+  SendBurst();
+  EXPECT_TRUE(program.IsRunning());
+  EXPECT_EQ(program.End(SIGTERM), 0) << program.Messages();
+  EXPECT_GT(KitchenEnergy(), 0);
+}
+
+TEST_F(HeadlessRun, SaysWhenItCannotSave) {
+  AddKitchen();
+  std::optional<RunningProgram> program;
+  {
+    const FileSizeLimit diskFull;
+    program.emplace(Command({"--demo"}));
+  }
+  ASSERT_TRUE(WaitUntil([&] { return !program->Output().empty(); })) << program->Messages();
+  EXPECT_EQ(program->End(SIGTERM), 1);
+  EXPECT_THAT(program->Messages(), HasSubstr("Not saved: "));
+  EXPECT_EQ(KitchenEnergy(), 0);
+}
+
+TEST_F(HeadlessRun, ShowsATableOnATerminal) {
+  AddKitchen();
+  TestTerminal terminal;
+  const int output = ::open(terminal.Path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+  winsize size{};
+  size.ws_col = 80;
+  size.ws_row = 24;
+  ::ioctl(output, TIOCSWINSZ, &size);
+  ::setenv("TERM", "xterm", 1);
+  RunningProgram program(RunCommand(), output);
+  std::string shown;
+  SendBurst();
+  EXPECT_TRUE(WaitUntil([&] {
+    shown += terminal.Read();
+    return shown.find("receiving") != std::string::npos;
+  })) << shown;
+  EXPECT_THAT(shown, HasSubstr("Meter "));
+  EXPECT_THAT(shown, Not(HasSubstr("kWh")));
+  EXPECT_EQ(program.End(SIGINT), 0);
+  ::close(output);
+}
+
+TEST_F(HeadlessRun, FabricatesReadingsOnDemand) {
+  AddKitchen();
+  RunningProgram program(Command({"--demo"}));
+  ASSERT_TRUE(WaitUntil([&] { return !program.Output().empty(); })) << program.Messages();
+  EXPECT_EQ(program.End(SIGTERM), 0);
+  EXPECT_THAT(program.Output(), ContainsRegex(kKitchenLine));
+}
+
+}  // namespace
+}  // namespace wattlark
