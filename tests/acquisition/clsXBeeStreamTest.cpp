@@ -69,6 +69,10 @@ TEST(clsXBeeStream, StampsAFrameWithTheMomentItWasCompleted) {
   receiver.Read(Slice(frame, 6, frame.size()));
   EXPECT_EQ(receiver.decoder.FrameTime(), At("2026-11-16T20:10:01.500"));
   EXPECT_EQ(receiver.decoder.FrameTicks(), 2500U);
+  receiver.clock.Advance(2000);
+  receiver.Read(frame);
+  EXPECT_EQ(receiver.decoder.FrameTime(), At("2026-11-16T20:10:03.500"));
+  EXPECT_EQ(receiver.decoder.FrameTicks(), 4500U);
 }
 
 TEST(clsXBeeStream, LosesNoIntactFrameBehindOneThatWasCutShort) {
