@@ -1,18 +1,11 @@
 #pragma once
 
-#include <string>
-
 #include "acquisition/MeterCollection.h"
 #include "config/AppSettings.h"
+#include "publish/PublishResult.h"
 #include "support/RegionalSettings.h"
 
 namespace wattlark {
-
-/// How one publishing run ended: the text of success for the status bar, or the error's.
-struct PublishResult {
-  bool success = false;
-  std::string text;
-};
 
 /// Appends one line to `CSVFilename`: the time stamp and one demand in watts for every meter, its
 /// average over `CSVInterval` or its last reading; an empty field without a value. Fields are

@@ -1,0 +1,72 @@
+#include <gtest/gtest.h>
+
+#include "publish/WebText.h"
+#include "support/RegionalSettings.h"
+
+namespace wattlark {
+namespace {
+
+TEST(QuoteResponse, ShowsControlCharactersAsBlanks) {
+  using std::string_literals::operator""s;
+  const std::pair<std::string, std::string> cases[] = {
+      {"", ""},
+      {" ", " "},
+      {"line 1\r\nline 2\n", "line 1\r\nline 2\n"},
+      {"a\tb\0c\x1B[2Jd\x7F"s, "a b c [2Jd "},
+      {"\xC2\x85\xC2\x9F\xC2\xA0|", "  \xC2\xA0|"},  // C1 controls, and a no-break space
+      {"Zürich €", "Zürich €"},
+      {"\xC2", "\xC2"},
+  };
+  for (const auto& [response, quote] : cases) EXPECT_EQ(QuoteResponse(response), quote);
+}
+
+TEST(QuoteResponse, CutsAboveTheBoundAtAWholeCharacter) {
+  const std::string full(65536, 'x');
+  EXPECT_EQ(QuoteResponse(full), full);
+  EXPECT_EQ(QuoteResponse(full + "more"), full);
+  const std::string almost(65535, 'x');
+  EXPECT_EQ(QuoteResponse(almost + "é"), almost);
+  EXPECT_EQ(QuoteResponse(almost.substr(2) + "€|").size(), 65536U);
+  EXPECT_EQ(QuoteResponse(almost.substr(1) + "€|"), almost.substr(1));
+  EXPECT_EQ(QuoteResponse(std::string(70000, '\x80')).size(), 65533U);
+}
+
+TEST(QuoteResponse, MasksSecrets) {
+  EXPECT_EQ(QuoteResponse("key=secret&again=secret.", {"secret"}), "key=****&again=****.");
+  EXPECT_EQ(QuoteResponse("token and key", {"key", "", "token"}), "**** and key");
+  // Also one that the bound would cut in two.
+  const std::string filler(65533, 'x');
+  EXPECT_EQ(QuoteResponse(filler + "secret", {"secret"}), filler + "***");
+}
+
+TEST(EscapeXml, LeavesTheDocumentWhole) {
+  EXPECT_EQ(EscapeXml("11/16/2026 8:10:00 PM"), "11/16/2026 8:10:00 PM");
+  EXPECT_EQ(EscapeXml("<a href='x' b=\"y\">&"),
+            "&lt;a href=&apos;x&apos; b=&quot;y&quot;&gt;&amp;");
+  EXPECT_EQ(EscapeXml("\x01\tü\x7F"), " \tü ");
+}
+
+TEST(PlainNumberText, HasFifteenDigitsAtMost) {
+  const RegionalSettings us = RegionalSettings::UnitedStates();
+  const std::pair<double, const char*> cases[] = {
+      {0, "0"},
+      {100, "100"},
+      {250.5, "250.5"},
+      {123.456, "123.456"},
+      {0.5, "0.5"},
+      {1500, "1500"},
+      {-12.25, "-12.25"},
+      {0.1 + 0.2, "0.3"},
+      {1.0 / 3, "0.333333333333333"},
+      {200.0 / 3, "66.6666666666667"},
+      {1234567, "1234567"},
+  };
+  for (const auto& [value, text] : cases) EXPECT_EQ(PlainNumberText(us, value), text);
+  RegionalSettings german = us;
+  german.decimalSeparator = ",";
+  german.groupSeparator = ".";
+  EXPECT_EQ(PlainNumberText(german, 1234567.5), "1234567,5");
+}
+
+}  // namespace
+}  // namespace wattlark
