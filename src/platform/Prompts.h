@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace wattlark {
@@ -24,6 +25,17 @@ class Prompts {
   virtual ~Prompts() = default;
   /// Shows the message and waits for the answer.
   virtual PromptAnswer Ask(const PromptMessage& message) = 0;
+  /// Lets the user choose the file to save a text to; nothing when that was cancelled or cannot be
+  /// asked here. The user has agreed to replace a file that exists.
+  virtual std::optional<std::string> ChooseSaveFile(const std::string& /*caption*/) {
+    return std::nullopt;
+  }
+  /// Asks for a user name and a password, with the present ones to start from; false, with nothing
+  /// changed, when that was cancelled or cannot be asked here.
+  virtual bool SignIn(const std::string& /*caption*/, std::string& /*userName*/,
+                      std::string& /*password*/) {
+    return false;
+  }
 };
 
 }  // namespace wattlark
