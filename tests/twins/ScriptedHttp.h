@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <deque>
 #include <functional>
+#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -86,6 +87,12 @@ class ScriptedHttp final : public HttpClient {
   std::size_t nextState_ = 0;
   bool busy_ = false;
 };
+
+inline void PrintTo(const ScriptedHttp::Request& request, std::ostream* out) {
+  *out << request.operation << " " << request.url << "\n"
+       << request.headers << "\n\n"
+       << request.body;
+}
 
 /// Delivers the events of its clients, one each a round, after whatever `onRound` does. Gives up a
 /// wait that takes too many rounds.

@@ -1,0 +1,104 @@
+#include "publish/GoogleRow.h"
+
+#include <cstdint>
+
+#include "publish/WebText.h"
+#include "support/modFormat.h"
+#include "support/modText.h"
+
+namespace wattlark {
+
+namespace {
+
+constexpr const char* kRowNamespace = "http://schemas.google.com/spreadsheets/2006/extended";
+
+struct Range {
+  char32_t first;
+  char32_t last;
+};
+
+constexpr Range kNameStart[] = {
+    {'A', 'Z'},       {'_', '_'},       {'a', 'z'},       {0xC0, 0xD6},     {0xD8, 0xF6},
+    {0xF8, 0x2FF},    {0x370, 0x37D},   {0x37F, 0x1FFF},  {0x200C, 0x200D}, {0x2070, 0x218F},
+    {0x2C00, 0x2FEF}, {0x3001, 0xD7FF}, {0xF900, 0xFDCF}, {0xFDF0, 0xFFFD}, {0x10000, 0xEFFFF},
+};
+constexpr Range kNameRest[] = {
+    {'-', '-'}, {'.', '.'}, {'0', '9'}, {0xB7, 0xB7}, {0x300, 0x36F}, {0x203F, 0x2040},
+};
+
+template <std::size_t N>
+bool IsIn(const Range (&ranges)[N], char32_t c) {
+  for (const Range& range : ranges) {
+    if (c >= range.first && c <= range.last) return true;
+  }
+  return false;
+}
+
+/// Takes the first character off the text; 0, which no name holds, when it is not UTF-8.
+char32_t TakeCharacter(std::string_view& text) {
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+  const unsigned char lead = byte(0);
+  const std::size_t length = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+  if (lead >= 0xF8 || (lead >= 0x80 && lead < 0xC2) || length > text.size()) return 0;
+  char32_t c = length == 1 ? lead : lead & (0x7Fu >> length);
+  for (std::size_t i = 1; i < length; ++i) {
+    if ((byte(i) & 0xC0) != 0x80) return 0;
+    c = c << 6 | (byte(i) & 0x3Fu);
+  }
+  constexpr char32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
+  if (c < kSmallest[length]) return 0;
+  text.remove_prefix(length);
+  return c;
+}
+
+/// Whether the text can stand behind a prefix as the name of an XML element.
+bool IsElementName(std::string_view text) {
+  if (text.empty() || !IsIn(kNameStart, TakeCharacter(text))) return false;
+  while (!text.empty()) {
+    const char32_t c = TakeCharacter(text);
+    if (!IsIn(kNameStart, c) && !IsIn(kNameRest, c)) return false;
+  }
+  return true;
+}
+
+/// Lower case that keeps the final sigma, which folding for comparisons does not.
+std::string LowerCase(std::string_view text) {
+  constexpr std::string_view kFinalSigma = "ς";
+  std::string lower;
+  for (;;) {
+    const std::size_t sigma = text.find(kFinalSigma);
+    lower += FoldCase(text.substr(0, sigma));
+    if (sigma == std::string_view::npos) return lower;
+    lower += kFinalSigma;
+    text.remove_prefix(sigma + kFinalSigma.size());
+  }
+}
+
+std::string Element(const std::string& name, const std::string& content) {
+  return "  <gsx:" + name + " xmlns:gsx='" + kRowNamespace + "'>" + EscapeXml(content) +
+         "</gsx:" + name + ">\r\n";
+}
+
+}  // namespace
+
+std::string GoogleColumn(std::string_view meterName) {
+  std::string column = LowerCase(meterName);
+  std::erase(column, ' ');
+  return IsElementName(column) ? column : std::string();
+}
+
+std::string GoogleRow(const AppSettings& settings, const MeterCollection& meters,
+                      const RegionalSettings& regional, DateTime timestamp, bool useAverage) {
+  std::string row = "<entry xmlns='http://www.w3.org/2005/Atom'>\r\n" +
+                    Element("timestamp", FormatDateAndTime(regional, timestamp));
+  for (const auto& meter : meters) {
+    const std::string column = GoogleColumn(meter->Name());
+    if (column.empty()) continue;
+    const double watts =
+        useAverage ? meter->AverageDemand(settings.GoogleInterval) : meter->ShownWatts();
+    row += Element(column, FormatNumberAuto(regional, watts, AutomaticDecimals, "", false));
+  }
+  return row + "</entry>";
+}
+
+}  // namespace wattlark
