@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QString>
+
+#include "platform/Prompts.h"
+
+namespace wattlark {
+
+/// Message boxes and file choosers over the window that is active. Texts are shown as they are:
+/// what looks like mark-up stays text. Of a very long text the box shows the start, and all of it
+/// under its button for details.
+class QtPrompts final : public Prompts {
+ public:
+  PromptAnswer Ask(const PromptMessage& message) override;
+  std::optional<std::string> ChooseSaveFile(const std::string& caption) override;
+};
+
+/// The text of a message for a box: its line ends as LF, and words too long for a line given places
+/// to break.
+QString BoxText(const std::string& text);
+
+}  // namespace wattlark
