@@ -126,7 +126,8 @@ std::optional<MeterEditProblem> CheckMeterEdit(const MeterEdit& edit, const Mete
   }
   const clsKillAWatt* other = meters.FindAddress(*address);
   if (other != nullptr && other != &meter) {
-    return {{MeterField::XBeeAddress, "A Kill-A-Watt with that XBee address is already defined"}};
+    return {
+        {MeterField::XBeeAddress, "A Kill-A-Watt with that XBee address is already defined", true}};
   }
   if (!ReadLimit(regional, edit.upperLimit)) {
     return {{MeterField::UpperLimit, LimitProblem("Upper Limit")}};

@@ -51,7 +51,8 @@ enum class MeterField { Name, XBeeAddress, UpperLimit, LowerLimit };
 
 struct MeterEditProblem {
   MeterField field;
-  std::string text;  ///< names the field and says what is expected
+  std::string text;            ///< names the field and says what is expected
+  bool isDuplicateID = false;  ///< the address is another meter's
 };
 
 MeterEdit MakeMeterEdit(const clsKillAWatt& meter, const RegionalSettings& regional);

@@ -1,0 +1,255 @@
+#include "config/forms/frmEditKillAWatt.h"
+
+#include <QDialogButtonBox>
+#include <QEvent>
+#include <QGroupBox>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <span>
+#include <utility>
+
+#include "config/modRegistry.h"
+#include "platform/qtwidgets/Controls.h"
+#include "platform/qtwidgets/FilteredLineEdit.h"
+
+namespace wattlark {
+
+namespace {
+
+constexpr int kMargin = 16;
+constexpr int kGap = 12;
+constexpr int kRowGap = 8;
+
+constexpr const char* kAdjusted =
+    "The alarm interval was adjusted upward so that it was at least equal to the duration above or "
+    "below the limits.";
+
+QGroupBox* Frame(const QString& caption, const QString& name, QGridLayout*& grid) {
+  auto* frame = new QGroupBox(caption);
+  frame->setObjectName(name);
+  grid = new QGridLayout(frame);
+  grid->setContentsMargins(kGap, kGap, kGap, kGap);
+  grid->setHorizontalSpacing(kGap);
+  grid->setVerticalSpacing(kRowGap);
+  grid->setColumnStretch(1, 1);
+  return frame;
+}
+
+template <typename Control>
+Control* Named(Control* control, const QString& name) {
+  control->setObjectName(name);
+  return control;
+}
+
+QComboBox* List(const QString& name, std::span<const ListEntry> entries) {
+  auto* list = Named(new QComboBox, name);
+  for (const ListEntry& entry : entries) list->addItem(entry.text, entry.number);
+  return list;
+}
+
+// The caption without its mnemonic and colon.
+QString SpokenName(QString caption) {
+  return caption.remove('&').remove(':');
+}
+
+}  // namespace
+
+frmEditKillAWatt::frmEditKillAWatt(const Context& context, QWidget* parent)
+    : QDialog(parent), context_(context) {
+  setObjectName("frmEditKillAWatt");
+  auto* column = new QVBoxLayout(this);
+  column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+  column->setSpacing(kMargin);
+  column->addWidget(BuildProperties());
+  column->addWidget(BuildAlarmZone());
+  column->addStretch(1);
+  column->addWidget(BuildButtons());
+  FitToFont();
+}
+
+QWidget* frmEditKillAWatt::BuildProperties() {
+  QGridLayout* grid = nullptr;
+  QWidget* frame = Frame("Kill-A-Watt Properties", "fraProperties0", grid);
+  txtName_ = Named(new QLineEdit, "txtName");
+  txtXBeeAddress_ = Named(new QLineEdit, "txtXBeeAddress");
+  cboVoltage_ = List("cboVoltage", VoltageEntries());
+  cboFrequency_ = List("cboFrequency", FrequencyEntries());
+  cboKillAWattType_ = List("cboKillAWattType", KillAWattTypeEntries());
+  AddRow(*grid, "&Name:", txtName_);
+  AddRow(*grid, "&XBee Address:", txtXBeeAddress_);
+  AddRow(*grid, "&Voltage (nominal):", cboVoltage_);
+  AddRow(*grid, "&Frequency (nominal):", cboFrequency_);
+  AddRow(*grid, "&Channel Type:", cboKillAWattType_);
+  return frame;
+}
+
+QWidget* frmEditKillAWatt::BuildAlarmZone() {
+  QGridLayout* grid = nullptr;
+  QWidget* frame = Frame("Alarm Zone", "fraProperties1", grid);
+  const QString caption = "&Raise an Alarm when power is outside:";
+  chkAlarmActive_ = Named(new QCheckBox(caption), "chkAlarmActive");
+  chkAlarmActive_->setAccessibleName(SpokenName(caption));
+  connect(chkAlarmActive_, &QCheckBox::toggled, this, [this] { chkAlarmActive_Click(); });
+  grid->addWidget(chkAlarmActive_, 0, 0, 1, 3);
+  for (std::size_t index = 0; index < txtAlarmLimit_.size(); ++index) {
+    txtAlarmLimit_[index] =
+        Named(new FilteredLineEdit([&regional = context_.regional](char32_t typed) {
+                return IsLimitCharacter(typed, regional);
+              }),
+              "txtAlarmLimit" + QString::number(index));
+    txtAlarmLimit_[index]->setAccessibleDescription("Watts");
+  }
+  cboAlarmDuration_ = List("cboAlarmDuration", AlarmDurationEntries());
+  cboAlarmInterval_ = List("cboAlarmInterval", AlarmIntervalEntries());
+  AddRow(*grid, "&Upper Limit:", txtAlarmLimit_[0], "W");
+  AddRow(*grid, "&Lower Limit:", txtAlarmLimit_[1], "W");
+  AddRow(*grid, "F&or:", cboAlarmDuration_);
+  AddRow(*grid, "Repeat &Every:", cboAlarmInterval_);
+  return frame;
+}
+
+QWidget* frmEditKillAWatt::BuildButtons() {
+  auto* cmdOK = Named(new QPushButton("OK"), "cmdOK");
+  auto* cmdCancel = Named(new QPushButton("Cancel"), "cmdCancel");
+  cmdOK->setAccessibleName("OK");
+  cmdCancel->setAccessibleName("Cancel");
+  cmdOK->setDefault(true);
+  connect(cmdOK, &QPushButton::clicked, this, [this] { cmdOK_Click(); });
+  connect(cmdCancel, &QPushButton::clicked, this, [this] { reject(); });
+  auto* buttons = new QDialogButtonBox;
+  buttons->addButton(cmdOK, QDialogButtonBox::AcceptRole);
+  buttons->addButton(cmdCancel, QDialogButtonBox::RejectRole);
+  return buttons;
+}
+
+void frmEditKillAWatt::AddRow(QGridLayout& grid, const QString& caption, QWidget* control,
+                              const QString& unit) {
+  auto* label = new QLabel(caption);
+  label->setBuddy(control);
+  labels_.push_back(label);
+  control->setAccessibleName(SpokenName(caption));
+  const int row = grid.rowCount();
+  grid.addWidget(label, row, 0);
+  grid.addWidget(control, row, 1, 1, unit.isEmpty() ? 2 : 1);
+  if (!unit.isEmpty()) grid.addWidget(new QLabel(unit), row, 2);
+}
+
+void frmEditKillAWatt::FitToFont() {
+  // The labels are one column across both frames.
+  int widest = 0;
+  for (const QLabel* label : labels_) widest = std::max(widest, label->sizeHint().width());
+  for (QLabel* label : labels_) label->setMinimumWidth(widest);
+  for (QWidget* control : findChildren<QWidget*>()) {
+    if (control->focusPolicy() != Qt::NoFocus) control->setMinimumHeight(ControlHeight(*control));
+  }
+}
+
+void frmEditKillAWatt::changeEvent(QEvent* event) {
+  QDialog::changeEvent(event);
+  if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) FitToFont();
+}
+
+void frmEditKillAWatt::SetKillAWatt(clsKillAWatt& meter) {
+  meter_ = &meter;
+  cancelled_ = true;
+  shown_ = MakeMeterEdit(meter, context_.regional);
+  txtName_->setText(QString::fromStdString(shown_.name));
+  txtName_->selectAll();
+  txtName_->setFocus();
+  txtXBeeAddress_->setText(QString::fromStdString(shown_.xbeeAddress));
+  cboVoltage_->setCurrentIndex(shown_.voltage);
+  cboFrequency_->setCurrentIndex(shown_.frequency);
+  cboKillAWattType_->setCurrentIndex(shown_.killAWattType);
+  for (QWidget* control : std::initializer_list<QWidget*>{txtXBeeAddress_, cboVoltage_,
+                                                          cboFrequency_, cboKillAWattType_}) {
+    control->setEnabled(!IsTotal());
+  }
+  chkAlarmActive_->setChecked(shown_.alarmActive);
+  txtAlarmLimit_[0]->setText(QString::fromStdString(shown_.upperLimit));
+  txtAlarmLimit_[1]->setText(QString::fromStdString(shown_.lowerLimit));
+  cboAlarmDuration_->setCurrentIndex(shown_.alarmDuration);
+  cboAlarmInterval_->setCurrentIndex(shown_.alarmInterval);
+  chkAlarmActive_Click();
+}
+
+void frmEditKillAWatt::chkAlarmActive_Click() {
+  const bool active = chkAlarmActive_->isChecked();
+  for (QLineEdit* limit : txtAlarmLimit_) limit->setEnabled(active);
+  cboAlarmDuration_->setEnabled(active);
+  cboAlarmInterval_->setEnabled(active);
+  for (QLabel* label : labels_) label->setEnabled(label->buddy()->isEnabled());
+}
+
+MeterEdit frmEditKillAWatt::Entries() const {
+  MeterEdit edit;
+  // A name that nobody touched keeps its bytes, whatever the box can show of them.
+  const bool sameName = txtName_->text() == QString::fromStdString(shown_.name);
+  edit.name = sameName ? shown_.name : txtName_->text().toStdString();
+  edit.xbeeAddress = txtXBeeAddress_->text().toStdString();
+  edit.voltage = cboVoltage_->currentIndex();
+  edit.frequency = cboFrequency_->currentIndex();
+  edit.killAWattType = cboKillAWattType_->currentIndex();
+  edit.alarmActive = chkAlarmActive_->isChecked();
+  edit.upperLimit = txtAlarmLimit_[0]->text().toStdString();
+  edit.lowerLimit = txtAlarmLimit_[1]->text().toStdString();
+  edit.alarmDuration = cboAlarmDuration_->currentIndex();
+  edit.alarmInterval = cboAlarmInterval_->currentIndex();
+  return edit;
+}
+
+void frmEditKillAWatt::cmdOK_Click() {
+  const MeterEdit edit = Entries();
+  // The Total is not among the meters: it may share a name or an address with one of them.
+  const MeterCollection nobody;
+  const MeterCollection& others = IsTotal() ? nobody : context_.meters;
+  if (const auto problem = CheckMeterEdit(edit, others, *meter_, context_.regional)) {
+    Refuse(*problem);
+    return;
+  }
+  if (ApplyMeterEdit(edit, context_.meters, *meter_, context_.regional)) {
+    context_.prompts.Ask({kAdjusted, ApplicationTitle, PromptIcon::Information, PromptButtons::OK,
+                          PromptAnswer::OK});
+  }
+  cancelled_ = false;
+  accept();
+}
+
+QLineEdit* frmEditKillAWatt::BoxOf(MeterField field) const {
+  switch (field) {
+    case MeterField::Name:
+      return txtName_;
+    case MeterField::XBeeAddress:
+      return txtXBeeAddress_;
+    case MeterField::UpperLimit:
+      return txtAlarmLimit_[0];
+    case MeterField::LowerLimit:
+      break;
+  }
+  return txtAlarmLimit_[1];
+}
+
+void frmEditKillAWatt::Refuse(const MeterEditProblem& problem) {
+  context_.prompts.Ask({problem.text, problem.isDuplicateID ? "Duplicate ID" : ApplicationTitle,
+                        PromptIcon::Exclamation, PromptButtons::OK, PromptAnswer::OK});
+  QLineEdit* box = BoxOf(problem.field);
+  // A limit has to be a number with the alarm off as well: its box opens to be mended.
+  box->setEnabled(true);
+  box->setFocus();
+  box->selectAll();
+}
+
+void frmEditKillAWatt::reject() {
+  cancelled_ = true;
+  QDialog::reject();
+}
+
+bool EditMeterProperties(const frmEditKillAWatt::Context& context, clsKillAWatt& meter,
+                         const std::string& caption, QWidget* owner) {
+  frmEditKillAWatt form(context, owner);
+  form.SetKillAWatt(meter);
+  form.setWindowTitle(QString::fromStdString(caption));
+  form.exec();
+  return !form.Cancelled();
+}
+
+}  // namespace wattlark
