@@ -1,0 +1,104 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <vector>
+
+#include "timezone/Zones.h"
+
+namespace wattlark {
+namespace {
+
+constexpr std::array<std::uint8_t, 44> kBlob = {
+    0x2C, 0x01, 0x00, 0x00,                          // Bias 300
+    0x05, 0x04, 0x03, 0x02,                          // StandardBias 0x02030405
+    0xC4, 0xFF, 0xFF, 0xFF,                          // DaylightBias -60
+    0xEA, 0x07, 0x0B, 0x00, 0x06, 0x00, 0x01, 0x00,  // 2026-11, Saturday, 1
+    0x02, 0x00, 0x1E, 0x00, 0x0F, 0x00, 0xE7, 0x03,  // 02:30:15.999
+    0xFF, 0xFF, 0x00, 0x80, 0x01, 0x02, 0x03, 0x04,  // any bits at all
+    0x05, 0x06, 0x07, 0x08, 0x09, 0x0A, 0x0B, 0x0C,
+};
+
+TEST(clsTimeZoneInformation, ReadsEveryFieldAtItsPlace) {
+  const auto rule = clsTimeZoneInformation::FromBlob(kBlob);
+  ASSERT_TRUE(rule);
+  EXPECT_EQ(rule->Bias, 300);
+  EXPECT_EQ(rule->StandardBias, 0x02030405);
+  EXPECT_EQ(rule->DaylightBias, -60);
+  EXPECT_EQ(rule->StandardDate, (clsSystemTime{2026, 11, 6, 1, 2, 30, 15, 999}));
+  EXPECT_EQ(rule->DaylightDate,
+            (clsSystemTime{0xFFFF, 0x8000, 0x0201, 0x0403, 0x0605, 0x0807, 0x0A09, 0x0C0B}));
+  EXPECT_EQ(rule->ToBlob(), std::vector<std::uint8_t>(kBlob.begin(), kBlob.end()));
+}
+
+TEST(clsTimeZoneInformation, TakesNoOtherLength) {
+  std::vector<std::uint8_t> blob(100, 1);
+  for (std::size_t length = 0; length <= blob.size(); ++length) {
+    const auto rule = clsTimeZoneInformation::FromBlob(std::span(blob).first(length));
+    EXPECT_EQ(rule.has_value(), length == 44) << length;
+  }
+}
+
+TEST(clsTimeZone, ChoosesTheRuleByYear) {
+  clsTimeZone zone;
+  zone.StandardRule = {1, 2, 3, Relative(1, 0, 1, 0), Relative(2, 0, 1, 0)};
+  EXPECT_EQ(zone.Bias(2008), 1) << "without rules of years";
+  zone.FirstTZI = 2006;
+  zone.LastTZI = 2010;
+  // 2008 has none, as after a reading that ended early.
+  for (const int year : {2006, 2007, 2009, 2010}) {
+    zone.AddDynamicTZI(year) = {year, year * 2, year * 3, Absolute(year, 4, 1),
+                                Absolute(year, 5, 1)};
+  }
+  struct Case {
+    int asked;
+    int answers;  ///< 0 is the standard rule
+  };
+  for (const Case& c :
+       {Case{1, 2006}, Case{2005, 2006}, Case{2006, 2006}, Case{2007, 2007}, Case{2008, 0},
+        Case{2009, 2009}, Case{2010, 2010}, Case{2011, 2010}, Case{9999, 2010}, Case{0, 0}}) {
+    SCOPED_TRACE(c.asked);
+    const bool standard = c.answers == 0;
+    EXPECT_EQ(zone.Bias(c.asked), standard ? 1 : c.answers);
+    EXPECT_EQ(zone.StandardBias(c.asked), standard ? 2 : c.answers * 2);
+    EXPECT_EQ(zone.DaylightBias(c.asked), standard ? 3 : c.answers * 3);
+    EXPECT_EQ(zone.StandardDate(c.asked),
+              standard ? Relative(1, 0, 1, 0) : Absolute(c.answers, 4, 1));
+    EXPECT_EQ(zone.DaylightDate(c.asked),
+              standard ? Relative(2, 0, 1, 0) : Absolute(c.answers, 5, 1));
+  }
+}
+
+TEST(clsTimeZone, MissingEndRulesFallBackToTheStandardOne) {
+  clsTimeZone zone;
+  zone.StandardRule.Bias = 7;
+  zone.FirstTZI = 2000;
+  zone.LastTZI = 2010;
+  zone.AddDynamicTZI(2005).Bias = 8;
+  EXPECT_EQ(zone.Bias(1999), 7);
+  EXPECT_EQ(zone.Bias(2005), 8);
+  EXPECT_EQ(zone.Bias(2011), 7);
+}
+
+TEST(clsTimeZone, AddedRulesAreEmpty) {
+  clsTimeZone zone;
+  zone.AddDynamicTZI(2005).Bias = 8;
+  EXPECT_EQ(zone.AddDynamicTZI(2005), clsTimeZoneInformation());
+  zone.AddDynamicTZI(-1);
+  EXPECT_EQ(zone.DynamicTZI.size(), 2u);
+  EXPECT_EQ(zone.DynamicTZI.count("2005"), 1u);
+  EXPECT_EQ(zone.DynamicTZI.count("-1"), 1u);
+}
+
+TEST(clsTimeZone, OnlyTheStandardRuleSaysWhetherThereIsDaylightTime) {
+  clsTimeZone zone;
+  zone.FirstTZI = zone.LastTZI = 2026;
+  zone.AddDynamicTZI(2026) = EasternRule();
+  EXPECT_FALSE(zone.ObserveDST());
+  zone.StandardRule.StandardDate.wMonth = 11;
+  EXPECT_FALSE(zone.ObserveDST());
+  zone.StandardRule.DaylightDate.wMonth = 3;
+  EXPECT_TRUE(zone.ObserveDST());
+}
+
+}  // namespace
+}  // namespace wattlark

@@ -1,0 +1,303 @@
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "timezone/Zones.h"
+#include "timezone/modTimeZone.h"
+#include "twins/HandClock.h"
+
+namespace wattlark {
+namespace {
+
+clsTimeZone ZoneOf(const clsTimeZoneInformation& rule) {
+  clsTimeZone zone;
+  zone.StandardRule = rule;
+  return zone;
+}
+
+struct Transition {
+  const char* name;
+  clsSystemTime rule;
+  int year;
+  const char* expected;  ///< empty for "never"
+};
+
+class TransitionDateOf : public testing::TestWithParam<Transition> {};
+
+TEST_P(TransitionDateOf, IsAsInTheCalendar) {
+  EXPECT_EQ(TransitionDate(GetParam().year, GetParam().rule).ToIso(), GetParam().expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, TransitionDateOf,
+    testing::Values(
+        Transition{"SecondSunday", Relative(3, 0, 2, 2), 2026, "2026-03-08T02:00:00"},
+        Transition{"MonthBeginsOnTheDay", Relative(11, 0, 1, 2), 2026, "2026-11-01T02:00:00"},
+        Transition{"FirstSaturday", Relative(11, 6, 1, 0), 2026, "2026-11-07T00:00:00"},
+        Transition{"LastOfFive", Relative(3, 0, 5, 1), 2026, "2026-03-29T01:00:00"},
+        Transition{"LastOfFour", Relative(10, 0, 5, 1), 2026, "2026-10-25T01:00:00"},
+        Transition{"FourthOfFive", Relative(3, 0, 4, 1), 2026, "2026-03-22T01:00:00"},
+        Transition{"February", Relative(2, 0, 5, 0), 2026, "2026-02-22T00:00:00"},
+        Transition{"LeapDay", Relative(2, 0, 5, 0), 2004, "2004-02-29T00:00:00"},
+        Transition{"December", Relative(12, 4, 5, 0), 2026, "2026-12-31T00:00:00"},
+        Transition{"TimeOfDay", {0, 3, 0, 2, 23, 59, 58, 999}, 2026, "2026-03-08T23:59:58"},
+        Transition{"EndOfDay", Relative(3, 0, 2, 24), 2026, "2026-03-09T00:00:00"},
+        Transition{"Absolute", {2024, 2, 1, 29, 4, 5, 6, 7}, 2026, "2024-02-29T04:05:06"},
+        Transition{"AbsoluteIgnoresTheWeekday",
+                   {2026, 6, 99, 15, 0, 0, 0, 0},
+                   2026,
+                   "2026-06-15T00:00:00"},
+        Transition{"NoMonth", {2026, 0, 0, 1, 0, 0, 0, 0}, 2026, ""},
+        Transition{"NoSuchMonth", Relative(13, 0, 1, 0), 2026, ""},
+        Transition{"NoSuchWeekday", Relative(3, 7, 1, 0), 2026, ""},
+        Transition{"OccurrenceZero", Relative(3, 0, 0, 0), 2026, ""},
+        Transition{"OccurrenceSix", Relative(3, 0, 6, 0), 2026, ""},
+        Transition{"NoSuchDate", Absolute(2026, 2, 29), 2026, ""},
+        Transition{"NoSuchYear", Absolute(10000, 1, 1), 2026, ""},
+        Transition{"RelativeInNoYear", Relative(3, 0, 1, 0), 10000, ""},
+        Transition{
+            "AllBitsSet", {65535, 65535, 65535, 65535, 65535, 65535, 65535, 65535}, 2026, ""}),
+    [](const auto& test) { return test.param.name; });
+
+struct Conversion {
+  const char* local;
+  const char* utc;
+};
+
+class Eastern : public testing::TestWithParam<Conversion> {};
+
+TEST_P(Eastern, LocalToUTC) {
+  EXPECT_EQ(LocalToUTC(At(GetParam().local), ZoneOf(EasternRule())).ToIso(), GetParam().utc);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, Eastern,
+    testing::Values(Conversion{"2026-07-01T12:00:00", "2026-07-01T16:00:00"},
+                    Conversion{"2026-12-01T12:00:00", "2026-12-01T17:00:00"},
+                    Conversion{"2026-11-16T20:10:00", "2026-11-17T01:10:00"},
+                    Conversion{"2026-12-31T20:00:00", "2027-01-01T01:00:00"},
+                    Conversion{"2026-03-08T01:59:59", "2026-03-08T06:59:59"},
+                    Conversion{"2026-03-08T02:00:00", "2026-03-08T06:00:00"},
+                    Conversion{"2026-03-08T03:00:00", "2026-03-08T07:00:00"},
+                    // Within 0.864 s of the change a time counts as behind it.
+                    Conversion{"2026-03-08T01:59:59.136", "2026-03-08T06:59:59.136"},
+                    Conversion{"2026-03-08T01:59:59.137", "2026-03-08T05:59:59.137"},
+                    Conversion{"2026-11-01T00:59:59", "2026-11-01T04:59:59"},
+                    Conversion{"2026-11-01T01:30:00", "2026-11-01T05:30:00"},
+                    Conversion{"2026-11-01T01:59:59.135", "2026-11-01T05:59:59.135"},
+                    Conversion{"2026-11-01T01:59:59.136", "2026-11-01T06:59:59.136"},
+                    Conversion{"2026-11-01T02:00:00", "2026-11-01T07:00:00"},
+                    // The dates are those of the time's own year.
+                    Conversion{"2024-03-10T12:00:00", "2024-03-10T16:00:00"},
+                    Conversion{"2024-03-09T12:00:00", "2024-03-09T17:00:00"}));
+
+TEST(IsDaylightTime, OnlyTheRepeatedHourIsInDoubt) {
+  const clsTimeZone zone = ZoneOf(EasternRule());
+  struct Case {
+    const char* local;
+    bool asDaylight;
+    bool asStandard;
+  };
+  for (const Case& c :
+       {Case{"2026-11-01T00:59:59.136", true, true}, Case{"2026-11-01T00:59:59.137", true, false},
+        Case{"2026-11-01T01:59:59.135", true, false}, Case{"2026-11-01T01:59:59.136", false, false},
+        Case{"2026-07-01T00:00:00", true, true}, Case{"2026-01-01T00:00:00", false, false}}) {
+    EXPECT_EQ(IsDaylightTime(At(c.local), zone, false), c.asDaylight) << c.local;
+    EXPECT_EQ(IsDaylightTime(At(c.local), zone, true), c.asStandard) << c.local;
+  }
+}
+
+TEST(IsDaylightTime, SpanOverTheNewYearIsNotSeen) {
+  // Sydney's law: from the first Sunday of October to the first of April.
+  const clsTimeZone zone = ZoneOf({-600, 0, -60, Relative(4, 0, 1, 3), Relative(10, 0, 1, 2)});
+  EXPECT_EQ(LocalToUTC(At("2026-01-15T12:00:00"), zone), At("2026-01-15T02:00:00"));
+  EXPECT_EQ(LocalToUTC(At("2026-07-15T12:00:00"), zone), At("2026-07-15T02:00:00"));
+  EXPECT_EQ(LocalToUTC(At("2026-12-15T12:00:00"), zone), At("2026-12-15T02:00:00"));
+}
+
+TEST(IsDaylightTime, YearsWithoutAnEndHaveNone) {
+  clsTimeZone zone = ZoneOf(EasternRule());
+  zone.FirstTZI = zone.LastTZI = 2026;
+  zone.AddDynamicTZI(2026) = {300, 0, -60, {}, Relative(3, 0, 2, 2)};
+  EXPECT_FALSE(IsDaylightTime(At("2026-07-01T12:00:00"), zone, false));
+}
+
+TEST(LocalToUTC, TakesTheBiasOfNoYearAndTheDaylightBiasOfItsOwn) {
+  clsTimeZone zone = ZoneOf(EasternRule());
+  zone.FirstTZI = zone.LastTZI = 2026;
+  zone.AddDynamicTZI(2026) = {9999, 8888, -30, Relative(11, 0, 1, 2), Relative(3, 0, 2, 2)};
+  EXPECT_EQ(LocalToUTC(At("2026-12-01T12:00:00"), zone), At("2026-12-01T17:00:00"));
+  EXPECT_EQ(LocalToUTC(At("2026-07-01T12:00:00"), zone), At("2026-07-01T16:30:00"));
+}
+
+TEST(LocalToUTC, NeverStaysNever) {
+  EXPECT_TRUE(LocalToUTC(DateTime(), ZoneOf(EasternRule())).IsNever());
+}
+
+TEST(LocalToUTC, SurvivesAnyBias) {
+  constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
+  constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
+  const DateTime winter = At("2026-01-01T00:00:00");
+  clsTimeZoneInformation rule = EasternRule();
+  rule.Bias = rule.DaylightBias = kMost;
+  EXPECT_EQ(LocalToUTC(winter, ZoneOf(rule)), winter.PlusMinutes(kMost));
+  // With such a bias all times before the end of daylight time are repeated ones.
+  rule.Bias = rule.DaylightBias = kLeast;
+  EXPECT_EQ(LocalToUTC(winter, ZoneOf(rule)), winter.PlusMinutes(std::int64_t{2} * kLeast));
+}
+
+class GetTimeZoneByNameTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    stored_.Write("Display", StoredZone::Text("(UTC-05:00) Eastern"));
+    stored_.Write("Std", StoredZone::Text(std::string("Eastern Standard Time\0", 22)));
+    stored_.Write("Dlt", StoredZone::Text("Eastern Daylight Time"));
+    stored_.Write("MapID", StoredZone::Text("12,13"));
+    stored_.Write("Index", StoredZone::Number(35));
+    stored_.Write("TZI", StoredZone::Rule(EasternRule()));
+    stored_.WriteYear("FirstEntry", StoredZone::Number(2006));
+    stored_.WriteYear("LastEntry", StoredZone::Number(2008));
+    for (const int year : {2006, 2007, 2008}) {
+      stored_.WriteYear(std::to_string(year), StoredZone::RuleWithBias(year));
+    }
+  }
+  clsTimeZone Read(const std::string& name = "Eastern Standard Time") {
+    return GetTimeZoneByName(modRegistry(stored_.Store()), name);
+  }
+
+  StoredZone stored_{"Eastern Standard Time"};
+};
+
+TEST_F(GetTimeZoneByNameTest, ReadsEverything) {
+  const clsTimeZone zone = Read("  Eastern Standard Time ");
+  EXPECT_EQ(zone.DisplayName, "(UTC-05:00) Eastern");
+  EXPECT_EQ(zone.StandardName, "Eastern Standard Time");
+  EXPECT_EQ(zone.DaylightName, "Eastern Daylight Time");
+  EXPECT_EQ(zone.MapID, "12,13");
+  EXPECT_EQ(zone.Index, 35);
+  EXPECT_EQ(zone.StandardRule, EasternRule());
+  EXPECT_EQ(zone.FirstTZI, 2006);
+  EXPECT_EQ(zone.LastTZI, 2008);
+  EXPECT_EQ(zone.DynamicTZI.size(), 3u);
+  for (const int year : {2006, 2007, 2008}) EXPECT_EQ(zone.Bias(year), year);
+}
+
+TEST_F(GetTimeZoneByNameTest, UnknownNamesGiveAnEmptyZone) {
+  for (const char* name :
+       {"Nowhere", "", "\\", "..\\..", "Eastern Standard Time\\Dynamic DST\\x"}) {
+    const clsTimeZone zone = Read(name);
+    EXPECT_EQ(zone.DisplayName + zone.StandardName + zone.DaylightName + zone.MapID, "") << name;
+    EXPECT_FALSE(zone.ObserveDST()) << name;
+    EXPECT_EQ(LocalToUTC(At("2026-07-01T12:00:00"), zone), At("2026-07-01T12:00:00")) << name;
+  }
+}
+
+TEST_F(GetTimeZoneByNameTest, MissingTextsAreNoObstacle) {
+  for (const char* name : {"Display", "Std", "Dlt", "MapID", "Index"}) {
+    stored_.Write(name, {RegistryType::Binary, {1, 2}});
+  }
+  const clsTimeZone zone = Read();
+  EXPECT_EQ(zone.DisplayName + zone.StandardName + zone.DaylightName + zone.MapID, "");
+  EXPECT_EQ(zone.Index, 0);
+  EXPECT_EQ(zone.DynamicTZI.size(), 3u);
+}
+
+TEST_F(GetTimeZoneByNameTest, BrokenStandardRuleEndsTheReading) {
+  std::vector<RegistryValue> broken = {StoredZone::Text(std::string(44, 'x')),
+                                       StoredZone::Number(44)};
+  for (const std::size_t length : {std::size_t{0}, std::size_t{43}, std::size_t{45}}) {
+    broken.push_back({RegistryType::Binary, std::vector<std::uint8_t>(length, 1)});
+  }
+  for (const RegistryValue& value : broken) {
+    stored_.Write("TZI", value);
+    const clsTimeZone zone = Read();
+    EXPECT_EQ(zone.Index, 35);
+    EXPECT_EQ(zone.StandardRule, clsTimeZoneInformation());
+    EXPECT_EQ(zone.FirstTZI, 0);
+    EXPECT_TRUE(zone.DynamicTZI.empty());
+  }
+}
+
+TEST_F(GetTimeZoneByNameTest, BrokenYearEndsTheReadingAndLeavesTheYearsBefore) {
+  stored_.WriteYear("2007", {RegistryType::Binary, std::vector<std::uint8_t>(43, 1)});
+  const clsTimeZone zone = Read();
+  EXPECT_EQ(zone.DynamicTZI.size(), 1u);
+  EXPECT_EQ(zone.Bias(2006), 2006);
+  EXPECT_EQ(zone.Bias(2007), 300);
+  EXPECT_EQ(zone.Bias(2008), 300);
+}
+
+TEST_F(GetTimeZoneByNameTest, BrokenSpanOfYearsLeavesTheStandardRule) {
+  struct Case {
+    RegistryValue first;
+    RegistryValue last;
+  };
+  for (const Case& c : {Case{StoredZone::Text("2006"), StoredZone::Number(2008)},
+                        Case{StoredZone::Number(2006), StoredZone::Text("2008")},
+                        Case{{RegistryType::DWord, {1, 2, 3}}, StoredZone::Number(2008)},
+                        Case{StoredZone::Number(2009), StoredZone::Number(2006)},
+                        Case{StoredZone::Number(2005), StoredZone::Number(2008)},
+                        Case{StoredZone::Number(0), StoredZone::Number(4'000'000'000)},
+                        Case{StoredZone::Number(0), StoredZone::Number(2'000'000'000)},
+                        Case{StoredZone::Number(0x80000000), StoredZone::Number(0x7FFFFFFF)}}) {
+    stored_.WriteYear("FirstEntry", c.first);
+    stored_.WriteYear("LastEntry", c.last);
+    const clsTimeZone zone = Read();
+    EXPECT_TRUE(zone.DynamicTZI.empty());
+    EXPECT_EQ(LocalToUTC(At("2007-07-01T12:00:00"), zone), At("2007-07-01T16:00:00"));
+  }
+}
+
+/// Has a rule for whatever year it is asked for, from 0 to the largest number.
+class EndlessYears final : public Registry {
+ public:
+  std::optional<RegistryValue> Read(Hive, const std::string&, const std::string& name) override {
+    if (name == "FirstEntry") return StoredZone::Number(0);
+    if (name == "LastEntry") return StoredZone::Number(0x7FFFFFFF);
+    return StoredZone::Rule(EasternRule());
+  }
+  bool KeyExists(Hive, const std::string&) override { return true; }
+  std::vector<std::string> SubKeys(Hive, const std::string&) override { return {}; }
+  std::vector<NamedRegistryValue> Values(Hive, const std::string&) override { return {}; }
+  bool CreateKey(Hive, const std::string&) override { return false; }
+  bool DeleteKey(Hive, const std::string&) override { return false; }
+  bool Write(Hive, const std::string&, const std::string&, const RegistryValue&) override {
+    return false;
+  }
+  bool DeleteValue(Hive, const std::string&, const std::string&) override { return false; }
+  bool Begin() override { return false; }
+  bool Commit() override { return false; }
+  void Rollback() override {}
+  std::string ErrorText() const override { return {}; }
+};
+
+TEST(GetTimeZoneByName, EndsHoweverManyYearsThereAre) {
+  EndlessYears registry;
+  const clsTimeZone zone = GetTimeZoneByName(modRegistry(registry), "Eastern Standard Time");
+  EXPECT_EQ(zone.DynamicTZI.size(), 10'000u);
+  EXPECT_EQ(LocalToUTC(At("2026-07-01T12:00:00"), zone), At("2026-07-01T16:00:00"));
+}
+
+class FixedSource final : public TimeZoneSource {
+ public:
+  explicit FixedSource(Registry& zones) : zones_(zones) {}
+  std::optional<std::string> name;
+
+  std::optional<std::string> CurrentZone() override { return name; }
+  Registry& Zones() override { return zones_; }
+
+ private:
+  Registry& zones_;
+};
+
+TEST_F(GetTimeZoneByNameTest, CurrentZoneIsTheOneThatTheSystemNames) {
+  FixedSource source(stored_.Store());
+  EXPECT_FALSE(GetCurrentTimeZone(source));
+  source.name = "Eastern Standard Time";
+  const auto zone = GetCurrentTimeZone(source);
+  ASSERT_TRUE(zone);
+  EXPECT_EQ(zone->DisplayName, "(UTC-05:00) Eastern");
+}
+
+}  // namespace
+}  // namespace wattlark
