@@ -1,0 +1,234 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "timezone/TimeZoneRegistry.h"
+#include "timezone/TimeZoneRules.h"
+#include "timezone/modTimeZone.h"
+#include "twins/HandClock.h"
+
+namespace wattlark {
+namespace {
+
+struct Change {
+  const char* utc;
+  int offset;
+};
+
+ZoneOffsets Zone(int firstOffset, const std::vector<Change>& changes) {
+  ZoneOffsets zone;
+  zone.firstOffset = firstOffset;
+  for (const Change& change : changes) zone.changes.push_back({At(change.utc), change.offset});
+  return zone;
+}
+
+/// Rules made at `now`, as a conversion reads them.
+clsTimeZone RulesAt(const ZoneOffsets& zone, int firstYear, int lastYear, DateTime now) {
+  TimeZoneRegistry registry;
+  registry.Serve("Test/Zone", {}, MakeTimeZoneRules(zone, firstYear, lastYear, now));
+  return GetTimeZoneByName(modRegistry(registry), "Test/Zone");
+}
+
+int OffsetAt(const ZoneOffsets& zone, DateTime utc) {
+  int offset = zone.firstOffset;
+  for (const OffsetChange& change : zone.changes) {
+    if (change.utc <= utc) offset = change.offset;
+  }
+  return offset;
+}
+
+bool IsRepeated(const ZoneOffsets& zone, DateTime local) {
+  int before = zone.firstOffset;
+  for (const OffsetChange& change : zone.changes) {
+    if (local >= change.utc.PlusMinutes(change.offset) && local < change.utc.PlusMinutes(before)) {
+      return true;
+    }
+    before = change.offset;
+  }
+  return false;
+}
+
+/// The moments (UTC) of a span: every hour, and on either side of each change.
+std::vector<DateTime> Moments(const ZoneOffsets& zone, DateTime from, DateTime to) {
+  std::vector<DateTime> moments;
+  for (DateTime utc = from; utc < to; utc = utc.PlusHours(1)) moments.push_back(utc);
+  for (const OffsetChange& change : zone.changes) {
+    for (const int milliseconds : {-1000, -1, 0, 1, 1000}) {
+      const DateTime utc = change.utc.PlusMilliseconds(milliseconds);
+      if (utc >= from && utc < to) moments.push_back(utc);
+    }
+  }
+  return moments;
+}
+
+void ExpectRight(const ZoneOffsets& zone, const clsTimeZone& rules, DateTime utc) {
+  const DateTime local = utc.PlusMinutes(OffsetAt(zone, utc));
+  if (IsRepeated(zone, local)) return;
+  ASSERT_EQ(LocalToUTC(local, rules).ToIso(), utc.ToIso()) << "local time " << local.ToIso();
+}
+
+struct WholeYears {
+  const char* name;
+  ZoneOffsets zone;
+  int firstYear;  ///< right from here
+  int lastYear;   ///< to the end of this year
+};
+
+class RulesOfWholeYears : public testing::TestWithParam<WholeYears> {};
+
+TEST_P(RulesOfWholeYears, AreRightWheneverTheyWereMade) {
+  const WholeYears& c = GetParam();
+  const DateTime from = *DateTime::FromCivil({.year = c.firstYear});
+  const DateTime to = *DateTime::FromCivil({.year = c.lastYear + 1});
+  for (const char* now : {"2026-01-01T00:00:00", "2026-04-30T12:00:00", "2026-07-01T12:00:00",
+                          "2026-12-31T23:59:59"}) {
+    const clsTimeZone rules = RulesAt(c.zone, c.firstYear, c.lastYear, At(now));
+    EXPECT_EQ(rules.FirstTZI, c.firstYear);
+    EXPECT_EQ(rules.LastTZI, c.lastYear);
+    for (const DateTime utc : Moments(c.zone, from.PlusMinutes(-c.zone.firstOffset),
+                                      to.PlusMinutes(-OffsetAt(c.zone, to)))) {
+      ExpectRight(c.zone, rules, utc);
+      if (HasFatalFailure()) return;
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, RulesOfWholeYears,
+    testing::Values(
+        WholeYears{"Constant", Zone(345, {}), 2025, 2027},
+        WholeYears{"NorthernSummer",
+                   Zone(-300, {{"2025-03-09T07:00:00", -240},
+                               {"2025-11-02T06:00:00", -300},
+                               {"2026-03-08T07:00:00", -240},
+                               {"2026-11-01T06:00:00", -300}}),
+                   2025, 2027},
+        WholeYears{"SouthernSummer",
+                   Zone(660, {{"2025-04-05T16:00:00", 600},
+                              {"2025-10-04T16:00:00", 660},
+                              {"2026-04-04T16:00:00", 600},
+                              {"2026-10-03T16:00:00", 660}}),
+                   2025, 2027},
+        WholeYears{"HalfHourSummer",
+                   Zone(660, {{"2026-04-04T15:00:00", 630}, {"2026-10-03T15:30:00", 660}}), 2026,
+                   2026},
+        WholeYears{"ForwardForGood", Zone(60, {{"2026-06-01T00:00:00", 120}}), 2025, 2027},
+        WholeYears{"BackForGood", Zone(60, {{"2026-06-01T00:00:00", -120}}), 2025, 2027},
+        WholeYears{"SummersEndForGood",
+                   Zone(60, {{"2024-03-31T01:00:00", 120},
+                             {"2024-10-27T01:00:00", 60},
+                             {"2025-03-30T01:00:00", 120},
+                             {"2025-10-26T01:00:00", 60},
+                             {"2026-03-29T01:00:00", 120}}),
+                   2024, 2028},
+        WholeYears{"SummersBegin",
+                   Zone(120, {{"2026-10-25T01:00:00", 60},
+                              {"2027-03-28T01:00:00", 120},
+                              {"2027-10-31T01:00:00", 60}}),
+                   2025, 2028},
+        WholeYears{"OtherOffsetInEachYear",
+                   Zone(180, {{"2025-12-31T21:00:00", 240}, {"2026-12-31T20:00:00", 120}}), 2025,
+                   2027},
+        WholeYears{"AnHourForwardAtTheNewYear", Zone(-60, {{"2026-01-01T00:30:00", 0}}), 2025,
+                   2026},
+        WholeYears{"DayLeftOutBeforeTheNewYear", Zone(-600, {{"2026-12-31T10:00:00", 840}}), 2025,
+                   2027},
+        WholeYears{"ChangeOfNameAlone",
+                   Zone(60, {{"2026-03-29T01:00:00", 120},
+                             {"2026-05-01T01:00:00", 120},
+                             {"2026-10-25T01:00:00", 60}}),
+                   2026, 2026}),
+    [](const auto& test) { return test.param.name; });
+
+// Three offsets and more changes than a rule can show.
+ZoneOffsets RestlessZone() {
+  return Zone(60, {{"2026-01-10T02:00:00", 0},
+                   {"2026-02-10T02:00:00", 60},
+                   {"2026-05-01T00:00:00", 720},
+                   {"2026-09-01T00:00:00", -720},
+                   {"2026-12-26T02:00:00", 0},
+                   {"2026-12-30T02:00:00", 60}});
+}
+
+TEST(TimeZoneRules, AreRightForTheMomentTheyAreMadeAtWhateverTheZoneDoes) {
+  const ZoneOffsets zone = RestlessZone();
+  for (const DateTime utc : Moments(zone, At("2026-01-01T00:00:00"), At("2027-01-01T00:00:00"))) {
+    const DateTime local = utc.PlusMinutes(OffsetAt(zone, utc));
+    ExpectRight(zone, RulesAt(zone, 2025, 2027, local), utc);
+    if (HasFatalFailure()) return;
+  }
+}
+
+TEST(TimeZoneRules, KeepAsMuchOfThePresentYearAsCanBeKept) {
+  // Two fasting months in one year: the ten days of the second are the least to lose, unless it is
+  // the present one.
+  const ZoneOffsets zone = Zone(60, {{"2030-01-20T02:00:00", 0},
+                                     {"2030-02-10T02:00:00", 60},
+                                     {"2030-12-22T02:00:00", 0},
+                                     {"2031-01-26T02:00:00", 60}});
+  const clsTimeZone summer = RulesAt(zone, 2029, 2031, At("2030-07-01T12:00:00"));
+  for (const DateTime utc : Moments(zone, At("2029-01-01T00:00:00"), At("2030-12-22T02:00:00"))) {
+    ExpectRight(zone, summer, utc);
+    if (HasFatalFailure()) return;
+  }
+  const clsTimeZone winter = RulesAt(zone, 2029, 2031, At("2030-12-24T12:00:00"));
+  for (const DateTime utc : Moments(zone, At("2030-01-20T02:00:00"), At("2031-12-31T00:00:00"))) {
+    ExpectRight(zone, winter, utc);
+    if (HasFatalFailure()) return;
+  }
+}
+
+TEST(TimeZoneRules, RepeatedTimesAreThoseBeforeTheChange) {
+  const ZoneOffsets southern =
+      Zone(660, {{"2026-04-04T16:00:00", 600}, {"2026-10-03T16:00:00", 660}});
+  const clsTimeZone rules = RulesAt(southern, 2025, 2027, At("2026-04-05T02:30:00"));
+  EXPECT_EQ(LocalToUTC(At("2026-04-05T02:30:00"), rules), At("2026-04-04T15:30:00"));
+  const ZoneOffsets northern =
+      Zone(-300, {{"2026-03-08T07:00:00", -240}, {"2026-11-01T06:00:00", -300}});
+  EXPECT_EQ(LocalToUTC(At("2026-11-01T01:30:00"),
+                       RulesAt(northern, 2025, 2027, At("2026-11-01T01:30:00"))),
+            At("2026-11-01T05:30:00"));
+}
+
+TEST(TimeZoneRules, TimesOutsideTheYearsTakeTheNearest) {
+  const ZoneOffsets zone =
+      Zone(-300, {{"2026-03-08T07:00:00", -240}, {"2026-11-01T06:00:00", -300}});
+  for (const char* now : {"1999-07-01T00:00:00", "2050-07-01T00:00:00"}) {
+    const clsTimeZone rules = RulesAt(zone, 2026, 2026, At(now));
+    EXPECT_EQ(LocalToUTC(At("2026-07-01T12:00:00"), rules), At("2026-07-01T16:00:00")) << now;
+    EXPECT_EQ(LocalToUTC(At("2026-12-01T12:00:00"), rules), At("2026-12-01T17:00:00")) << now;
+  }
+}
+
+TEST(TimeZoneRegistry, HasOneZoneAndRefusesChanges) {
+  TimeZoneRegistry registry;
+  constexpr Hive kMachine = Hive::LocalMachine;
+  const std::string root = "Software\\Microsoft\\Windows NT\\CurrentVersion\\Time Zones";
+  EXPECT_FALSE(registry.KeyExists(kMachine, root));
+  registry.Serve("Old/Zone", {}, {});
+  registry.Serve("New/Zone", {"shown", "standard", "daylight"}, {{}, 2025, {{}, {}}});
+  EXPECT_EQ(
+      registry.SubKeys(kMachine, "SOFTWARE\\microsoft\\windows nt\\currentversion\\TIME zones"),
+      std::vector<std::string>{"New/Zone"});
+  EXPECT_EQ(registry.SubKeys(kMachine, root + "\\New/Zone"),
+            std::vector<std::string>{"Dynamic DST"});
+  EXPECT_FALSE(registry.KeyExists(Hive::CurrentUser, root));
+  EXPECT_TRUE(registry.Values(kMachine, root).empty());
+  EXPECT_EQ(registry.Values(kMachine, root + "\\New/Zone\\Dynamic DST").size(), 4u);
+
+  EXPECT_FALSE(registry.Write(kMachine, root + "\\New/Zone", "Std", {}));
+  EXPECT_FALSE(registry.DeleteValue(kMachine, root + "\\New/Zone", "Std"));
+  EXPECT_FALSE(registry.DeleteKey(kMachine, root + "\\New/Zone\\Dynamic DST"));
+  EXPECT_FALSE(registry.CreateKey(kMachine, "Software\\Other"));
+  EXPECT_FALSE(registry.Begin());
+  EXPECT_NE(registry.ErrorText(), "");
+  const clsTimeZone zone = GetTimeZoneByName(modRegistry(registry), "new/zone");
+  EXPECT_EQ(zone.DisplayName, "shown");
+  EXPECT_EQ(zone.StandardName, "standard");
+  EXPECT_EQ(zone.DaylightName, "daylight");
+  EXPECT_EQ(zone.LastTZI, 2026);
+}
+
+}  // namespace
+}  // namespace wattlark
