@@ -4,13 +4,24 @@ namespace wattlark {
 
 namespace {
 
-constexpr std::size_t kMostLines = 1000;  // a device that fails every second must not fill memory
+// Neither a device that fails every second nor a server that answers at length may fill memory.
+constexpr std::size_t kMostLines = 1000;
+constexpr std::size_t kMostBytes = 1024 * 1024;
 
 }  // namespace
 
 void ErrorList::Add(const std::string& text, DateTime moment) {
-  if (lines_.size() == kMostLines) lines_.pop_front();
   lines_.push_back(FormatDateAndTime(regional_, moment) + ": " + text + "\r\n");
+  bytes_ += lines_.back().size();
+  while (lines_.size() > 1 && (lines_.size() > kMostLines || bytes_ > kMostBytes)) {
+    bytes_ -= lines_.front().size();
+    lines_.pop_front();
+  }
+}
+
+void ErrorList::Clear() {
+  lines_.clear();
+  bytes_ = 0;
 }
 
 std::string ErrorList::Text() const {

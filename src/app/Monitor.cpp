@@ -3,7 +3,7 @@
 #include <exception>
 
 #include "app/CaptureWriter.h"
-#include "publish/CSVLogger.h"
+#include "app/WebPublishers.h"
 
 namespace wattlark {
 
@@ -35,11 +35,11 @@ Monitor::Monitor(const Ports& ports, const RegionalSettings& regional, Options o
       profile_(regional_),
       decoder_(readClock_),
       errors_(regional_) {
-  schedule_.Add({&AppSettings::LogToCSV, &AppSettings::CSVInterval, DueUnit::Seconds,
-                 [this](DateTime timestamp, bool useAverage, bool quiet) {
-                   return WriteCSVLog(timestamp, useAverage, quiet);
-                 },
-                 DateTime()});
+  if (ports_.web != nullptr) {
+    web_ = std::make_unique<WebPublishers>(*ports_.web, profile_, regional_, ports_.prompts,
+                                           [this](const std::string& text) { SetInfoText(text); });
+  }
+  AddDestinations();
 }
 
 Monitor::~Monitor() = default;
@@ -204,44 +204,25 @@ void Monitor::ReopenLostPort(std::uint32_t ticks) {
 void Monitor::ShowAlarmNotices(DateTime now) {
   std::string text;
   RaiseAlarmNotice(profile_.Total(), now, text);
-  for (const auto& meter : profile_.Meters()) RaiseAlarmNotice(*meter, now, text);
+  // Posting an alarm lets events run: the user may add and remove meters meanwhile.
+  std::vector<std::int16_t> addresses;
+  for (const auto& meter : profile_.Meters()) addresses.push_back(meter->XBeeAddress());
+  for (const std::int16_t address : addresses) {
+    clsKillAWatt* meter = profile_.Meters().FindAddress(address);
+    if (meter != nullptr) RaiseAlarmNotice(*meter, now, text);
+  }
 }
 
 void Monitor::RaiseAlarmNotice(clsKillAWatt& meter, DateTime now, std::string& text) {
   if (!meter.Alarm().AlarmTriggered() || !meter.Alarm().AlarmRepeatDue()) return;
   meter.Alarm().ResetAlarmInterval();
   ports_.desktop.PlayWave(options_.noticeSoundFile);
-  if (!listener_.CanShowNotice()) return;
-  const std::string line = AlarmNoticeLine(meter, regional_);
-  text += line + "\r\n";
-  listener_.OnAlarmNotice({now, meter.Name(), line, text});
-}
-
-bool Monitor::WriteCSVLog(DateTime timestamp, bool useAverage, bool quiet) {
-  return Publish(
-      [&] {
-        return LogToCSVFile(profile_.Settings(), profile_.Meters(), regional_, timestamp,
-                            useAverage);
-      },
-      quiet);
-}
-
-bool Monitor::Publish(const std::function<PublishResult()>& run, bool quiet) {
-  const bool timerWasEnabled = timerEnabled_;
-  SetUpdateTimer(false);
-  PublishResult result;
-  try {
-    result = run();
-  } catch (const std::exception& error) {
-    result = {false, error.what()};
+  if (listener_.CanShowNotice()) {
+    const std::string line = AlarmNoticeLine(meter, regional_);
+    text += line + "\r\n";
+    listener_.OnAlarmNotice({now, meter.Name(), line, text});
   }
-  if (result.success) {
-    SetInfoText(result.text);
-  } else {
-    ReportError(result.text, DateTime(), quiet);
-  }
-  SetUpdateTimer(timerWasEnabled);
-  return result.success;
+  PostAlarm(meter, now);
 }
 
 void Monitor::SetUpdateTimer(bool enabled) {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -20,7 +21,10 @@
 namespace wattlark {
 
 class CaptureWriter;
+class WebPublishers;
+enum class PublishTarget;
 struct PublishResult;
+struct WebPorts;
 
 /// Picture of the status bar's "COMM" panel.
 enum class CommImage { Receiving, Idle };
@@ -76,6 +80,7 @@ class Monitor {
     RandomSource& random;
     Desktop& desktop;
     Prompts& prompts;
+    const WebPorts* web = nullptr;  ///< null keeps this run off the web
   };
   struct Options {
     std::string csvFilenameDefault;
@@ -109,6 +114,10 @@ class Monitor {
   /// Appends one line to the CSV log, stamped with `timestamp`; the status bar, or the error list,
   /// says how that went. True when the line was written.
   bool WriteCSVLog(DateTime timestamp, bool useAverage, bool quiet);
+  /// Publishes the current loads to one destination now, whatever the schedule says. Pending events
+  /// run while a web server is waited for; only when not `quiet` is the user asked for missing
+  /// credentials, and shown an error in a message box.
+  PublishResult PublishNow(PublishTarget target, bool quiet);
 
   /// Opens the port with the present settings unless demo mode is on; a failure leaves it closed.
   void OpenPort();
@@ -156,7 +165,10 @@ class Monitor {
   void ReopenLostPort(std::uint32_t ticks);
   void ShowAlarmNotices(DateTime now);
   void RaiseAlarmNotice(clsKillAWatt& meter, DateTime now, std::string& text);
-  bool Publish(const std::function<PublishResult()>& run, bool quiet);
+  void AddDestinations();
+  PublishResult PublishTo(PublishTarget target, DateTime timestamp, bool useAverage, bool quiet);
+  void PostAlarm(const clsKillAWatt& meter, DateTime now);
+  PublishResult Publish(const std::function<PublishResult()>& run, bool quiet);
   void SetUpdateTimer(bool enabled);
   void TellLoadProblems();
   void Tell(const std::string& text, const std::string& caption);
@@ -170,6 +182,7 @@ class Monitor {
   ReadClock readClock_;
   clsXBee decoder_;
   PublishSchedule schedule_;
+  std::unique_ptr<WebPublishers> web_;
   ErrorList errors_;
   CaptureWriter* recorder_ = nullptr;
   std::uint64_t deliveredFrames_ = 0;

@@ -30,6 +30,9 @@ ProfileData::ProfileData(const RegionalSettings& regional) : regional_(regional)
 void ProfileData::Load(modRegistry& store, const std::string& csvFilenameDefault, DateTime now) {
   text_ = StoreText::Load(store, regional_);
   problems_ = LoadAppSettings(store, text_, csvFilenameDefault, settings_);
+  for (std::string& problem : LoadServiceEndpoints(store, endpoints_)) {
+    problems_.push_back(std::move(problem));
+  }
   LoadMeters(store);
   LoadTotal(store, now);
 }

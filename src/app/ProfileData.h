@@ -6,6 +6,7 @@
 
 #include "acquisition/MeterCollection.h"
 #include "config/AppSettings.h"
+#include "config/ServiceEndpoints.h"
 #include "config/StoreText.h"
 #include "support/RegionalSettings.h"
 
@@ -32,6 +33,8 @@ class ProfileData {
 
   AppSettings& Settings() { return settings_; }
   const AppSettings& Settings() const { return settings_; }
+  /// Read once, by `Load`.
+  const ServiceEndpoints& Endpoints() const { return endpoints_; }
   MeterCollection& Meters() { return meters_; }
   const MeterCollection& Meters() const { return meters_; }
   clsKillAWatt& Total() { return total_; }
@@ -59,6 +62,7 @@ class ProfileData {
   const RegionalSettings& regional_;
   StoreText text_;
   AppSettings settings_;
+  ServiceEndpoints endpoints_;
   MeterCollection meters_;
   clsKillAWatt total_;
   std::vector<SkippedMeter> skipped_;

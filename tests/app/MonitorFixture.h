@@ -39,7 +39,8 @@ struct MonitorTest : testing::Test {
     options.noticeSoundFile = "notice.wav";
     options.demoMode = demoMode;
     monitor = std::make_unique<Monitor>(
-        Monitor::Ports{clock, port, registry, random, desktop, prompts}, region, options, listener);
+        Monitor::Ports{clock, port, registry, random, desktop, prompts, web}, region, options,
+        listener);
     port.onReceive = [this] { monitor->ReceiveXBeeData(); };
     monitor->Load();
     monitor->StartRunning();
@@ -65,6 +66,7 @@ struct MonitorTest : testing::Test {
   RecordingDesktop desktop;
   ScriptedPrompts prompts;
   RecordingListener listener;
+  const WebPorts* web = nullptr;
   const RegionalSettings region = RegionalSettings::UnitedStates();
   std::unique_ptr<Monitor> monitor;
 };

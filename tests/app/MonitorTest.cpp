@@ -158,6 +158,17 @@ TEST(ErrorList, KeepsTheNewestThousand) {
   EXPECT_THAT(errors.Text(), testing::EndsWith("8:10:00 PM: 1001\r\n"));
 }
 
+TEST(ErrorList, KeepsTheNewestMebibyteOfLongTexts) {
+  const RegionalSettings region = RegionalSettings::UnitedStates();
+  ErrorList errors(region);
+  const std::string quote(64 * 1024, 'x');
+  for (int i = 1; i <= 100; ++i) errors.Add(std::to_string(i) + quote, At("2026-11-16T20:10:00"));
+  EXPECT_LE(errors.Text().size(), 1024U * 1024);
+  EXPECT_THAT(errors.Text(), StartsWith("11/16/2026 8:10:00 PM: 86x"));
+  errors.Add(std::string(2 * 1024 * 1024, 'y'), At("2026-11-16T20:10:00"));
+  EXPECT_THAT(errors.Text(), StartsWith("11/16/2026 8:10:00 PM: yy"));
+}
+
 TEST_F(MonitorTest, ReopensALostPortEveryTwoSeconds) {
   PutMeter("Kitchen", 5);
   Start();

@@ -1,0 +1,286 @@
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+#include "MonitorFixture.h"
+#include "app/WebPublishers.h"
+#include "twins/ScriptedHttp.h"
+
+namespace wattlark {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+const char* const kTweeted = "<created_at>";
+const char* const kUpdated = "<updated>";
+
+struct MonitorPublishingTest : MonitorTest {
+  MonitorPublishingTest() {
+    web = &webPorts;
+    Put("Settings", "PachubeAPIKey", "key");
+    Put("Settings", "GoogleUsername", "me");
+    Put("Settings", "GooglePassword", "s3cret");
+    Put("Settings", "GoogleWorksheetsFeed", "http://g/sheets");
+    Put("Settings", "GoogleListFeed", "http://g/list");
+    Put("Settings", "PowerMeterAuthInfo", "token=t&path=/p");
+    Put("Settings", "TwitterUsername", "name");
+    Put("Settings", "TwitterPassword", "pass");
+    Put("Settings", "TwitterMessage", "%N uses %W");
+    PutMeter("Kitchen", 5);
+    clock.now = At("2026-11-16T20:07:30");
+  }
+  void Enable(const std::vector<const char*>& names) {
+    for (const char* name : names) Put("Settings", name, "True");
+  }
+  /// The first word of every status text that tells of a success.
+  std::vector<std::string> Successes() const {
+    std::vector<std::string> texts;
+    for (const std::string& text : listener.infoTexts) {
+      if (text.find("pdated ") != std::string::npos) texts.push_back(text);
+    }
+    return texts;
+  }
+  void TickUntil(const char* time) {
+    while (clock.now < At(time)) Tick();
+  }
+
+  ScriptedHttp pachube;
+  ScriptedHttp google;
+  ScriptedHttp twitter;
+  ScriptedPump pump{{&pachube, &google, &twitter}};
+  WebPorts webPorts{pachube, google, twitter, pump,
+                    [](DateTime local) { return local.PlusHours(5); }};
+};
+
+TEST_F(MonitorPublishingTest, RunsDueDestinationsInOrderStampedWithTheirSlots) {
+  const auto folder = std::filesystem::path(testing::TempDir()) / "publishing_order";
+  std::filesystem::create_directories(folder);
+  Put("Settings", "CSVFilename", (folder / "log.csv").string());
+  Enable({"LogToCSV", "LogToPachube", "LogToGoogle", "LogToPowerMeter", "LogToTwitter"});
+  Put("Settings", "TwitterInterval", "1");
+  clock.now = At("2026-11-16T20:57:30");
+  pachube.answers = {{" "}};
+  google.answers = {{"Auth=t"}, {kUpdated}, {kUpdated}};
+  twitter.answers = {{kTweeted}};
+  Start();
+  monitor->Profile().Total().Statistics().SetDemandRecent(Hour, std::vector<double>(60, 5));
+  Tick(149);
+  EXPECT_THAT(Successes(), IsEmpty());
+  // The slots fell due at the full hour; ticks come a moment later.
+  clock.Advance(400);
+  Tick();
+  EXPECT_THAT(Successes(), ElementsAre("CSV file: Updated 11/16/2026 9:00:00 PM",
+                                       "Pachube: Updated 11/16/2026 9:00:00 PM",
+                                       "Google Docs: Updated 11/16/2026 9:00:00 PM",
+                                       "Google PowerMeter: Updated 11/16/2026 9:00:00 PM",
+                                       "Twitter: Status updated 11/16/2026 9:00:00 PM"));
+  EXPECT_THAT(google.requests[2].body, HasSubstr("2026-11-17T02:00:00.000Z</meter:endTime>"));
+  EXPECT_THAT(listener.errors, IsEmpty());
+  std::filesystem::remove_all(folder);
+}
+
+TEST_F(MonitorPublishingTest, WaitsForTheNextSlotAfterAFailure) {
+  Enable({"LogToPachube"});
+  pachube.answers = {{"no"}, {" "}};
+  Start();
+  TickUntil("2026-11-16T20:14:59");
+  EXPECT_THAT(listener.errors, ElementsAre("Pachube: Error Returned >> no"));
+  EXPECT_EQ(pachube.requests.size(), 1U);
+  EXPECT_EQ(listener.infoTexts.back(), "Click here to view errors...");
+  EXPECT_THAT(prompts.asked, IsEmpty());
+  Tick();
+  EXPECT_THAT(Successes(), ElementsAre("Pachube: Updated 11/16/2026 8:15:00 PM"));
+}
+
+TEST_F(MonitorPublishingTest, KeepsSerialBytesAndTheTimerForAfterTheWait) {
+  Enable({"LogToPachube"});
+  pachube.answers = {{" "}};
+  Start();
+  TickUntil("2026-11-16T20:09:59");
+  listener.timerChanges.clear();
+  pump.onRound = [this](int) {
+    Arrive(Frame120W(5));
+    EXPECT_FALSE(monitor->IsUpdateTimerEnabled());
+  };
+  Tick();
+  EXPECT_THAT(listener.readings, IsEmpty());
+  EXPECT_FALSE(port.waiting.empty());
+  EXPECT_THAT(listener.timerChanges, ElementsAre(false, true));
+  port.onReceive();
+  EXPECT_THAT(listener.readings, ElementsAre("Kitchen"));
+}
+
+TEST_F(MonitorPublishingTest, RunsFromTheMenuWhateverTheSettingsSay) {
+  Start();
+  Arrive(Frame120W(5));
+  pachube.answers = {{" "}};
+  google.answers = {{"Auth=t"}, {kUpdated}};
+  twitter.answers = {{kTweeted}};
+  EXPECT_TRUE(monitor->PublishNow(PublishTarget::Pachube, false).success);
+  EXPECT_TRUE(monitor->PublishNow(PublishTarget::GoogleDocs, false).success);
+  EXPECT_TRUE(monitor->PublishNow(PublishTarget::Twitter, false).success);
+  EXPECT_THAT(pachube.requests[0].body, HasSubstr(">120</value>"));
+  EXPECT_EQ(twitter.requests[0].body, "status=Kitchen uses 120.00 W");
+  EXPECT_THAT(Successes(), testing::Contains("Pachube: Updated 11/16/2026 8:07:30 PM"));
+  EXPECT_TRUE(monitor->IsUpdateTimerEnabled());
+  for (const PublishDestination& destination : monitor->Schedule().Destinations()) {
+    EXPECT_GT(destination.nextDue, clock.now);
+  }
+}
+
+TEST_F(MonitorPublishingTest, ShowsErrorsOfTheMenuInABox) {
+  Start();
+  const PublishResult result = monitor->PublishNow(PublishTarget::PowerMeter, false);
+  EXPECT_EQ(result.text, "Wattlark: No usage data for the interval");
+  ASSERT_EQ(prompts.asked.size(), 1U);
+  EXPECT_EQ(prompts.asked[0].text, result.text);
+  EXPECT_EQ(prompts.asked[0].caption, "Error!");
+  EXPECT_THAT(listener.errors, ElementsAre(result.text));
+  // A command from another process must not open a window here.
+  EXPECT_FALSE(monitor->PublishNow(PublishTarget::PowerMeter, true).success);
+  EXPECT_EQ(prompts.asked.size(), 1U);
+}
+
+TEST_F(MonitorPublishingTest, EndsWithoutAWordWhenASignInIsCancelled) {
+  Put("Settings", "TwitterPassword", "");
+  Start();
+  EXPECT_FALSE(monitor->PublishNow(PublishTarget::Twitter, false).success);
+  EXPECT_EQ(prompts.signIns.size(), 1U);
+  EXPECT_THAT(listener.errors, IsEmpty());
+  EXPECT_THAT(prompts.asked, IsEmpty());
+  EXPECT_TRUE(monitor->IsUpdateTimerEnabled());
+}
+
+TEST_F(MonitorPublishingTest, RunsAMenuCommandWithinAScheduledWait) {
+  Enable({"LogToPachube"});
+  pachube.answers = {{" ", 0, "", HttpState::ResponseCompleted, {HttpState::Connecting}}};
+  twitter.answers = {{kTweeted}};
+  Start();
+  TickUntil("2026-11-16T20:09:59");
+  pump.onRound = [this](int round) {
+    if (round != 1) return;
+    EXPECT_TRUE(monitor->PublishNow(PublishTarget::Twitter, true).success);
+    // The same service is busy with the scheduled run.
+    EXPECT_EQ(monitor->PublishNow(PublishTarget::Pachube, true).text,
+              "Pachube: Still executing the last request");
+    EXPECT_FALSE(monitor->IsUpdateTimerEnabled());
+  };
+  Tick();
+  EXPECT_THAT(Successes(), ElementsAre("Twitter: Status updated 11/16/2026 8:10:00 PM",
+                                       "Pachube: Updated 11/16/2026 8:10:00 PM"));
+  EXPECT_TRUE(monitor->IsUpdateTimerEnabled());
+}
+
+TEST_F(MonitorPublishingTest, TweetsTheTotalOfTwoMetersAndMore) {
+  PutMeter("Office", 6);
+  twitter.answers = {{kTweeted}};
+  Start();
+  monitor->PublishNow(PublishTarget::Twitter, true);
+  EXPECT_THAT(twitter.requests[0].body, testing::StartsWith("status=Total uses"));
+  for (int address : {5, 6}) {
+    monitor->Profile().Meters().Remove(
+        *monitor->Profile().Meters().FindAddress(static_cast<std::int16_t>(address)));
+  }
+  EXPECT_EQ(monitor->PublishNow(PublishTarget::Twitter, true).text,
+            "Twitter: There is no meter to tell of");
+  EXPECT_EQ(twitter.requests.size(), 1U);
+}
+
+TEST_F(MonitorPublishingTest, TellsOfMetersLeftOutOfTheRow) {
+  PutMeter("1st", 6);
+  google.answers = {{"Auth=t"}, {kUpdated}};
+  Start();
+  EXPECT_TRUE(monitor->PublishNow(PublishTarget::GoogleDocs, true).success);
+  EXPECT_THAT(listener.errors, ElementsAre(HasSubstr("left out of the row: '1st'")));
+  EXPECT_EQ(listener.infoTexts.back(), "Click here to view errors...");
+}
+
+TEST_F(MonitorPublishingTest, EndsATickWhenTheProgramIsToldToExit) {
+  Enable({"LogToPachube", "LogToTwitter"});
+  Put("Settings", "TwitterInterval", "1");
+  clock.now = At("2026-11-16T20:59:59");
+  pachube.answers = {{"", 0, "", HttpState::ResponseCompleted, {}, true}};
+  Start();
+  pump.onRound = [this](int round) { pump.isEnding = round == 3; };
+  Tick();
+  EXPECT_EQ(pump.rounds, 3);
+  EXPECT_FALSE(pachube.IsBusy());
+  EXPECT_FALSE(twitter.IsBusy());
+  EXPECT_THAT(listener.errors, IsEmpty());
+  EXPECT_TRUE(monitor->Unload());
+}
+
+TEST_F(MonitorPublishingTest, KeepsOffTheWebWithoutPorts) {
+  web = nullptr;
+  Enable({"LogToPachube", "LogToTwitter", "AlarmsToTwitter"});
+  Start();
+  EXPECT_EQ(monitor->Schedule().Destinations().size(), 1U);
+  EXPECT_FALSE(monitor->PublishNow(PublishTarget::Pachube, true).success);
+  EXPECT_THAT(listener.errors, ElementsAre("This run of the program does not use the web"));
+}
+
+struct MonitorTwitterAlarmTest : MonitorPublishingTest {
+  MonitorTwitterAlarmTest() {
+    PutMeter("Office", 6);
+    Enable({"AlarmsToTwitter"});
+    Put("Settings", "TwitterAlarmMessage", "%N!");
+    for (const char* name : {"Kitchen", "Office"}) {
+      Put(std::string("KillAWatts\\") + name, "AlarmActive", "True");
+    }
+  }
+  /// Both meters use too much for longer than the alarm's duration, by one tick.
+  void Alarm() {
+    for (int i = 0; i <= 61; ++i) {
+      if (i > 0) clock.Advance(1000);
+      Meter(0).AddReading(120, 1, 600, clock.now, clock.ticks);
+      Meter(1).AddReading(120, 1, 700, clock.now, clock.ticks);
+    }
+    monitor->UpdateCycle();
+  }
+};
+
+TEST_F(MonitorTwitterAlarmTest, PostsEveryAlarmQuietly) {
+  twitter.answers = {{kTweeted}, {"no"}};
+  Start();
+  Alarm();
+  ASSERT_EQ(twitter.requests.size(), 2U);
+  EXPECT_EQ(twitter.requests[0].body, "status=Kitchen!");
+  EXPECT_EQ(twitter.requests[1].body, "status=Office!");
+  EXPECT_EQ(listener.notices.size(), 2U);
+  EXPECT_THAT(Successes(), ElementsAre("Twitter: Status updated 11/16/2026 8:08:31 PM"));
+  EXPECT_THAT(listener.errors, ElementsAre("Twitter: Invalid or no response"));
+  EXPECT_THAT(prompts.asked, IsEmpty());
+}
+
+TEST_F(MonitorTwitterAlarmTest, PostsAlarmsThatNoNoticeShows) {
+  listener.showsNotices = false;
+  Start();
+  Alarm();
+  EXPECT_EQ(twitter.requests.size(), 2U);
+  EXPECT_THAT(listener.notices, IsEmpty());
+}
+
+TEST_F(MonitorTwitterAlarmTest, SkipsAMeterThatIsRemovedMeanwhile) {
+  Start();
+  pump.onRound = [this](int round) {
+    if (round > 1) return;
+    MeterCollection& meters = monitor->Profile().Meters();
+    while (!meters.IsEmpty()) meters.Remove(meters[0]);
+  };
+  Alarm();
+  EXPECT_EQ(twitter.requests.size(), 1U);
+}
+
+TEST_F(MonitorTwitterAlarmTest, PostsNoneUnlessAskedTo) {
+  Put("Settings", "AlarmsToTwitter", "False");
+  Start();
+  Alarm();
+  EXPECT_EQ(listener.notices.size(), 2U);
+  EXPECT_THAT(twitter.requests, IsEmpty());
+}
+
+}  // namespace
+}  // namespace wattlark
