@@ -13,6 +13,7 @@ constexpr std::uint8_t kDelimiter = 0x7E;
 constexpr std::size_t kPrefix = 3;    // delimiter and length
 constexpr std::size_t kOverhead = 4;  // prefix and checksum
 constexpr std::size_t kSampleHeader = 8;
+constexpr std::size_t kLeastDrop = 1024;  // bytes worth moving
 constexpr std::uint16_t kDigitalBits = 0x01FF;
 constexpr int kFirstAnalogBit = 9;
 
@@ -75,38 +76,56 @@ bool clsXBee::ParseBytes(std::span<const std::uint8_t> bytes) {
 bool clsXBee::ParsePending() {
   bool complete = true;
   while (true) {
-    const auto begin = pending_.begin() + static_cast<std::ptrdiff_t>(pendingStart_);
-    pendingStart_ =
-        static_cast<std::size_t>(std::find(begin, pending_.end(), kDelimiter) - pending_.begin());
-    const auto bytes = std::span<const std::uint8_t>(pending_).subspan(pendingStart_);
-    const bool searched = pendingStart_ < searchedEnd_;
-    if (bytes.empty()) break;
-    const Candidate candidate = Judge(bytes, searched);
-    if (candidate == Candidate::Waiting) break;
+    scan_ =
+        static_cast<std::size_t>(std::find(pending_.begin() + static_cast<std::ptrdiff_t>(scan_),
+                                           pending_.end(), kDelimiter) -
+                                 pending_.begin());
+    const auto bytes = std::span<const std::uint8_t>(pending_).subspan(scan_);
+    const bool searched = scan_ < searchedEnd_;
+    const Candidate candidate = bytes.empty() ? Candidate::Waiting : Judge(bytes, searched);
     if (candidate == Candidate::False) {
-      ++pendingStart_;
-      continue;
-    }
-    if (candidate == Candidate::Overflow) {
-      pendingStart_ = pending_.size();
+      ++scan_;
+    } else if (candidate == Candidate::Complete) {
+      const std::size_t end = scan_ + WireSize(bytes);
+      if (!JudgeParked(end)) TakeFrame(scan_, end, searched);
+    } else if (candidate == Candidate::Overflow) {
+      if (JudgeParked(scan_ + 1)) continue;
+      parked_.clear();
+      scan_ = pending_.size();
       complete = frameReceived_;
       break;
-    }
-    const std::size_t size = WireSize(bytes);
-    const auto frame = bytes.subspan(kPrefix, size - kPrefix);
-    const std::uint8_t sum =
-        searched ? PendingSum(pendingStart_ + kPrefix, pendingStart_ + size) : Sum(frame);
-    if (sum == kIntactSum) {
-      ProcessFrame(frame);
-      pendingStart_ += size;
-    } else {
-      ++droppedFrames_;
-      searchedEnd_ = std::max(searchedEnd_, pendingStart_ + size);
-      ++pendingStart_;
+    } else if (searched && bytes.size() >= kPrefix) {
+      parked_.emplace(scan_ + WireSize(bytes), scan_);
+      ++scan_;
+    } else if (!JudgeParked(pending_.size())) {
+      break;
     }
   }
   DropParsedBytes();
   return complete;
+}
+
+bool clsXBee::JudgeParked(std::size_t end) {
+  if (parked_.empty() || parked_.begin()->first > end) return false;
+  const auto [parkedEnd, start] = *parked_.begin();
+  parked_.erase(parked_.begin());
+  TakeFrame(start, parkedEnd, true);
+  return true;
+}
+
+void clsXBee::TakeFrame(std::size_t start, std::size_t end, bool searched) {
+  const auto frame =
+      std::span<const std::uint8_t>(pending_).subspan(start + kPrefix, end - start - kPrefix);
+  const std::uint8_t sum = searched ? PendingSum(start + kPrefix, end) : Sum(frame);
+  if (sum != kIntactSum) {
+    ++droppedFrames_;
+    searchedEnd_ = std::max(searchedEnd_, end);
+    scan_ = std::max(scan_, start + 1);
+    return;
+  }
+  ProcessFrame(frame);
+  std::erase_if(parked_, [end](const auto& parked) { return parked.second < end; });
+  scan_ = std::max(scan_, end);
 }
 
 std::uint8_t clsXBee::PendingSum(std::size_t from, std::size_t to) {
@@ -119,22 +138,28 @@ std::uint8_t clsXBee::PendingSum(std::size_t from, std::size_t to) {
 }
 
 void clsXBee::DropParsedBytes() {
-  if (pendingStart_ == pending_.size()) {
+  if (scan_ == pending_.size() && parked_.empty()) {
     pending_.clear();
     pendingSums_.clear();
-    pendingStart_ = 0;
-    searchedEnd_ = 0;
+    scan_ = searchedEnd_ = dropAt_ = 0;
     return;
   }
-  // Moving the rest to the front only when it is the smaller half keeps the cost a byte constant.
-  if (pendingStart_ < pending_.size() / 2) return;
-  const auto count = static_cast<std::ptrdiff_t>(pendingStart_);
+  // Dropping only when the bytes have doubled keeps the cost a byte constant.
+  if (pending_.size() < dropAt_) return;
+  std::size_t keep = scan_;
+  for (const auto& parked : parked_) keep = std::min(keep, parked.second);
+  const auto count = static_cast<std::ptrdiff_t>(keep);
   pending_.erase(pending_.begin(), pending_.begin() + count);
   pendingSums_.erase(
       pendingSums_.begin(),
       pendingSums_.begin() + std::min(count, static_cast<std::ptrdiff_t>(pendingSums_.size())));
-  searchedEnd_ -= std::min(searchedEnd_, pendingStart_);
-  pendingStart_ = 0;
+  std::set<std::pair<std::size_t, std::size_t>> moved;
+  for (const auto& [end, start] : parked_)
+    moved.emplace_hint(moved.end(), end - keep, start - keep);
+  parked_ = std::move(moved);
+  scan_ -= keep;
+  searchedEnd_ -= std::min(searchedEnd_, keep);
+  dropAt_ = std::max(kLeastDrop, 2 * pending_.size());
 }
 
 void clsXBee::ProcessFrame(std::span<const std::uint8_t> frame) {

@@ -4,7 +4,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "platform/Clock.h"
@@ -22,7 +24,9 @@ namespace wattlark {
 /// A frame may be split over any number of reads. Bytes whose checksum is wrong were no frame: they
 /// complete nothing, are counted in `DroppedFrames`, and the bytes behind their delimiter are
 /// searched again, so that an intact frame behind a damaged one, or inside a length that lied, is
-/// not lost. Any input costs a bounded number of steps a byte; intact frames are looked at once.
+/// not lost. A delimiter found by that second search whose frame is not all there yet keeps nothing
+/// waiting: the frames behind it are taken as they come, and the first intact one ends its claim.
+/// No input makes a byte cost more than a few steps; intact frames are looked at once.
 ///
 /// A length field of which the count would overflow (above 0x7FFB) ends the read: the rest of its
 /// bytes is dropped. When the delimiter before it was found in the second search, it is no
@@ -79,6 +83,10 @@ class clsXBee {
   /// covered by a candidate that failed before.
   static Candidate Judge(std::span<const std::uint8_t> bytes, bool searched);
   bool ParsePending();
+  /// Judges the waiting candidate that completes first, when it does by `end` at the latest.
+  bool JudgeParked(std::size_t end);
+  /// Takes the bytes from `start` to `end` as a frame, or notes that they were none.
+  void TakeFrame(std::size_t start, std::size_t end, bool searched);
   std::uint8_t PendingSum(std::size_t from, std::size_t to);
   void DropParsedBytes();
   void ProcessFrame(std::span<const std::uint8_t> frame);
@@ -91,13 +99,16 @@ class clsXBee {
 
   const Clock& clock_;
 
-  // Bytes that do not make a frame yet: those before `pendingStart_` are done with, those before
-  // `searchedEnd_` were covered by a candidate that failed. `pendingSums_[k]` is the 8-bit sum of
-  // the first k bytes, computed only as far as second searches need it.
+  // Bytes that do not make a frame yet. Delimiters before `scan_` have been judged; those before
+  // `searchedEnd_` were covered by a candidate that failed, and of these the ones whose frame is
+  // not all there yet are parked, by end and start. `pendingSums_[k]` is the 8-bit sum of the first
+  // k bytes, computed only as far as second searches need it.
   std::vector<std::uint8_t> pending_;
   std::vector<std::uint8_t> pendingSums_;
-  std::size_t pendingStart_ = 0;
+  std::set<std::pair<std::size_t, std::size_t>> parked_;
+  std::size_t scan_ = 0;
   std::size_t searchedEnd_ = 0;
+  std::size_t dropAt_ = 0;  ///< size of `pending_` at which its judged bytes are dropped
 
   bool frameReceived_ = false;
   bool sampleDecoded_ = false;

@@ -174,40 +174,79 @@ TEST(clsXBeeStream, TakesAnOverflowingLengthInsideADamagedFrameForData) {
   }
 }
 
+TEST(clsXBeeStream, LetsNoDelimiterInADamagedFrameHoldBackTheFramesBehindIt) {
+  // Behind the damage, 7E 03 F0 reads as the start of a frame of 1008 bytes.
+  Bytes damaged = SampleFrame(5, 2, {0x017E, 0x03F0, 0x017E, 0x03F0});
+  damaged.back() ^= 0x10;
+  Receiver receiver;
+  receiver.Read(damaged);
+  for (std::uint16_t address = 1; address <= 16; ++address) {
+    receiver.Read(TwoSampleFrame(address));
+    EXPECT_TRUE(receiver.decoder.FrameReceived()) << address;
+    EXPECT_EQ(receiver.decoder.SourceAddress(), address);
+  }
+  EXPECT_EQ(receiver.Completed(), 16U);
+}
+
 // The rules of the stream in their plainest form: everything is kept, every sum is taken anew.
 struct ReferenceDecoder {
   Bytes bytes;
   std::size_t position = 0;
   std::size_t failedEnd = 0;
+  std::vector<std::pair<std::size_t, std::size_t>>
+      waiting;  // end and start, found in damaged bytes
   std::vector<Bytes> frames;
   std::uint64_t dropped = 0;
+
+  void Take(std::size_t start, std::size_t end) {
+    const Bytes frame = Slice(bytes, start + 3, end);
+    if (std::accumulate(frame.begin(), frame.end(), 0U) % 256 != 255) {
+      ++dropped;
+      failedEnd = std::max(failedEnd, end);
+      position = std::max(position, start + 1);
+      return;
+    }
+    frames.push_back(frame);
+    std::erase_if(waiting, [end](const auto& other) { return other.second < end; });
+    position = std::max(position, end);
+  }
+
+  bool TakeFirstWaiting(std::size_t limit) {
+    const auto first = std::min_element(waiting.begin(), waiting.end());
+    if (first == waiting.end() || first->first > limit) return false;
+    const auto [end, start] = *first;
+    waiting.erase(first);
+    Take(start, end);
+    return true;
+  }
 
   bool Read(const Bytes& read) {
     bytes.insert(bytes.end(), read.begin(), read.end());
     const std::size_t framesBefore = frames.size();
-    for (; position < bytes.size(); ++position) {
-      if (bytes[position] != 0x7E) continue;
+    while (true) {
+      while (position < bytes.size() && bytes[position] != 0x7E) ++position;
       const std::size_t left = bytes.size() - position;
-      const bool highKnown = left >= 2;
       const bool lengthKnown = left >= 3;
       const std::size_t length =
           lengthKnown ? bytes[position + 1] * 256U + bytes[position + 2] : 0U;
-      if ((highKnown && bytes[position + 1] >= 0x80) || length > 0x7FFB) {
-        if (position < failedEnd) continue;
-        position = bytes.size();
-        return frames.size() > framesBefore;
-      }
-      if (!lengthKnown || left < length + 4) return true;
-      const Bytes frame = Slice(bytes, position + 3, position + length + 4);
-      if (std::accumulate(frame.begin(), frame.end(), 0U) % 256 == 255) {
-        frames.push_back(frame);
-        position += length + 3;
-      } else {
-        ++dropped;
-        failedEnd = std::max(failedEnd, position + length + 4);
+      const std::size_t end = position + length + 4;
+      if ((left >= 2 && bytes[position + 1] >= 0x80) || length > 0x7FFB) {
+        if (position < failedEnd) {
+          ++position;
+        } else if (!TakeFirstWaiting(position + 1)) {
+          waiting.clear();
+          position = bytes.size();
+          return frames.size() > framesBefore;
+        }
+      } else if (lengthKnown && end <= bytes.size()) {
+        if (!TakeFirstWaiting(end)) Take(position, end);
+      } else if (lengthKnown && position < failedEnd) {
+        waiting.emplace_back(end, position);
+        ++position;
+      } else if (!TakeFirstWaiting(bytes.size())) {
+        return true;
       }
     }
-    return true;
   }
 };
 
