@@ -1,0 +1,80 @@
+#include "cli/ProgramSetup.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <stdexcept>
+#include <utility>
+
+#include "cli/DefaultFiles.h"
+#include "platform/qt/SerialDevices.h"
+#include "platform/qt/SystemRegional.h"
+
+namespace wattlark {
+
+ProgramSetup::ProgramSetup(const RunOptions& options)
+    : options_(options),
+      lock_(options.profileFolder),
+      serial_([this](int portNumber) { return DevicePath(portNumber); }) {}
+
+bool ProgramSetup::TakeProfile() {
+  const bool isFirst = lock_.TryAcquire();
+  if (!lock_.Problem().empty()) throw std::runtime_error(lock_.Problem());
+  // Only now is the folder sure to be there.
+  instance_.emplace(options_.profileFolder);
+  if (!isFirst) instance_->ActivatePrevInstance();
+  return isFirst;
+}
+
+bool ProgramSetup::Open() {
+  if (!options_.recordFile.empty()) recorder_.emplace(options_.recordFile);
+  store_ = OpenStore(options_.profileFolder);
+  if (!store_.registry) return false;
+  values_.emplace(*store_.registry);
+  devices_.emplace(*values_, [] { return ListSerialDevices(); });
+  return true;
+}
+
+Monitor& ProgramSetup::MakeMonitor(Desktop& desktop, Prompts& prompts, MonitorListener& listener) {
+  monitor_.emplace(Monitor::Ports{clock_, serial_, *store_.registry, random_, desktop, prompts},
+                   SystemRegionalSettings(), MonitorOptions(), listener);
+  serial_.onReceive = [this] { monitor_->ReceiveXBeeData(); };
+  serial_.onLost = [&listener] { listener.OnUpdateStatus(); };
+  return *monitor_;
+}
+
+void ProgramSetup::Load(std::function<void()> onShow) {
+  instance_->onShow = std::move(onShow);
+  instance_->Listen();
+  monitor_->Load();
+  if (!options_.device.empty()) {
+    devices_->UseForThisRun(monitor_->Profile().Settings().PortNum, options_.device);
+  }
+  if (recorder_) monitor_->RecordTo(&*recorder_);
+}
+
+std::string ProgramSetup::FinishSaving(bool unloaded) {
+  instance_->onShow = nullptr;
+  if (unloaded && store_.savesChanges) return {};
+  return "Not saved: " + (store_.savesChanges ? store_.registry->ErrorText() : store_.message);
+}
+
+Monitor::Options ProgramSetup::MonitorOptions() const {
+  Monitor::Options result;
+  result.csvFilenameDefault = DefaultCSVFilename(options_.profileFolder);
+  result.noticeSoundFile = ProgramFolder() + "/notice.wav";
+  if (options_.demo) result.demoMode = true;
+  return result;
+}
+
+std::string ProgramSetup::DevicePath(int portNumber) const {
+  return devices_ ? devices_->Path(portNumber) : std::string();
+}
+
+void OpenMissingStreams() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(stream, F_GETFD) == -1 && open("/dev/null", O_RDWR) == -1) return;
+  }
+}
+
+}  // namespace wattlark
