@@ -109,11 +109,14 @@ class Monitor {
   /// failed; the store then holds what it held before.
   bool Unload();
   /// Saves everything in one transaction; a failure is reported once until saving works again.
+  /// Nothing is saved over a store that could not be loaded.
   bool SaveEverything();
 
   /// Appends one line to the CSV log, stamped with `timestamp`; the status bar, or the error list,
   /// says how that went. True when the line was written.
   bool WriteCSVLog(DateTime timestamp, bool useAverage, bool quiet);
+  /// Whether the destinations on the web can be reached at all in this run.
+  bool UsesWeb() const { return web_ != nullptr; }
   /// Publishes the current loads to one destination now, whatever the schedule says. Pending events
   /// run while a web server is waited for; only when not `quiet` is the user asked for missing
   /// credentials, and shown an error in a message box.
@@ -191,6 +194,8 @@ class Monitor {
   bool busy_ = false;
   bool timerEnabled_ = false;
   bool saveFailed_ = false;
+  bool loaded_ = false;
+  bool ended_ = false;
 };
 
 }  // namespace wattlark
