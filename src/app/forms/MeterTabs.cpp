@@ -1,7 +1,12 @@
 #include "app/forms/MeterTabs.h"
 
+#include <QCursor>
+#include <QHBoxLayout>
 #include <QSignalBlocker>
+#include <QStyleOptionFocusRect>
 #include <algorithm>
+
+#include "platform/qtwidgets/Theme.h"
 
 namespace wattlark {
 
@@ -9,6 +14,12 @@ namespace {
 
 constexpr int kWidestTab = 160;  // a longer name is cut; its tool tip has it whole
 constexpr int kTabHeight = 32;
+constexpr int kTabMargin = 12;
+constexpr double kRadius = 6;
+
+void PaintBottomLine(QPainter& painter, const QRect& area, const Theme& theme) {
+  painter.fillRect(QRect(area.left(), area.bottom(), area.width(), 1), theme.hairline);
+}
 
 }  // namespace
 
@@ -18,6 +29,7 @@ MeterTabs::MeterTabs(MeterSelection& selection, QWidget* parent)
   setAccessibleName("Meters");
   setDocumentMode(true);
   setDrawBase(false);
+  setMouseTracking(true);
   setExpanding(false);
   setUsesScrollButtons(true);
   setElideMode(Qt::ElideRight);
@@ -43,13 +55,70 @@ void MeterTabs::ShowTabs() {
   setCurrentIndex(selection_.SelectedTab());
 }
 
+QFont MeterTabs::TabFont(int index) const {
+  QFont result = font();
+  result.setBold(index == currentIndex());
+  return result;
+}
+
+// Every tab has room for its name in bold, so that a choice moves nothing.
 QSize MeterTabs::tabSizeHint(int index) const {
-  const QSize size = QTabBar::tabSizeHint(index);
-  return {std::min(size.width(), kWidestTab), std::max(size.height(), kTabHeight)};
+  QFont bold = font();
+  bold.setBold(true);
+  const QFontMetrics metrics(bold);
+  const int width = metrics.horizontalAdvance(tabToolTip(index)) + 2 * kTabMargin;
+  return {std::min(width, kWidestTab), std::max(metrics.height() + kTabMargin, kTabHeight)};
 }
 
 QSize MeterTabs::minimumTabSizeHint(int index) const {
   return tabSizeHint(index);
+}
+
+void MeterTabs::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  PaintBottomLine(painter, rect(), Theme::FromPalette(palette()));
+  for (int index = 0; index < count(); ++index) {
+    if (isTabVisible(index)) PaintTab(painter, index);
+  }
+}
+
+void MeterTabs::PaintTab(QPainter& painter, int index) const {
+  const Theme theme = Theme::FromPalette(palette());
+  const QRect tab = tabRect(index);
+  const bool isSelected = index == currentIndex();
+  if (isSelected) {
+    // The frame's lower edge lies below the tab: it is open towards the page.
+    painter.setPen(QPen(theme.hairline, 1));
+    painter.setBrush(theme.base);
+    painter.setClipRect(rect());
+    painter.drawRoundedRect(QRectF(tab).adjusted(0.5, 0.5, -0.5, kRadius + 1), kRadius, kRadius);
+  }
+  const QRect inner = tab.adjusted(kTabMargin / 2, 0, -kTabMargin / 2, 0);
+  const bool isPointedAt = underMouse() && tab.contains(mapFromGlobal(QCursor::pos()));
+  painter.setFont(TabFont(index));
+  painter.setPen(isSelected || isPointedAt ? theme.text : theme.mutedText);
+  painter.drawText(inner, Qt::AlignCenter | Qt::TextSingleLine,
+                   painter.fontMetrics().elidedText(tabToolTip(index), elideMode(), inner.width()));
+  if (isSelected && hasFocus()) {
+    QStyleOptionFocusRect option;
+    option.initFrom(this);
+    option.rect = tab.adjusted(4, 4, -4, -2);
+    option.backgroundColor = theme.base;
+    style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);
+  }
+}
+
+TabHeader::TabHeader(MeterTabs* tabs, QWidget* parent) : QWidget(parent) {
+  setObjectName("elaHeader");
+  auto* row = new QHBoxLayout(this);
+  row->setContentsMargins(8, 4, 8, 0);
+  row->addWidget(tabs);
+}
+
+void TabHeader::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  PaintBottomLine(painter, rect(), Theme::FromPalette(palette()));
 }
 
 }  // namespace wattlark

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QFont>
+#include <QPainter>
 #include <QTabBar>
 #include <vector>
 
@@ -25,9 +27,23 @@ class MeterTabs : public QTabBar {
  protected:
   QSize tabSizeHint(int index) const override;
   QSize minimumTabSizeHint(int index) const override;
+  void paintEvent(QPaintEvent* event) override;
 
  private:
+  QFont TabFont(int index) const;
+  void PaintTab(QPainter& painter, int index) const;
+
   MeterSelection& selection_;
+};
+
+/// The ground `elaHeader` that the tabs stand on.
+class TabHeader : public QWidget {
+ public:
+  /// `tabs` becomes a child.
+  explicit TabHeader(MeterTabs* tabs, QWidget* parent = nullptr);
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
 };
 
 }  // namespace wattlark

@@ -1,10 +1,11 @@
 #include "app/forms/PageBar.h"
 
-#include <QEvent>
 #include <QHBoxLayout>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QStyleOptionFocusRect>
 
+#include "platform/qtwidgets/Controls.h"
 #include "platform/qtwidgets/Icons.h"
 #include "platform/qtwidgets/Theme.h"
 
@@ -14,7 +15,9 @@ namespace {
 
 constexpr QSize kShapeSize(16, 24);  // larger than the circle: it is to be hit
 constexpr double kCircleRadius = 3.5;
-constexpr QSize kButtonSize(36, 28);
+constexpr int kButtonWidth = 36;
+constexpr QSize kPictureSize(16, 16);
+constexpr double kRadius = 6;
 constexpr const char* kPageNames[] = {"Current Conditions", "Graph of Recent Values", "Total Usage",
                                       "Last Kill-A-Watt Packet"};
 
@@ -44,21 +47,48 @@ void PageShape::mousePressEvent(QMouseEvent* event) {
   if (event->button() == Qt::LeftButton) emit Clicked();
 }
 
+NavigationButton::NavigationButton(const QString& picture, QWidget* parent)
+    : QAbstractButton(parent), picture_(picture) {
+  setFocusPolicy(Qt::StrongFocus);
+  setAttribute(Qt::WA_Hover);
+}
+
+QSize NavigationButton::sizeHint() const {
+  return {kButtonWidth, ControlHeight(*this)};
+}
+
+void NavigationButton::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  const Theme theme = Theme::FromPalette(palette());
+  painter.setPen(QPen(isDown() || underMouse() ? theme.mutedText : theme.hairline, 1));
+  painter.setBrush(isDown() ? theme.selectedFill : theme.base);
+  painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), kRadius, kRadius);
+  QRect picture(QPoint(), kPictureSize);
+  picture.moveCenter(rect().center());
+  painter.drawPixmap(picture, TintedPixmap(picture_, isDown() ? theme.accent : theme.text,
+                                           kPictureSize, devicePixelRatioF()));
+  if (hasFocus()) {
+    QStyleOptionFocusRect option;
+    option.initFrom(this);
+    option.rect = rect().adjusted(3, 3, -3, -3);
+    option.backgroundColor = theme.base;
+    style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);
+  }
+}
+
 PageBar::PageBar(QWidget* parent) : QWidget(parent) {
   auto* row = new QHBoxLayout(this);
   row->setContentsMargins(12, 8, 12, 8);
   row->setSpacing(0);
   for (int index = 0; index < 2; ++index) {
-    auto* button = new QToolButton(this);
+    auto* button = new NavigationButton(index == 0 ? "back" : "forward", this);
     elaNavigation_[static_cast<std::size_t>(index)] = button;
     button->setObjectName("elaNavigation" + QString::number(index));
     button->setAccessibleName(index == 0 ? "Previous page" : "Next page");
     button->setToolTip(button->accessibleName());
-    button->setFocusPolicy(Qt::StrongFocus);
-    button->setMinimumSize(kButtonSize);
-    connect(button, &QToolButton::pressed, this, [this] { SetPictures(); });
-    connect(button, &QToolButton::released, this, [this] { SetPictures(); });
-    connect(button, &QToolButton::clicked, this, [this, index] { emit Stepped(2 * index - 1); });
+    connect(button, &QAbstractButton::clicked, this,
+            [this, index] { emit Stepped(2 * index - 1); });
   }
   row->addWidget(elaNavigation_[0]);
   row->addStretch(1);
@@ -73,27 +103,12 @@ PageBar::PageBar(QWidget* parent) : QWidget(parent) {
   }
   row->addStretch(1);
   row->addWidget(elaNavigation_[1]);
-  SetPictures();
 }
 
 void PageBar::ShowPage(int page) {
   for (std::size_t index = 0; index < shpPage_.size(); ++index) {
     shpPage_[index]->SetFilled(static_cast<int>(index) == page - 1);
   }
-}
-
-void PageBar::SetPictures() {
-  const Theme theme = Theme::FromPalette(palette());
-  for (std::size_t index = 0; index < elaNavigation_.size(); ++index) {
-    QToolButton& button = *elaNavigation_[index];
-    const QColor color = button.isDown() ? theme.accent : theme.text;
-    button.setIcon(TintedIcon(index == 0 ? "back" : "forward", {color, color, theme.mutedText}));
-  }
-}
-
-void PageBar::changeEvent(QEvent* event) {
-  QWidget::changeEvent(event);
-  if (event->type() == QEvent::PaletteChange && elaNavigation_[1] != nullptr) SetPictures();
 }
 
 }  // namespace wattlark

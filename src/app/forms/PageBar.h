@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QToolButton>
+#include <QAbstractButton>
 #include <QWidget>
 #include <array>
 
@@ -27,6 +27,22 @@ class PageShape : public QWidget {
   bool filled_ = false;
 };
 
+/// One of the two buttons that step through the pages.
+class NavigationButton : public QAbstractButton {
+  Q_OBJECT
+
+ public:
+  /// `picture` is the name of a tinted icon.
+  explicit NavigationButton(const QString& picture, QWidget* parent = nullptr);
+  QSize sizeHint() const override;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  QString picture_;
+};
+
 /// Below the pages: the buttons `elaNavigation0` (back) and `elaNavigation1` (forward), and the
 /// indicator `shpPage0` to `shpPage3` between them.
 class PageBar : public QWidget {
@@ -40,13 +56,8 @@ class PageBar : public QWidget {
   void Stepped(int pages);  ///< -1 or 1
   void Chosen(int page);
 
- protected:
-  void changeEvent(QEvent* event) override;
-
  private:
-  void SetPictures();
-
-  std::array<QToolButton*, 2> elaNavigation_{};
+  std::array<NavigationButton*, 2> elaNavigation_{};
   std::array<PageShape*, 4> shpPage_{};
 };
 

@@ -36,7 +36,7 @@ void StatusPanel::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   const QRect inner = rect().adjusted(kPanelMargin, 0, -kPanelMargin, 0);
   if (!icon().isNull()) icon().paint(&painter, inner);
-  painter.setPen(palette().color(QPalette::WindowText));
+  painter.setPen(Theme::FromPalette(palette()).mutedText);
   painter.drawText(inner, Qt::AlignVCenter | Qt::TextSingleLine,
                    fontMetrics().elidedText(text(), Qt::ElideRight, inner.width()));
   if (hasFocus()) {
@@ -49,6 +49,7 @@ void StatusPanel::paintEvent(QPaintEvent*) {
 
 StatusBar::StatusBar(QWidget* parent) : QStatusBar(parent) {
   setObjectName("sbStatusBar");
+  setSizeGripEnabled(false);
   info_ = new StatusPanel(this);
   comm_ = new StatusPanel(this);
   addWidget(info_, 1);
@@ -82,6 +83,12 @@ void StatusBar::ShowCommImage() {
   comm_->setIcon(TintedIcon(isReceiving ? "receiving" : "idle", {color, color, color}));
   comm_->setToolTip(isReceiving ? "Receiving serial input" : "Waiting for serial input");
   comm_->setAccessibleName(comm_->toolTip());
+}
+
+// One line above the panels instead of a frame around each.
+void StatusBar::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  painter.fillRect(0, 0, width(), 1, Theme::FromPalette(palette()).hairline);
 }
 
 void StatusBar::changeEvent(QEvent* event) {

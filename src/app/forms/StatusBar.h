@@ -39,6 +39,7 @@ class StatusBar : public QStatusBar {
 
  protected:
   void changeEvent(QEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
 
  private:
   void ShowCommImage();
