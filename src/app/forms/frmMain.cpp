@@ -1,0 +1,339 @@
+#include "app/forms/frmMain.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QShortcut>
+#include <QVBoxLayout>
+#include <memory>
+#include <utility>
+
+#include "app/HelpActions.h"
+#include "app/WebPublishers.h"
+#include "app/forms/CurrentPage.h"
+#include "app/forms/PacketPage.h"
+#include "app/forms/RecentPage.h"
+#include "app/forms/TotalsPage.h"
+#include "app/forms/modForm.h"
+#include "config/WindowPlacement.h"
+#include "platform/qtwidgets/Icons.h"
+
+namespace wattlark {
+
+namespace {
+
+constexpr const char* kWindowName = "frmMain";
+constexpr QSize kFirstSize(360, 520);
+constexpr int kUpdateMilliseconds = 1000;
+constexpr int kSessionEndMilliseconds = 30000;
+constexpr int kTicksBetweenLooks = 5;
+constexpr int kSaveButton = 2;  // of the information window
+// A panel that restarts takes its area away for a moment.
+constexpr int kPatientLooks = 2;
+
+}  // namespace
+
+frmMain::frmMain(const Ports& ports, Options options)
+    : ports_(ports),
+      options_(std::move(options)),
+      selection_(ports.monitor.Profile()),
+      meterActions_(ports.monitor, selection_, ports.prompts),
+      menus_(*menuBar(), Actions(options_.features),
+             [this] {
+               return MakeMenuView(ports_.monitor.Profile(), selection_.SelectedKillAWatt(false),
+                                   ports_.monitor.IsFlowing());
+             }),
+      icon_(menus_.TrayMenu(),
+            {[](const std::string& key) { return TrayIcon(key); }, [this] { ShowWindow(); },
+             options_.isTrayAvailable, &NotificationIcon::PopUpAtPointer}) {
+  setObjectName(kWindowName);
+  setWindowTitle(ApplicationTitle);
+  setWindowIcon(ApplicationIcon());
+  resize(kFirstSize);
+  tmrUpdate_.setObjectName("tmrUpdate");
+  tmrUpdate_.setSingleShot(true);
+  tmrUpdate_.setTimerType(Qt::PreciseTimer);
+  tmrUpdate_.setInterval(kUpdateMilliseconds);
+  connect(&tmrUpdate_, &QTimer::timeout, this, [this] { ports_.monitor.UpdateCycle(); });
+  BuildContent();
+  BuildShortcuts();
+  selection_.RefreshTabs();
+  RefreshTabs();
+  ShowPage(1);
+  RestoreWindowSettings(*this, ports_.store, kWindowName, NormalWindow);
+  const bool onTop = ports_.monitor.Profile().Settings().AlwaysOnTop;
+  SetAlwaysOnTop(*this, onTop);
+  menus_.CheckAlwaysOnTop(onTop);
+  icon_.Add({ApplicationTitle, "KILLAWATT"});
+}
+
+void frmMain::BuildContent() {
+  auto* content = new QWidget;
+  tabKillAWatt_ = new MeterTabs(selection_);
+  auto* header = new TabHeader(tabKillAWatt_, content);
+  auto* current = new CurrentPage(ports_.monitor, selection_, content);
+  auto* recent = new RecentPage(ports_.monitor, selection_, content);
+  auto* totals = new TotalsPage(ports_.monitor, selection_, ports_.prompts, content);
+  auto* packet = new PacketPage(ports_.monitor, selection_, content);
+  elaScroller_ = new PageStrip({{current, [current] { current->Refresh(); }},
+                                {recent, [recent] { recent->Refresh(); }},
+                                {totals, [totals] { totals->Refresh(); }},
+                                {packet, [packet] { packet->Refresh(); }}},
+                               content);
+  pageBar_ = new PageBar(content);
+  auto* column = new QVBoxLayout(content);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->setSpacing(0);
+  column->addWidget(header);
+  column->addWidget(elaScroller_, 1);
+  column->addWidget(pageBar_);
+  elaWindow_ = new MainArea(content, this);
+  sbStatusBar_ = new StatusBar(this);
+  setCentralWidget(elaWindow_);
+  setStatusBar(sbStatusBar_);
+
+  connect(tabKillAWatt_, &MeterTabs::Chosen, this, [this] {
+    menus_.Refresh();
+    UpdateStatus();
+  });
+  connect(tabKillAWatt_, &QTabBar::tabBarDoubleClicked, this, [this] { EditKillAWatt(); });
+  connect(elaScroller_, &PageStrip::PageShown, this, [this](int page) {
+    menus_.CheckPage(page);
+    pageBar_->ShowPage(page);
+  });
+  connect(pageBar_, &PageBar::Stepped, this,
+          [this](int pages) { ShowPage(elaScroller_->CurrentPage() + pages); });
+  connect(pageBar_, &PageBar::Chosen, this, [this](int page) { ShowPage(page); });
+  connect(recent, &RecentPage::hoverText, this,
+          [this](const QString& text) { ports_.monitor.SetInfoText(text.toStdString()); });
+  connect(elaWindow_, &MainArea::DoubleClicked, this, [this] { DoubleClickMainArea(); });
+  connect(sbStatusBar_, &StatusBar::PanelClicked, this,
+          [this](const QString& key) { ClickStatusPanel(key); });
+}
+
+void frmMain::BuildShortcuts() {
+  const auto step = [this](const QKeySequence& keys, int pages) {
+    connect(new QShortcut(keys, this), &QShortcut::activated, this, [this, pages] {
+      if (elaWindow_->Caption().isEmpty()) ShowPage(elaScroller_->CurrentPage() + pages);
+    });
+  };
+  step(Qt::CTRL | Qt::Key_PageUp, -1);
+  step(Qt::ALT | Qt::Key_Left, -1);
+  step(Qt::CTRL | Qt::Key_PageDown, 1);
+  step(Qt::ALT | Qt::Key_Right, 1);
+}
+
+MenuActions frmMain::Actions(MenuActions actions) {
+  const auto afterwards = [this](bool changed) {
+    if (changed) RefreshTabs();
+  };
+  actions.writeCSVLog = [this](bool) { ports_.monitor.PublishNow(PublishTarget::CSV, true); };
+  if (ports_.monitor.UsesWeb()) {
+    // From the notification area, errors are not to open windows.
+    const auto post = [this](PublishTarget target) -> MenuActions::Action {
+      return [this, target](bool fromTray) { ports_.monitor.PublishNow(target, fromTray); };
+    };
+    actions.postToPachube = post(PublishTarget::Pachube);
+    actions.postToGoogleDocs = post(PublishTarget::GoogleDocs);
+    actions.postToPowerMeter = post(PublishTarget::PowerMeter);
+    actions.postToTwitter = post(PublishTarget::Twitter);
+  }
+  actions.hide = [this](bool) { HideWindow(); };
+  actions.exit = [this](bool) { Exit(); };
+  actions.showCurrentPage = [this](bool) { ShowPage(1); };
+  actions.showRecentPage = [this](bool) { ShowPage(2); };
+  actions.showTotalsPage = [this](bool) { ShowPage(3); };
+  actions.showPacketPage = [this](bool) { ShowPage(4); };
+  actions.toggleAlwaysOnTop = [this](bool) { ToggleAlwaysOnTop(); };
+  actions.addMeter = [this](bool) { AddKillAWatt(); };
+  actions.editMeter = [this](bool) { EditKillAWatt(); };
+  actions.removeMeter = [this, afterwards](bool) { afterwards(meterActions_.RemoveSelected()); };
+  actions.resetData = [this, afterwards](bool) { afterwards(meterActions_.ResetSelectedData()); };
+  actions.resetCalibration = [this, afterwards](bool) {
+    afterwards(meterActions_.ResetSelectedCalibration());
+  };
+  actions.openHelp = [this](bool) {
+    OpenURL(options_.helpAddress, ports_.desktop, ports_.prompts);
+  };
+  actions.openWebsite = [this](bool) {
+    OpenURL(options_.websiteAddress, ports_.desktop, ports_.prompts);
+  };
+  actions.showAbout = [this](bool) { ShowAbout(WATTLARK_VERSION, ports_.prompts); };
+  actions.showWindow = [this](bool) { ShowWindow(); };
+  return actions;
+}
+
+void frmMain::ShowAtLaunch() {
+  if (ports_.monitor.Profile().Settings().ShowAtLaunch) {
+    show();
+  } else {
+    HideWindow();
+  }
+}
+
+void frmMain::ShowWindow() {
+  showNormal();
+  raise();
+  activateWindow();
+  if (QWidget* dialog = QApplication::activeModalWidget()) dialog->activateWindow();
+}
+
+void frmMain::HideWindow() {
+  if (icon_.IsReachable()) {
+    hide();
+  } else {
+    showMinimized();
+  }
+}
+
+void frmMain::EndSession() {
+  sessionEnds_ = true;
+  // A session that is still there after this time was kept after all.
+  QTimer::singleShot(kSessionEndMilliseconds, this, [this] { sessionEnds_ = false; });
+}
+
+bool frmMain::Unload() {
+  sessionEnds_ = true;
+  const bool saved = ports_.monitor.Unload();
+  icon_.Delete();
+  return saved;
+}
+
+void frmMain::OnInfoText(const std::string& text) {
+  sbStatusBar_->SetInfoText(QString::fromStdString(text));
+}
+
+void frmMain::OnCommImage(CommImage image) {
+  sbStatusBar_->SetCommImage(image);
+}
+
+bool frmMain::CanShowNotice() {
+  for (const QWidget* window : QApplication::topLevelWidgets()) {
+    if (window->isVisible() && window->windowType() == Qt::Dialog) return false;
+  }
+  return true;
+}
+
+void frmMain::OnAlarmNotice(const AlarmNotice& notice) {
+  if (options_.dialogs.showNotice) options_.dialogs.showNotice(notice);
+}
+
+void frmMain::OnUpdateStatus() {
+  UpdateStatus();
+  menus_.Refresh();
+  icon_.Modify(ports_.monitor.Tray());
+  WatchTray();
+}
+
+void frmMain::OnUpdateTimer(bool enabled) {
+  if (enabled) {
+    tmrUpdate_.start();
+  } else {
+    tmrUpdate_.stop();
+  }
+}
+
+bool frmMain::OnSave(modRegistry& store) {
+  return SaveWindowSettings(*this, store, kWindowName);
+}
+
+// A window that nobody sees is left as it is until it is shown.
+void frmMain::UpdateStatus() {
+  if (!IsOnScreen()) return;
+  elaWindow_->SetCaption(QString::fromStdString(ports_.monitor.MainAreaText()));
+  if (elaWindow_->Caption().isEmpty()) elaScroller_->RefreshPages();
+  sbStatusBar_->Refresh();
+}
+
+void frmMain::WatchTray() {
+  if (sessionEnds_) return;
+  if (--ticksToLook_ > 0) return;
+  ticksToLook_ = kTicksBetweenLooks;
+  icon_.LookForArea();
+  if (icon_.IsReachable()) {
+    looksWithoutTray_ = 0;
+    if (isVisible() && isMinimized()) hide();
+  } else if (!isVisible() && ++looksWithoutTray_ >= kPatientLooks) {
+    showMinimized();
+  }
+}
+
+void frmMain::RefreshTabs() {
+  tabKillAWatt_->ShowTabs();
+  UpdateStatus();
+}
+
+void frmMain::AddKillAWatt() {
+  auto meter = std::make_unique<clsKillAWatt>();
+  if (!options_.dialogs.editMeter || !options_.dialogs.editMeter(*meter, "Add Kill-A-Watt")) return;
+  if (meterActions_.Add(std::move(meter))) RefreshTabs();
+}
+
+void frmMain::EditKillAWatt() {
+  clsKillAWatt* meter = meterActions_.Selected();
+  if (meter == nullptr || !ports_.monitor.IsFlowing() || !options_.dialogs.editMeter) return;
+  if (options_.dialogs.editMeter(*meter, "Edit Kill-A-Watt")) meterActions_.NoteEdited();
+  RefreshTabs();
+}
+
+void frmMain::DoubleClickMainArea() {
+  if (!ports_.monitor.IsFlowing()) {
+    if (options_.features.showOptions) options_.features.showOptions(false);
+  } else if (ports_.monitor.Profile().Meters().IsEmpty()) {
+    AddKillAWatt();
+  }
+}
+
+void frmMain::ClickStatusPanel(const QString& key) {
+  const ErrorList& errors = ports_.monitor.Errors();
+  if (key == "INFO" && !errors.IsEmpty() && options_.dialogs.showText) {
+    options_.dialogs.showText(errors.Text(), "Errors!", kSaveButton);
+  }
+  ports_.monitor.ClearErrors();
+}
+
+void frmMain::ToggleAlwaysOnTop() {
+  bool& onTop = ports_.monitor.Profile().Settings().AlwaysOnTop;
+  onTop = !onTop;
+  SetAlwaysOnTop(*this, onTop);
+  menus_.CheckAlwaysOnTop(onTop);
+}
+
+void frmMain::Exit() {
+  if (!ConfirmsExit(ports_.monitor, ports_.prompts)) return;
+  sessionEnds_ = true;
+  options_.endProgram();
+}
+
+void frmMain::closeEvent(QCloseEvent* event) {
+  if (!sessionEnds_ && KeepsRunning(ports_.monitor)) {
+    event->ignore();
+    HideWindow();
+    return;
+  }
+  event->accept();
+  sessionEnds_ = true;
+  options_.endProgram();
+}
+
+void frmMain::changeEvent(QEvent* event) {
+  QMainWindow::changeEvent(event);
+  if (event->type() != QEvent::WindowStateChange) return;
+  // Hidden from the event loop: the window system is still about to minimise it.
+  if (isMinimized() && isVisible()) {
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+          if (isMinimized() && isVisible()) HideWindow();
+        },
+        Qt::QueuedConnection);
+  } else {
+    UpdateStatus();
+  }
+}
+
+void frmMain::showEvent(QShowEvent* event) {
+  QMainWindow::showEvent(event);
+  UpdateStatus();
+}
+
+}  // namespace wattlark

@@ -1,0 +1,155 @@
+#include <QAbstractButton>
+#include <QTest>
+
+#include "MainWindowFixture.h"
+
+namespace wattlark {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+struct PagesTest : MainWindowTest {
+  void ShowWindow(int meterCount = 2) {
+    Start(meterCount).ShowAtLaunch();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+  }
+  PageStrip& Strip() const { return Control<PageStrip>("elaScroller"); }
+  /// Lets the slide that runs come to its end at once.
+  void EndSlide() const {
+    for (auto* slide : Strip().findChildren<QVariantAnimation*>()) {
+      if (slide->state() == QVariantAnimation::Running) slide->setCurrentTime(slide->duration());
+    }
+  }
+  /// Pages that the user can see and reach, from 1.
+  std::vector<int> PagesInSight() const {
+    std::vector<int> pages;
+    for (int page = 1; page <= Strip().PageCount(); ++page) {
+      const QWidget& widget = *Strip().Pages()[static_cast<std::size_t>(page - 1)].widget;
+      if (widget.isVisible()) pages.push_back(page);
+    }
+    return pages;
+  }
+  void ExpectPage(int page) const {
+    EXPECT_EQ(Strip().CurrentPage(), page);
+    for (int i = 0; i < 4; ++i) {
+      const QString index = QString::number(i);
+      EXPECT_EQ(Control<PageShape>("shpPage" + index).IsFilled(), i == page - 1) << i;
+      EXPECT_EQ(Item("mnuView" + index).isChecked(), i == page - 1) << i;
+    }
+    EndSlide();
+    EXPECT_THAT(PagesInSight(), ElementsAre(page));
+    EXPECT_EQ(Strip().Pages()[static_cast<std::size_t>(page - 1)].widget->x(), 0);
+  }
+};
+
+TEST_F(PagesTest, ButtonsStepAndStopAtBothEnds) {
+  ShowWindow();
+  ExpectPage(1);
+  auto& back = Control<QAbstractButton>("elaNavigation0");
+  auto& forward = Control<QAbstractButton>("elaNavigation1");
+  back.click();
+  ExpectPage(1);
+  for (const int page : {2, 3, 4, 4}) {
+    forward.click();
+    ExpectPage(page);
+  }
+  back.click();
+  ExpectPage(3);
+}
+
+TEST_F(PagesTest, MenuAndKeysChooseAPage) {
+  ShowWindow();
+  Choose("mnuView2");
+  ExpectPage(3);
+  Choose("mnuView2");
+  ExpectPage(3);
+  window->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+  QTest::keyClick(window.get(), Qt::Key_PageDown, Qt::ControlModifier);
+  ExpectPage(4);
+  QTest::keyClick(window.get(), Qt::Key_Left, Qt::AltModifier);
+  ExpectPage(3);
+}
+
+TEST_F(PagesTest, ASlideIsShortAndTheCycleGoesOnMeanwhile) {
+  ShowWindow();
+  Choose("mnuView3");
+  const auto slides = Strip().findChildren<QVariantAnimation*>();
+  ASSERT_EQ(slides.size(), 1);
+  EXPECT_EQ(slides[0]->state(), QVariantAnimation::Running);
+  EXPECT_LE(slides[0]->totalDuration(), 300);
+  slides[0]->setCurrentTime(slides[0]->duration() / 2);
+  EXPECT_THAT(PagesInSight(), ElementsAre(1, 2, 3, 4));
+  Tick();
+  Choose("mnuView0");
+  ExpectPage(1);
+}
+
+TEST_F(PagesTest, TheKeyboardReachesAllOfThePageShownAndNothingOfOthers) {
+  ShowWindow();
+  std::vector<std::string> reached;
+  QWidget* first = &Control<QTabBar>("tabKillAWatt");
+  QWidget* widget = first;
+  do {
+    const bool isStop = widget->isVisible() && widget->isEnabled() &&
+                        (widget->focusPolicy() & Qt::TabFocus) == Qt::TabFocus;
+    if (isStop) {
+      reached.push_back(widget->objectName().toStdString());
+      EXPECT_FALSE(widget->accessibleName().isEmpty()) << widget->objectName().toStdString();
+    }
+    widget = widget->nextInFocusChain();
+  } while (widget != first);
+  ASSERT_GE(reached.size(), 5U);
+  EXPECT_EQ(reached.front(), "tabKillAWatt");
+  EXPECT_THAT(reached, testing::Contains(testing::StartsWith("elaCurrentUnit")));
+  EXPECT_THAT(reached, testing::Not(testing::Contains(testing::StartsWith("elaRecentUnit"))));
+  const std::vector<std::string> tail(reached.end() - 4, reached.end());
+  EXPECT_THAT(tail, ElementsAre("elaNavigation0", "elaNavigation1", "INFO", "COMM"));
+}
+
+// Counts the paint events of a window and everything in it.
+class PaintCounter : public QObject {
+ public:
+  explicit PaintCounter(QWidget& window) : window_(window) { qApp->installEventFilter(this); }
+  std::map<QWidget*, int> counts;
+
+ protected:
+  bool eventFilter(QObject* object, QEvent* event) override {
+    auto* widget = qobject_cast<QWidget*>(object);
+    const bool isOurs = widget != nullptr && widget->window() == &window_;
+    if (isOurs && event->type() == QEvent::Paint) ++counts[widget];
+    return false;
+  }
+
+ private:
+  QWidget& window_;
+};
+
+TEST_F(PagesTest, ATickPaintsEachWidgetAtMostOnceAndAHiddenWindowNone) {
+  Put("Settings", "DemoMode", "True");
+  ShowWindow(3);
+  Tick();
+  QCoreApplication::processEvents();
+  for (int page = 1; page <= 4; ++page) {
+    window->ShowPage(page);
+    EndSlide();
+    QCoreApplication::processEvents();
+    PaintCounter painted(*window);
+    Tick();
+    QCoreApplication::processEvents();
+    EXPECT_THAT(painted.counts, testing::Not(IsEmpty())) << "page " << page;
+    for (const auto& [widget, count] : painted.counts) {
+      EXPECT_EQ(count, 1) << "page " << page << ": " << widget->metaObject()->className();
+    }
+  }
+  window->close();
+  ASSERT_FALSE(window->isVisible());
+  PaintCounter painted(*window);
+  Tick(2);
+  QCoreApplication::processEvents();
+  EXPECT_THAT(painted.counts, IsEmpty());
+}
+
+}  // namespace
+}  // namespace wattlark
