@@ -22,6 +22,7 @@ wattlark_qt(wattlark_platform)
 # The windows; without their sources the program is built without them.
 file(GLOB_RECURSE formSources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/src/platform/qtwidgets/*.cpp")
 file(GLOB formFolders CONFIGURE_DEPENDS LIST_DIRECTORIES true "${PROJECT_SOURCE_DIR}/src/*/forms")
+list(FILTER formFolders EXCLUDE REGEX "/cli/forms$")
 foreach(folder IN LISTS formFolders)
   file(GLOB_RECURSE files CONFIGURE_DEPENDS "${folder}/*.cpp")
   list(APPEND formSources ${files})

@@ -17,7 +17,11 @@ if(mainFound)
   add_executable(wattlark "${mainSource}")
   target_link_libraries(wattlark PRIVATE wattlark_cli)
   if(TARGET wattlark_forms)
-    target_compile_definitions(wattlark PRIVATE WATTLARK_WITH_WINDOW=1)
+    file(GLOB windowSources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/src/cli/forms/*.cpp")
+    target_sources(wattlark PRIVATE ${windowSources})
+    target_compile_definitions(wattlark PRIVATE WATTLARK_WITH_WINDOW
+      WATTLARK_HELP_URL="${WATTLARK_HELP_URL}"
+      WATTLARK_WEBSITE_URL="${WATTLARK_WEBSITE_URL}")
     target_link_libraries(wattlark PRIVATE wattlark_forms)
   endif()
   install(TARGETS wattlark wattlark-headless)
