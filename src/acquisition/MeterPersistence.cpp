@@ -102,6 +102,7 @@ bool clsKillAWatt::LoadSettings(const modRegistry& store, const StoreText& text,
   reader.Whole<std::int16_t>("CurrentOffset", [this](auto value) { SetCurrentOffset(value); });
   reader.Double("CurrentScaler", [this](double value) { SetCurrentScaler(value); });
   reader.Double("VoltageScaler", [this](double value) { SetVoltageScaler(value); });
+  SetVoltageScaler(voltageScaler_);  // a missing one is bounded by the loaded voltage as well
   reader.Whole<std::int32_t>("KillAWattType", [this](auto value) { SetKillAWattType(value); });
   reader.Moment("Timestamp", [this](DateTime value) { statistics_.SetTimestamp(value); });
 

@@ -130,6 +130,8 @@ std::string ParseCaptureLine(std::string_view line, Capture& capture) {
   CaptureEvent event{*time, *ticks, 0};
   if (line != "tick") {
     const auto kind = TakeField(line);
+    if (kind == "tick") return "there is text behind \"tick\"";
+    if (line == "rx") return "the bytes behind \"rx\" are missing";
     if (kind != "rx") return Quoted(kind.value_or(line)) + " is not \"rx HEX\" or \"tick\"";
     if (const std::string problem = AppendHex(line, capture.bytes); !problem.empty()) {
       return problem;

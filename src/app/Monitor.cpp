@@ -51,19 +51,17 @@ bool Monitor::Load() {
   }
   // One transaction gives one view of the store: what another process locks or changes meanwhile
   // cannot pass for a missing value, which would be saved as its default at exit.
-  const std::string trouble = ports_.registry.ErrorText();
-  bool loaded = ports_.registry.Begin();
-  if (loaded) {
+  if (ports_.registry.Begin()) {
     profile_.Load(store_, options_.csvFilenameDefault, Now());
-    loaded = ports_.registry.ErrorText() == trouble;
+    loaded_ = ports_.registry.ErrorText().empty();
     ports_.registry.Rollback();
   }
-  if (loaded) {
+  if (loaded_) {
     TellLoadProblems();
   } else {
     Tell("Settings and meters could not be read: " + ports_.registry.ErrorText(), "Error!");
   }
-  return loaded;
+  return loaded_;
 }
 
 void Monitor::Tell(const std::string& text, const std::string& caption) {
@@ -93,12 +91,14 @@ void Monitor::StartRunning() {
 
 bool Monitor::Unload() {
   SetUpdateTimer(false);
+  ended_ = true;
   const bool saved = SaveEverything();
   ClosePort();
   return saved;
 }
 
 bool Monitor::SaveEverything() {
+  if (!loaded_) return false;
   bool saved = ports_.registry.Begin();
   if (saved) {
     saved = profile_.SaveAll(store_) && listener_.OnSave(store_);
@@ -176,8 +176,9 @@ void Monitor::RunTick(DateTime now, std::uint32_t ticks) {
   UpdateTotalKillAWatt(profile_.Total(), profile_.Meters(), now, ticks);
   if (!profile_.Meters().IsEmpty() && IsFlowing()) {
     schedule_.RunPublishers(profile_.Settings(), now);
-    ShowAlarmNotices(now);
+    if (!ended_) ShowAlarmNotices(now);
   }
+  if (ended_) return;  // the user left the program while a destination was waited for
   listener_.OnUpdateStatus();
   if (static_cast<std::int32_t>(ticks - lastSaveTicks_) / 1000 >= options_.checkpointSeconds) {
     lastSaveTicks_ = ticks;
@@ -226,7 +227,7 @@ void Monitor::RaiseAlarmNotice(clsKillAWatt& meter, DateTime now, std::string& t
 }
 
 void Monitor::SetUpdateTimer(bool enabled) {
-  if (timerEnabled_ == enabled) return;
+  if (timerEnabled_ == enabled || (enabled && ended_)) return;
   timerEnabled_ = enabled;
   listener_.OnUpdateTimer(enabled);
 }

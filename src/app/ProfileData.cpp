@@ -14,6 +14,8 @@ namespace {
 constexpr const char* kMetersSection = "KillAWatts";
 constexpr const char* kTotalSection = "TotalKillAWatt";
 constexpr const char* kUnreadableSection = "Unreadable";
+constexpr const char* kSettingsSection = "Settings";
+constexpr const char* kHeaderPending = "CSVHeaderPending";
 
 std::string MeterSection(const std::string& name) {
   return std::string(kMetersSection) + "\\" + name;
@@ -33,8 +35,14 @@ void ProfileData::Load(modRegistry& store, const std::string& csvFilenameDefault
   for (std::string& problem : LoadServiceEndpoints(store, endpoints_)) {
     problems_.push_back(std::move(problem));
   }
+  settings_.CSVFileChanged =
+      store.GetAppSetting("", kSettingsSection, kHeaderPending, "") == StoreText::FromBoolean(true);
   LoadMeters(store);
   LoadTotal(store, now);
+}
+
+bool ProfileData::RequestCSVHeader(modRegistry& store) {
+  return store.SaveAppSetting("", kSettingsSection, kHeaderPending, StoreText::FromBoolean(true));
 }
 
 void ProfileData::LoadMeters(const modRegistry& store) {
@@ -92,6 +100,7 @@ void ProfileData::NoteUnreadable(const std::string& section,
 bool ProfileData::SaveAll(modRegistry& store) {
   text_.Save(store);
   const bool saved = SaveAppSettingsAtExit(store, text_, settings_);
+  if (!settings_.CSVFileChanged) store.DeleteAppSetting("", kSettingsSection, kHeaderPending);
   return SaveMeters(store) && saved;
 }
 

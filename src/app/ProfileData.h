@@ -28,6 +28,9 @@ class ProfileData {
   void Load(modRegistry& store, const std::string& csvFilenameDefault, DateTime now);
   /// Settings, meters and Total. False when a write failed; call it within a transaction.
   bool SaveAll(modRegistry& store);
+  /// Lets the CSV log start with a new header line after the next load: for a change of the meters
+  /// or the file while no program runs.
+  static bool RequestCSVHeader(modRegistry& store);
   /// Meters and Total alone.
   bool SaveMeters(modRegistry& store);
 

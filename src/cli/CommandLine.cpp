@@ -3,9 +3,11 @@
 #include <CLI/CLI.hpp>
 #include <cstdlib>
 #include <exception>
+#include <filesystem>
 #include <iostream>
 #include <new>
 #include <string>
+#include <system_error>
 
 #include "cli/DefaultFiles.h"
 #include "cli/MeterCommands.h"
@@ -50,6 +52,10 @@ class CommandLine {
                "There is no home folder for the profile: choose one with --profile.");
       return ExitRefused;
     }
+    // The profile's paths are stored: they must mean the same from every folder.
+    std::error_code ignored;
+    const auto absolute = std::filesystem::absolute(profile_, ignored);
+    if (!ignored) profile_ = absolute.lexically_normal().string();
     return Dispatch(argc, argv, runWindow, environment);
   }
 

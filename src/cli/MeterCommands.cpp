@@ -117,11 +117,10 @@ bool LoadProfile(ProfileStore& store, ProfileData& profile, std::ostream& messag
   // Within a transaction a lock of another process cannot make stored meters look missing, which
   // a save would then delete.
   Registry& registry = store.Port();
-  const std::string trouble = registry.ErrorText();
   bool loaded = registry.Begin();
   if (loaded) {
     profile.Load(store.Values(), DefaultCSVFilename(store.Folder()), DateTime());
-    loaded = registry.ErrorText() == trouble;
+    loaded = registry.ErrorText().empty();
     registry.Rollback();
   }
   if (!loaded) TellUser(messages, "The meters could not be read: " + registry.ErrorText());
@@ -135,7 +134,7 @@ int SaveMeters(ProfileStore& store, ProfileData& profile, std::ostream& messages
   bool saved = registry.Begin();
   if (saved) {
     const bool hadTotal = store.Values().AppSectionExists("", kTotalSection);
-    saved = profile.SaveMeters(store.Values());
+    saved = profile.SaveMeters(store.Values()) && ProfileData::RequestCSVHeader(store.Values());
     // A start makes the Total of a new profile from its meters and its own time.
     if (saved && !hadTotal) saved = store.Values().DeleteAppSection("", kTotalSection);
     if (saved) {

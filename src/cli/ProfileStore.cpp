@@ -21,7 +21,13 @@ bool ProfileStore::OpenForChanges(std::ostream& messages) {
   }
   StoreOpening opening = OpenStore(folder_);
   if (!opening.message.empty()) TellUser(messages, opening.message);
-  return opening.savesChanges && Take(std::move(opening.registry));
+  if (!opening.savesChanges || !Take(std::move(opening.registry))) return false;
+  // A change makes the application key, behind which older settings would never be taken over.
+  if (registry_->Begin()) {
+    values_->MigrateLegacySettings(ApplicationTitle, false);
+    registry_->Commit();
+  }
+  return true;
 }
 
 bool ProfileStore::OpenCopy(std::ostream& messages) {

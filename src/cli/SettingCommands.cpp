@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "app/ProfileData.h"
 #include "cli/DefaultFiles.h"
 #include "cli/MeterJson.h"
 #include "cli/ProfileStore.h"
@@ -100,6 +101,10 @@ std::string ValueProblem(const SettingName& setting, const StoreText& text, std:
 
 bool Store(modRegistry& store, const SettingName& setting, const std::string& value) {
   const bool removes = setting.section == kPortDevices && value.empty();
+  if (setting.info != nullptr && setting.info->name == std::string_view("CSVFilename") &&
+      !ProfileData::RequestCSVHeader(store)) {
+    return false;
+  }
   if (!removes) return store.SaveAppSetting("", setting.section, setting.name, value);
   return store.GetAppSetting("", setting.section, setting.name, "").empty() ||
          store.DeleteAppSetting("", setting.section, setting.name);

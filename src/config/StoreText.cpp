@@ -132,6 +132,8 @@ std::string StoreText::FromDateTime(DateTime value) const {
 std::optional<DateTime> StoreText::ToDateTime(std::string_view text) const {
   text = Trim(text);
   if (text.empty() || text == "0") return DateTime();
+  // The date 0 of older stores is written as its time alone.
+  if (text == FormatLongTime(regional_, DateTime::FromMilliseconds(0))) return DateTime();
   if (text.size() > 4 && text[text.size() - 4] == '.' &&
       std::all_of(text.end() - 3, text.end(), IsDigit)) {
     const std::string_view digits = text.substr(text.size() - 3);

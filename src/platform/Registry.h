@@ -60,8 +60,8 @@ class Registry {
   virtual bool Begin() = 0;
   virtual bool Commit() = 0;
   virtual void Rollback() = 0;
-  /// What went wrong with the last operation that failed, in words; empty when none did. That a key
-  /// or value is missing is an answer and no failure.
+  /// What went wrong with the last operation that failed, in words; empty when none did since the
+  /// last `Begin` that worked. That a key or value is missing is an answer and no failure.
   virtual std::string ErrorText() const = 0;
 };
 

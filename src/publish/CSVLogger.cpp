@@ -37,8 +37,7 @@ PublishResult LogToCSVFile(AppSettings& settings, const MeterCollection& meters,
   std::ofstream file(settings.CSVFilename, std::ios::binary | std::ios::app);
   if (!file) {
     const int error = errno != 0 ? errno : EIO;
-    return {false, "Error Writing Log File - " + std::generic_category().message(error) + " (" +
-                       settings.CSVFilename + ")"};
+    return {false, "Error Writing Log File - " + std::generic_category().message(error)};
   }
   file.seekp(0, std::ios::end);
   if (settings.CSVFileChanged || file.tellp() == std::streampos(0)) {

@@ -198,6 +198,14 @@ TEST(MeterPersistence, ClampsStoredCalibration) {
   EXPECT_EQ(meter.CurrentScaler(), 1.25 / 15.5);
 }
 
+TEST(MeterPersistence, BoundsAMissingVoltageScalerByTheLoadedVoltage) {
+  Store store;
+  store.Put("NominalVoltage", "240");
+  clsKillAWatt meter;
+  ASSERT_TRUE(store.Load(meter));
+  EXPECT_EQ(meter.VoltageScaler(), 0.75 * 1.2);
+}
+
 TEST(MeterPersistence, ReadsSeriesOfEveryLengthAndQuality) {
   struct Case {
     const char* stored;

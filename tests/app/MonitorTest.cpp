@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+#include <utility>
 
 #include "app/Monitor.h"
 #include "app/MonitorFixture.h"
@@ -31,6 +32,33 @@ TEST_F(MonitorTest, TakesSettingsFromTheOlderPlaceOnce) {
   std::swap(registry, fresh);
   Start();
   EXPECT_EQ(port.lastPortNumber, 5);
+}
+
+TEST_F(MonitorTest, SavesNothingOverAStoreItCouldNotRead) {
+  PutMeter("Kitchen", 5);
+  Put("KillAWatts\\Kitchen", "UsageToDate", "1234.5");
+  registry.failsReads = true;
+  Start();
+  EXPECT_FALSE(monitor->Load());
+  ASSERT_FALSE(prompts.asked.empty());
+  EXPECT_EQ(prompts.asked.back().text,
+            "Settings and meters could not be read: another program is using it");
+  registry.failsReads = false;
+  Tick(400);
+  EXPECT_FALSE(monitor->Unload());
+  EXPECT_EQ(Get("KillAWatts\\Kitchen", "UsageToDate"), "1234.5");
+}
+
+TEST_F(MonitorTest, RunsNothingMoreOnceItWasLeftWithinATick) {
+  PutMeter("Kitchen", 5);
+  Start();
+  bool left = false;
+  listener.duringStatusUpdate = [&] {
+    if (!std::exchange(left, true)) monitor->Unload();
+  };
+  Tick();
+  EXPECT_FALSE(monitor->IsUpdateTimerEnabled());
+  EXPECT_FALSE(port.IsOpen());
 }
 
 TEST_F(MonitorTest, GivesAFrameToTheMeterOfItsAddress) {

@@ -130,6 +130,16 @@ TEST_F(Stored, MetersWithAStrangeStoredNameKeepAKeyOfTheirOwn) {
   EXPECT_EQ(profile->Meters().FindName("B")->XBeeAddress(), 2);
 }
 
+TEST_F(Stored, AsksForACSVHeaderAfterAChangeWhileNothingRan) {
+  ProfileData::RequestCSVHeader(store);
+  EXPECT_TRUE(Load().Settings().CSVFileChanged);
+  profile->SaveAll(store);
+  EXPECT_TRUE(Load().Settings().CSVFileChanged) << "no row was written yet";
+  profile->Settings().CSVFileChanged = false;
+  profile->SaveAll(store);
+  EXPECT_FALSE(Load().Settings().CSVFileChanged);
+}
+
 TEST_F(Stored, KeepsTextsItCannotRead) {
   PutMeter("Kitchen", "5");
   Put("KillAWatts\\Kitchen", "UsageToDate", "lots");

@@ -81,6 +81,7 @@ TEST(StoreText, DateTimesThatAreNone) {
   const StoreText text(RegionalSettings::UnitedStates());
   EXPECT_EQ(text.ToDateTime(""), DateTime());
   EXPECT_EQ(text.ToDateTime("0"), DateTime());
+  EXPECT_EQ(text.ToDateTime("12:00:00 AM"), DateTime());
   EXPECT_EQ(text.ToDateTime("8/27/2010"), At("2010-08-27T00:00:00"));
   for (const char* bad : {"x", "13/27/2010 1:05:09 PM", "2/29/2011 1:05:09 PM", "8/27/2010 1:05",
                           "8/27/2010 1:05:09 PM.07x", ".070", "40417.5"}) {

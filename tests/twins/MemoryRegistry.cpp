@@ -26,6 +26,10 @@ bool MemoryRegistry::MayChange() {
 }
 
 MemoryRegistry::Key* MemoryRegistry::Find(Hive hive, const std::string& path) {
+  if (failsReads) {
+    errorText_ = "another program is using it";
+    return nullptr;
+  }
   const auto found = keys_.find({hive, FoldCase(NormalRegistryPath(path))});
   return found == keys_.end() ? nullptr : &found->second;
 }
@@ -111,6 +115,7 @@ bool MemoryRegistry::Begin() {
     return false;
   }
   beforeTransaction_ = keys_;
+  errorText_.clear();
   return true;
 }
 

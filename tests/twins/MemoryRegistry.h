@@ -16,6 +16,7 @@ class MemoryRegistry final : public Registry {
  public:
   bool failsWrites = false;  ///< every change fails as on a full disk
   bool failsCommit = false;
+  bool failsReads = false;  ///< nothing is found, as behind another program's lock
 
   bool KeyExists(Hive hive, const std::string& path) override;
   bool CreateKey(Hive hive, const std::string& path) override;

@@ -298,6 +298,7 @@ bool SqliteRegistry::Begin() {
     return false;
   }
   inTransaction_ = true;
+  errorText_.clear();
   snapshot_.Clear();
   lastKey_ = 0;
   return true;
