@@ -1,0 +1,240 @@
+#include "platform/qt/QtHttpClient.h"
+
+#include <QNetworkRequest>
+#include <QSslError>
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
+#include "platform/qt/WebAddress.h"
+
+namespace wattlark {
+
+namespace {
+
+constexpr qint64 kReadAhead = 256 * 1024;
+constexpr int kMostRedirects = 10;
+
+// Qt's own texts name the address, which may hold a key.
+const char* ErrorText(QNetworkReply::NetworkError error) {
+  switch (error) {
+    case QNetworkReply::ConnectionRefusedError:
+      return "Connection refused";
+    case QNetworkReply::RemoteHostClosedError:
+      return "The server closed the connection before the end of its response";
+    case QNetworkReply::HostNotFoundError:
+      return "Host not found";
+    case QNetworkReply::TimeoutError:
+      return "The connection timed out";
+    case QNetworkReply::SslHandshakeFailedError:
+      return "No secure connection to the server could be made";
+    case QNetworkReply::TooManyRedirectsError:
+      return "The server redirects in circles";
+    case QNetworkReply::InsecureRedirectError:
+      return "The server redirects to another kind of address";
+    case QNetworkReply::TemporaryNetworkFailureError:
+    case QNetworkReply::NetworkSessionFailedError:
+    case QNetworkReply::UnknownNetworkError:
+      return "The network is not available";
+    default:
+      return "The connection to the server failed";
+  }
+}
+
+bool IsSameOrigin(const QUrl& one, const QUrl& other) {
+  const auto port = [](const QUrl& url) { return url.port(url.scheme() == "https" ? 443 : 80); };
+  return one.scheme() == other.scheme() && one.host() == other.host() && port(one) == port(other);
+}
+
+void SetHeaders(QNetworkRequest& request, const std::string& headers) {
+  const QByteArray lines = QByteArray::fromStdString(headers);
+  for (const QByteArray& line : lines.split('\n')) {
+    const qsizetype colon = line.indexOf(':');
+    if (colon <= 0) continue;
+    request.setRawHeader(line.left(colon).trimmed(), line.mid(colon + 1).trimmed());
+  }
+}
+
+QNetworkRequest MakeRequest(const WebAddress& address, const std::string& headers) {
+  QNetworkRequest request(address.url);
+  request.setRawHeader("User-Agent", "Wattlark/" WATTLARK_VERSION);
+  // A body that unpacks to many times its size would get round the bound on responses.
+  request.setRawHeader("Accept-Encoding", "identity");
+  SetHeaders(request, headers);
+  if (!address.authorization.isEmpty()) {
+    request.setRawHeader("Authorization", address.authorization);
+  }
+  request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
+                       QNetworkRequest::UserVerifiedRedirectPolicy);
+  request.setMaximumRedirectsAllowed(kMostRedirects);
+  request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
+  request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
+  request.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
+  request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
+  request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
+  request.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
+  return request;
+}
+
+}  // namespace
+
+QtHttpClient::QtHttpClient(std::chrono::milliseconds limit) {
+  timer_.setSingleShot(true);
+  timer_.setInterval(limit);
+  connect(&timer_, &QTimer::timeout, this, [this] {
+    Fail(TooSlow, "No complete answer within " + std::to_string(timer_.interval() / 1000) + " s");
+  });
+}
+
+QtHttpClient::~QtHttpClient() {
+  onState = nullptr;
+  Cancel();
+}
+
+void QtHttpClient::Execute(const std::string& url, const std::string& operation,
+                           const std::string& body, const std::string& headers) {
+  if (busy_) throw std::runtime_error("Still executing the last request");
+  busy_ = true;
+  ++request_;
+  body_.clear();
+  given_ = 0;
+  sslProblem_.clear();
+  responseCode_ = 0;
+  responseInfo_.clear();
+  const std::optional<WebAddress> address = ParseWebAddress(url);
+  if (!address) {
+    Fail(BadAddress, "The address is not valid");
+    return;
+  }
+  const QNetworkRequest request = MakeRequest(*address, headers);
+  mayLeaveHost_ = operation == "GET" && !request.hasRawHeader("Authorization");
+  timer_.start();
+  Post(HttpState::ResolvingHost);
+  Start(request, operation, body);
+}
+
+void QtHttpClient::Start(const QNetworkRequest& request, const std::string& operation,
+                         const std::string& body) {
+  const QByteArray bytes = QByteArray::fromStdString(body);
+  if (operation == "GET") {
+    reply_ = manager_.get(request);
+  } else if (operation == "PUT") {
+    reply_ = manager_.put(request, bytes);
+  } else {
+    reply_ = manager_.post(request, bytes);
+  }
+  url_ = request.url();
+  reply_->setReadBufferSize(kReadAhead);
+  ConnectReply();
+}
+
+void QtHttpClient::ConnectReply() {
+  connect(reply_, &QNetworkReply::socketStartedConnecting, this,
+          [this] { Post(HttpState::Connecting); });
+  connect(reply_, &QNetworkReply::encrypted, this, [this] { Post(HttpState::Connected); });
+  connect(reply_, &QNetworkReply::requestSent, this, [this] { Post(HttpState::RequestSent); });
+  connect(reply_, &QNetworkReply::metaDataChanged, this,
+          [this] { Post(HttpState::ReceivingResponse); });
+  connect(reply_, &QNetworkReply::redirected, this, &QtHttpClient::CheckRedirect);
+  connect(reply_, &QNetworkReply::readyRead, this, &QtHttpClient::TakeBody);
+  connect(reply_, &QNetworkReply::finished, this, &QtHttpClient::OnFinished);
+  connect(reply_, &QNetworkReply::sslErrors, this, [this](const QList<QSslError>& errors) {
+    if (!errors.isEmpty()) sslProblem_ = errors.front().errorString().toStdString();
+  });
+}
+
+void QtHttpClient::CheckRedirect(const QUrl& target) {
+  // The reply itself names the target as its address by now.
+  const bool isAllowed =
+      IsSameOrigin(url_, target) || (mayLeaveHost_ && url_.scheme() == target.scheme());
+  if (isAllowed) {
+    url_ = target;
+    emit reply_->redirectAllowed();
+  } else {
+    Fail(Redirected, "The server redirects to another place");
+  }
+}
+
+void QtHttpClient::TakeBody() {
+  const QByteArray part = reply_->readAll();
+  if (body_.size() + static_cast<std::size_t>(part.size()) > LongestResponse) {
+    body_.clear();
+    Fail(TooLong, "The response is too long");
+    return;
+  }
+  body_.append(part.constData(), static_cast<std::size_t>(part.size()));
+}
+
+void QtHttpClient::OnFinished() {
+  TakeBody();
+  if (reply_ == nullptr) return;  // the response was too long
+  const QNetworkReply::NetworkError error = reply_->error();
+  const int status = reply_->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+  // From 201 on Qt's errors say what the server answered, but for two that tell of a bad protocol.
+  // Without an answer there is no status, or the one that Qt starts with.
+  const bool isAnswer = status >= 200 && (error == QNetworkReply::NoError ||
+                                          (error >= QNetworkReply::ContentAccessDenied &&
+                                           error != QNetworkReply::ProtocolFailure &&
+                                           error != QNetworkReply::ProtocolUnknownError));
+  if (isAnswer) {
+    if (status >= 300) responseInfo_ = "The server answers with status " + std::to_string(status);
+    Post(HttpState::ResponseReceived);
+  } else {
+    responseCode_ = error == QNetworkReply::NoError ? QNetworkReply::RemoteHostClosedError : error;
+    responseInfo_ = ErrorText(static_cast<QNetworkReply::NetworkError>(responseCode_));
+    if (!sslProblem_.empty()) responseInfo_ += ": " + sslProblem_;
+  }
+  PostEnd();
+}
+
+void QtHttpClient::Fail(Failure failure, const std::string& info) {
+  responseCode_ = failure;
+  responseInfo_ = info;
+  PostEnd();
+}
+
+// Every event comes from the event loop, in the order in which it was posted.
+void QtHttpClient::Post(HttpState state) {
+  QMetaObject::invokeMethod(
+      this,
+      [this, state, request = request_] {
+        if (request == request_ && busy_ && onState) onState(state);
+      },
+      Qt::QueuedConnection);
+}
+
+void QtHttpClient::PostEnd() {
+  timer_.stop();
+  if (reply_ != nullptr) {
+    // The reply may be raising a signal: it goes once the event loop has come round.
+    QNetworkReply* reply = std::exchange(reply_, nullptr);
+    reply->disconnect(this);
+    reply->abort();
+    reply->deleteLater();
+  }
+  QMetaObject::invokeMethod(
+      this,
+      [this, request = request_] {
+        if (request == request_ && busy_) EndRequest();
+      },
+      Qt::QueuedConnection);
+}
+
+void QtHttpClient::EndRequest() {
+  busy_ = false;
+  if (onState) onState(responseCode_ == 0 ? HttpState::ResponseCompleted : HttpState::Error);
+}
+
+std::string QtHttpClient::GetChunk(std::size_t size) {
+  const std::string chunk = body_.substr(given_, size);
+  given_ += chunk.size();
+  return chunk;
+}
+
+void QtHttpClient::Cancel() {
+  if (!busy_) return;
+  Fail(Cancelled, "Cancelled");
+  EndRequest();
+}
+
+}  // namespace wattlark
