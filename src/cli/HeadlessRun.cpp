@@ -26,9 +26,10 @@ int RunMonitor(QCoreApplication& application, const RunOptions& options, Program
   HeadlessFace face(console, setup.Serial(), options.profileFolder);
   Monitor& monitor = setup.MakeMonitor(desktop, prompts, face);
   face.Attach(monitor);
-  setup.Load([&] {
+  const bool isLoaded = setup.Load([&] {
     console.WriteMessage("Another start with this profile was refused: this one is running");
   });
+  if (!isLoaded) return ExitRefused;
   monitor.StartRunning();
   application.exec();
 

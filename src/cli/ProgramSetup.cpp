@@ -43,14 +43,15 @@ Monitor& ProgramSetup::MakeMonitor(Desktop& desktop, Prompts& prompts, MonitorLi
   return *monitor_;
 }
 
-void ProgramSetup::Load(std::function<void()> onShow) {
+bool ProgramSetup::Load(std::function<void()> onShow) {
   instance_->onShow = std::move(onShow);
   instance_->Listen();
-  monitor_->Load();
+  if (!monitor_->Load()) return false;
   if (!options_.device.empty()) {
     devices_->UseForThisRun(monitor_->Profile().Settings().PortNum, options_.device);
   }
   if (recorder_) monitor_->RecordTo(&*recorder_);
+  return true;
 }
 
 std::string ProgramSetup::FinishSaving(bool unloaded) {

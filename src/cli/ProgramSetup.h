@@ -39,7 +39,8 @@ class ProgramSetup {
   /// use.
   Monitor& MakeMonitor(Desktop& desktop, Prompts& prompts, MonitorListener& listener);
   /// Loads the profile. `onShow` is called from now on when another start wants the program shown.
-  void Load(std::function<void()> onShow);
+  /// False, and the user has been told why, when the store could not be read: the program ends.
+  [[nodiscard]] bool Load(std::function<void()> onShow);
   /// After the event loop. `unloaded` is what `Monitor::Unload` answered. Why not everything is
   /// saved; empty when it is.
   std::string FinishSaving(bool unloaded);

@@ -47,9 +47,10 @@ class WindowRun {
     if (!isOpen) return ExitRefused;
     MonitorRelay relay;
     monitor_ = &setup_.MakeMonitor(desktop_, prompts_, relay);
-    setup_.Load([this] {
+    const bool isLoaded = setup_.Load([this] {
       if (window_ != nullptr) window_->ShowWindow();
     });
+    if (!isLoaded) return ExitRefused;
     frmMain window({*monitor_, setup_.Values(), desktop_, prompts_}, WindowOptions());
     window_ = &window;
     relay.SendTo(&window);
