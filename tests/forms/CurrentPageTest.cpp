@@ -148,6 +148,7 @@ TEST_F(CurrentPageTest, ArrowKeysChooseAndTheTabKeyReachesTheChosenButtonOnly) {
   CurrentPage page(monitor_, selection_);
   Show(page);
   page.SetCurrentUnit(1);
+  page.SetCurrentInterval(3);
   auto& chosen = Find<QPushButton>(page, "elaCurrentUnit1");
   chosen.setFocus();
   QTest::keyClick(&chosen, Qt::Key_Right);
@@ -160,7 +161,7 @@ TEST_F(CurrentPageTest, ArrowKeysChooseAndTheTabKeyReachesTheChosenButtonOnly) {
     order.append(page.focusWidget()->objectName());
     QTest::keyClick(page.focusWidget(), Qt::Key_Tab);
   }
-  EXPECT_EQ(order, QStringList({"elaCurrentUnit1", "picMeter", "elaCurrentInterval0"}));
+  EXPECT_EQ(order, QStringList({"elaCurrentUnit1", "picMeter", "elaCurrentInterval3"}));
 }
 
 TEST_F(CurrentPageTest, AssistiveProgramsFindNamedRadioButtons) {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "app/forms/PageFrame.h"
+
 namespace wattlark {
 
 namespace {
@@ -10,6 +12,7 @@ namespace {
 constexpr double kLabelFont = 0.85;
 constexpr int kPixelsPerValueLabel = 44;
 constexpr int kLabelGap = 6;
+constexpr int kEdge = 2;  ///< keeps the labels off the focus ring
 constexpr int kMostValueSteps = 5;
 
 }  // namespace
@@ -81,7 +84,7 @@ int ChartView::SetValueAxis(QCPAxis& axis, const ValueScale& scale,
     ticker->Set(ticks, labels);
   }
   axis.setRange(scale.lower, scale.upper);
-  return widest + kLabelGap;
+  return widest + kLabelGap + kEdge;
 }
 
 int ChartView::TimeLabelHeight() const {
@@ -107,12 +110,8 @@ void ChartView::paintEvent(QPaintEvent* event) {
     setAttribute(Qt::WA_UpdatesDisabled, false);
   }
   QCustomPlot::paintEvent(event);
-  if (!hasFocus()) return;
-  QStyleOptionFocusRect focus;
-  focus.initFrom(this);
-  focus.backgroundColor = theme_.base;
   QPainter painter(this);
-  style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, &painter, this);
+  PaintFocus(painter, *this, rect(), theme_);
 }
 
 void ChartView::resizeEvent(QResizeEvent* /*event*/) {

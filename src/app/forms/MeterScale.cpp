@@ -2,11 +2,10 @@
 
 #include <QKeyEvent>
 #include <QPainter>
-#include <QStyleOptionFocusRect>
 #include <algorithm>
 #include <cmath>
 
-#include "platform/qtwidgets/Theme.h"
+#include "app/forms/PageFrame.h"
 
 namespace wattlark {
 
@@ -15,6 +14,7 @@ namespace {
 constexpr int kPointerWidth = 12;
 constexpr int kPointerHeight = 10;
 constexpr int kGap = 2;
+constexpr int kFocusGap = 3;
 constexpr int kTrack = 12;
 constexpr int kScaleHeight = 24;
 constexpr int kTicks = 10;
@@ -54,12 +54,6 @@ class MeterScale::Scale : public QWidget {
       painter.restore();
     }
     PaintTicks(painter, theme);
-    if (hasFocus()) {
-      QStyleOptionFocusRect focus;
-      focus.initFrom(this);
-      focus.backgroundColor = theme.base;
-      style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, &painter, this);
-    }
   }
 
  private:
@@ -98,7 +92,7 @@ class MeterScale::Pointer : public QWidget {
 
 MeterScale::MeterScale(QWidget* parent)
     : QWidget(parent), picMeter_(new Scale(this)), picIndicator_(new Pointer(this)) {
-  setFixedHeight(kPointerHeight + kGap + kScaleHeight);
+  setFixedHeight(kPointerHeight + kGap + kScaleHeight + kFocusGap);
   picMeter_->installEventFilter(this);
   picIndicator_->hide();
 }
@@ -129,7 +123,16 @@ void MeterScale::PlaceIndicator() {
   picIndicator_->move(picMeter_->x() + static_cast<int>(std::lround(x)) - kPointerWidth / 2, 0);
 }
 
+// The ring is wider than the scale, whose ends it would hide.
+void MeterScale::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  PaintFocus(painter, *picMeter_,
+             picMeter_->geometry().adjusted(-2 * kFocusGap, -kFocusGap, 2 * kFocusGap, kFocusGap),
+             Theme::FromPalette(palette()));
+}
+
 bool MeterScale::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut) update();
   const bool isReset = event->type() == QEvent::MouseButtonDblClick ||
                        (event->type() == QEvent::KeyPress &&
                         static_cast<QKeyEvent*>(event)->key() == Qt::Key_Delete);

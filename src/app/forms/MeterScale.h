@@ -23,6 +23,7 @@ class MeterScale : public QWidget {
   void ResetWanted();
 
  protected:
+  void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 

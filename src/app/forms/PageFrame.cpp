@@ -3,14 +3,13 @@
 #include <QPainter>
 #include <QVBoxLayout>
 
-#include "platform/qtwidgets/Theme.h"
-
 namespace wattlark {
 
 namespace {
 
 constexpr int kMargin = 12;
 constexpr int kSpacing = 8;
+constexpr double kFocusRadius = 4;
 
 }  // namespace
 
@@ -21,6 +20,16 @@ QVBoxLayout* PageColumn(QWidget& page) {
   column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
   column->setSpacing(kSpacing);
   return column;
+}
+
+void PaintFocus(QPainter& painter, const QWidget& widget, const QRect& place, const Theme& theme) {
+  if (!widget.hasFocus() || !widget.window()->testAttribute(Qt::WA_KeyboardFocusChange)) return;
+  painter.save();
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(QPen(theme.text, 1));
+  painter.setBrush(Qt::NoBrush);
+  painter.drawRoundedRect(QRectF(place).adjusted(0.5, 0.5, -0.5, -0.5), kFocusRadius, kFocusRadius);
+  painter.restore();
 }
 
 Hairline::Hairline(QWidget* parent) : QWidget(parent) {

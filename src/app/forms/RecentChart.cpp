@@ -13,26 +13,19 @@ namespace wattlark {
 
 namespace {
 
-constexpr double kZoneEnd = 50000;
 constexpr double kReachPixels = 8;
 constexpr int kTopMargin = 20;
 constexpr int kRightMargin = 12;
-constexpr int kLabelGap = 14;
+constexpr int kBottomMargin = 4;
+constexpr int kLabelGap = 10;
+constexpr int kLeastLabelPixels = 8;
 constexpr double kMarkSize = 9;
 constexpr double kLonerSize = 5;
-
-QCPItemRect* AddZone(QCustomPlot& plot, const char* name) {
-  auto* zone = new QCPItemRect(&plot);
-  zone->setObjectName(name);
-  zone->setLayer("background");
-  zone->setVisible(false);
-  return zone;
-}
 
 }  // namespace
 
 RecentChart::RecentChart(const RegionalSettings& regional, QWidget* parent)
-    : ChartView("chtRecent", "Recent values", parent), regional_(regional) {
+    : ChartView("chtRecent", "Recent values", parent), regional_(regional), zones_(*this) {
   setFocusPolicy(Qt::TabFocus);
   BuildAxes();
   BuildPlottables();
@@ -54,18 +47,18 @@ void RecentChart::BuildAxes() {
 }
 
 void RecentChart::BuildPlottables() {
-  lower_ = AddZone(*this, "Lower");
-  upper_ = AddZone(*this, "Upper");
   line_ = addGraph();
   line_->setObjectName("values");
   // A value between two gaps has no line to either side.
   loners_ = addGraph();
   loners_->setObjectName("loners");
   loners_->setLineStyle(QCPGraph::lsNone);
-  markGraph_ = addGraph();
-  markGraph_->setObjectName("mark");
-  markGraph_->setLineStyle(QCPGraph::lsNone);
-  markGraph_->setLayer("overlay");
+  ring_ = new QCPItemTracer(this);
+  ring_->setObjectName("mark");
+  ring_->setStyle(QCPItemTracer::tsCircle);
+  ring_->setSize(kMarkSize);
+  ring_->setClipToAxisRect(false);
+  ring_->setLayer("overlay");
 }
 
 void RecentChart::ApplyTheme(const Theme& theme) {
@@ -79,10 +72,9 @@ void RecentChart::ApplyTheme(const Theme& theme) {
   line_->setPen(QPen(theme.firstSeries, 1.75, Qt::SolidLine, Qt::FlatCap, Qt::RoundJoin));
   loners_->setPen(QPen(theme.firstSeries, 1));
   loners_->setScatterStyle(QCPScatterStyle(QCPScatterStyle::ssDisc, theme.firstSeries, kLonerSize));
-  markGraph_->setScatterStyle(QCPScatterStyle(QCPScatterStyle::ssCircle, QPen(theme.text, 2),
-                                              QBrush(theme.base), kMarkSize));
-  lower_->setBrush(theme.zone);
-  upper_->setBrush(theme.zone);
+  ring_->setPen(QPen(theme.text, 2));
+  ring_->setBrush(theme.base);
+  zones_.ApplyTheme(theme);
 }
 
 void RecentChart::SetView(RecentChartView view, int unit, int interval) {
@@ -105,12 +97,12 @@ void RecentChart::Prepare() {
     high = std::max(high, value);
   }
   const int labels = SetValueAxis(*yAxis, MakeValueScale(low, high, ValueSteps()), regional_);
-  SetPlotMargins({labels, kTopMargin, kRightMargin, TimeLabelHeight()});
-  timeSpace_ = {labels, width() - labels - kRightMargin};
+  SetPlotMargins({labels, kTopMargin, kRightMargin, TimeLabelHeight() + kBottomMargin});
+  timeSpace_ = {labels, std::max(1, width() - labels - kRightMargin)};
   xAxis->setRange(static_cast<double>(view_.x.front()) - 0.5,
                   static_cast<double>(view_.x.back()) + 0.5);
   title_->setText(QString::fromStdString(view_.axisTitle));
-  SetZones();
+  zones_.Show(view_.zones);
   SetTimeAxis();
   ShowMark(mark_ ? std::optional(static_cast<int>(*mark_ - view_.x.front())) : std::nullopt);
 }
@@ -137,18 +129,26 @@ void RecentChart::FillGraphs() {
 }
 
 void RecentChart::SetTimeAxis() {
-  const QFontMetrics metrics(xAxis->tickLabelFont());
-  const auto label = [&](std::int64_t x) {
+  // A single label says nothing of the scale: two are worth a smaller font.
+  QFont font = LabelFont();
+  while (PlaceTimeLabels(font) < 2 && font.pixelSize() > kLeastLabelPixels) {
+    font.setPixelSize(font.pixelSize() - 1);
+  }
+  xAxis->setTickLabelFont(font);
+}
+
+int RecentChart::PlaceTimeLabels(const QFont& font) {
+  const QFontMetrics metrics(font);
+  const auto label = [this](std::int64_t x) {
     return QString::fromStdString(RecentAxisLabel(interval_, x, regional_));
   };
   const int labelWidth = metrics.horizontalAdvance(label(view_.x.back())) + kLabelGap;
-  const int space = std::max(1, timeSpace_.width);
+  const int most = std::max(1, timeSpace_.width / labelWidth);
   QVector<double> ticks;
   QVector<QString> labels;
-  for (const std::int64_t x :
-       TimeTicks(interval_, view_.x.front(), view_.x.back(), std::max(1, space / labelWidth))) {
+  for (const std::int64_t x : TimeTicks(interval_, view_.x.front(), view_.x.back(), most)) {
     const double share = (static_cast<double>(x) - xAxis->range().lower) / xAxis->range().size();
-    const double centre = timeSpace_.left + share * space;
+    const double centre = timeSpace_.left + share * timeSpace_.width;
     const QString text = label(x);
     const double half = metrics.horizontalAdvance(text) / 2.0;
     if (centre + half > width() || centre - half < 0) continue;
@@ -156,27 +156,7 @@ void RecentChart::SetTimeAxis() {
     labels.append(text);
   }
   timeTicker_->Set(ticks, labels);
-}
-
-void RecentChart::SetZones() {
-  lower_->setVisible(view_.zones.has_value());
-  upper_->setVisible(view_.zones.has_value());
-  if (!view_.zones) return;
-  // A band may reach far beyond the plot; what is drawn of it does not, or dashes would take long.
-  const auto place = [this](QCPItemRect& zone, double top, double bottom, double limit) {
-    const QCPRange x = xAxis->range();
-    const QCPRange y = yAxis->range();
-    const auto near = [&](double value) {
-      return std::clamp(value, y.lower - y.size(), y.upper + y.size());
-    };
-    zone.topLeft->setCoords(x.lower - x.size(), near(top));
-    zone.bottomRight->setCoords(x.upper + x.size(), near(bottom));
-    // The dashed edge says where the limit is to those who do not see the band's colour.
-    const bool isOnScreen = limit > y.lower && limit < y.upper;
-    zone.setPen(isOnScreen ? QPen(Colors().warning, 1, Qt::DashLine) : QPen(Qt::NoPen));
-  };
-  place(*lower_, view_.zones->lower, -kZoneEnd, view_.zones->lower);
-  place(*upper_, kZoneEnd, view_.zones->upper, view_.zones->upper);
+  return static_cast<int>(labels.size());
 }
 
 bool RecentChart::HasPoint(int index) const {
@@ -230,14 +210,18 @@ void RecentChart::Reach(int index) {
 }
 
 void RecentChart::ShowMark(std::optional<int> index) {
+  mark_.reset();
   if (index && HasPoint(*index)) {
     const auto slot = static_cast<std::size_t>(*index);
     mark_ = view_.x[slot];
-    markGraph_->data()->set({{static_cast<double>(*mark_), view_.y[slot]}}, true);
-  } else {
-    mark_.reset();
-    markGraph_->data()->clear();
+    ring_->position->setCoords(static_cast<double>(*mark_), view_.y[slot]);
   }
+  ring_->setVisible(mark_.has_value());
+}
+
+void RecentChart::ClearMark() {
+  ShowMark(std::nullopt);
+  layer("overlay")->replot();
 }
 
 void RecentChart::mouseMoveEvent(QMouseEvent* event) {
@@ -245,15 +229,13 @@ void RecentChart::mouseMoveEvent(QMouseEvent* event) {
   if (const auto point = PointAt(event->position())) {
     Reach(*point);
   } else if (mark_) {
-    ShowMark(std::nullopt);
-    layer("overlay")->replot();
+    ClearMark();
   }
 }
 
 void RecentChart::leaveEvent(QEvent* event) {
   ChartView::leaveEvent(event);
-  ShowMark(std::nullopt);
-  layer("overlay")->replot();
+  ClearMark();
 }
 
 void RecentChart::keyPressEvent(QKeyEvent* event) {
@@ -282,8 +264,7 @@ void RecentChart::keyPressEvent(QKeyEvent* event) {
 
 void RecentChart::focusOutEvent(QFocusEvent* event) {
   ChartView::focusOutEvent(event);
-  ShowMark(std::nullopt);
-  layer("overlay")->replot();
+  ClearMark();
 }
 
 }  // namespace wattlark

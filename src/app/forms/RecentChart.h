@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "app/RecentChartView.h"
+#include "app/forms/AlarmZones.h"
 #include "app/forms/ChartView.h"
 
 namespace wattlark {
@@ -37,7 +38,8 @@ class RecentChart : public ChartView {
   void BuildPlottables();
   void FillGraphs();
   void SetTimeAxis();
-  void SetZones();
+  /// Takes the round slots whose labels fit; answers how many there are.
+  int PlaceTimeLabels(const QFont& font);
   bool HasPoint(int index) const;
   /// The data point at a place of the plot, by index.
   std::optional<int> PointAt(const QPointF& place) const;
@@ -45,6 +47,7 @@ class RecentChart : public ChartView {
   std::optional<int> NextPoint(int index, int step) const;
   void Reach(int index);
   void ShowMark(std::optional<int> index);
+  void ClearMark();
 
   struct Span {
     int left;
@@ -52,6 +55,7 @@ class RecentChart : public ChartView {
   };
 
   const RegionalSettings& regional_;
+  AlarmZones zones_;
   RecentChartView view_;
   int unit_ = 0;
   int interval_ = 0;
@@ -61,9 +65,7 @@ class RecentChart : public ChartView {
   Span timeSpace_{};  ///< pixels of the time axis
   QCPGraph* line_ = nullptr;
   QCPGraph* loners_ = nullptr;
-  QCPGraph* markGraph_ = nullptr;
-  QCPItemRect* lower_ = nullptr;
-  QCPItemRect* upper_ = nullptr;
+  QCPItemTracer* ring_ = nullptr;  ///< around the marked point
   QCPItemText* title_ = nullptr;
 };
 

@@ -5,11 +5,11 @@
 #include <QIcon>
 #include <QPainter>
 #include <QPushButton>
-#include <QStyleOptionFocusRect>
+#include <QStyle>
 #include <algorithm>
 
+#include "app/forms/PageFrame.h"
 #include "platform/qtwidgets/Icons.h"
-#include "platform/qtwidgets/Theme.h"
 
 namespace wattlark {
 
@@ -32,8 +32,12 @@ class SelectorGroup::Button : public QPushButton {
   Button(const SelectorChoice& choice, QWidget* parent)
       : QPushButton(choice.text, parent), picture_(choice.picture) {
     setCheckable(true);
-    // Of a row of these the tab key reaches the selected one, and arrow keys select.
+    // Arrow keys select; of the row the tab key reaches the selected button only.
     setAutoExclusive(true);
+    setFocusPolicy(Qt::ClickFocus);
+    connect(this, &QAbstractButton::toggled, this, [this](bool isSelected) {
+      setFocusPolicy(isSelected ? Qt::StrongFocus : Qt::ClickFocus);
+    });
     setAccessibleName(choice.name);
     setToolTip(choice.name);
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
@@ -70,13 +74,7 @@ class SelectorGroup::Button : public QPushButton {
     painter.setRenderHint(QPainter::Antialiasing);
     PaintGround(painter);
     PaintContent(painter);
-    if (hasFocus()) {
-      QStyleOptionFocusRect focus;
-      focus.initFrom(this);
-      focus.rect = rect().adjusted(3, 3, -3, -3);
-      focus.backgroundColor = isChecked() ? theme_.selectedFill : theme_.base;
-      style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, &painter, this);
-    }
+    PaintFocus(painter, *this, rect().adjusted(3, 3, -3, -3), theme_);
   }
 
  private:

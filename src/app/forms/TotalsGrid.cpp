@@ -7,7 +7,7 @@
 #include <QStyledItemDelegate>
 #include <algorithm>
 
-#include "platform/qtwidgets/Theme.h"
+#include "app/forms/PageFrame.h"
 
 namespace wattlark {
 
@@ -83,11 +83,7 @@ class TotalsGrid::Cells : public QStyledItemDelegate {
       PaintValue(*painter, option, space, side, Split(text), theme);
     }
     if ((option.state & QStyle::State_HasFocus) != 0) {
-      QStyleOptionFocusRect focus;
-      focus.QStyleOption::operator=(option);
-      focus.backgroundColor = theme.base;
-      option.widget->style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, painter,
-                                            option.widget);
+      PaintFocus(*painter, *option.widget, option.rect.adjusted(0, 1, 0, -2), theme);
     }
     painter->restore();
   }
@@ -136,6 +132,7 @@ TotalsGrid::TotalsGrid(QWidget* parent) : QTableWidget(PeriodCount + 1, kColumns
       setItem(row, column, new QTableWidgetItem);
     }
   }
+  setCurrentCell(1, 1);
 }
 
 void TotalsGrid::SetView(const TotalsGridView& view) {
