@@ -1,0 +1,110 @@
+#include <QShortcut>
+#include <QVBoxLayout>
+
+#include "app/HelpActions.h"
+#include "app/WebPublishers.h"
+#include "app/forms/CurrentPage.h"
+#include "app/forms/PacketPage.h"
+#include "app/forms/RecentPage.h"
+#include "app/forms/TotalsPage.h"
+#include "app/forms/frmMain.h"
+
+namespace wattlark {
+
+void frmMain::BuildContent() {
+  auto* content = new QWidget;
+  tabKillAWatt_ = new MeterTabs(selection_);
+  auto* header = new TabHeader(tabKillAWatt_, content);
+  auto* current = new CurrentPage(ports_.monitor, selection_, content);
+  auto* recent = new RecentPage(ports_.monitor, selection_, content);
+  auto* totals = new TotalsPage(ports_.monitor, selection_, ports_.prompts, content);
+  auto* packet = new PacketPage(ports_.monitor, selection_, content);
+  elaScroller_ = new PageStrip({{current, [current] { current->Refresh(); }},
+                                {recent, [recent] { recent->Refresh(); }},
+                                {totals, [totals] { totals->Refresh(); }},
+                                {packet, [packet] { packet->Refresh(); }}},
+                               content);
+  pageBar_ = new PageBar(content);
+  auto* column = new QVBoxLayout(content);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->setSpacing(0);
+  column->addWidget(header);
+  column->addWidget(elaScroller_, 1);
+  column->addWidget(pageBar_);
+  elaWindow_ = new MainArea(content, this);
+  sbStatusBar_ = new StatusBar(this);
+  setCentralWidget(elaWindow_);
+  setStatusBar(sbStatusBar_);
+
+  connect(tabKillAWatt_, &MeterTabs::Chosen, this, [this] {
+    menus_.Refresh();
+    UpdateStatus();
+  });
+  connect(tabKillAWatt_, &QTabBar::tabBarDoubleClicked, this, [this] { EditKillAWatt(); });
+  connect(elaScroller_, &PageStrip::PageShown, this, [this](int page) {
+    menus_.CheckPage(page);
+    pageBar_->ShowPage(page);
+  });
+  connect(pageBar_, &PageBar::Stepped, this,
+          [this](int pages) { ShowPage(elaScroller_->CurrentPage() + pages); });
+  connect(pageBar_, &PageBar::Chosen, this, [this](int page) { ShowPage(page); });
+  connect(recent, &RecentPage::hoverText, this,
+          [this](const QString& text) { ports_.monitor.SetInfoText(text.toStdString()); });
+  connect(elaWindow_, &MainArea::DoubleClicked, this, [this] { DoubleClickMainArea(); });
+  connect(sbStatusBar_, &StatusBar::PanelClicked, this,
+          [this](const QString& key) { ClickStatusPanel(key); });
+}
+
+void frmMain::BuildShortcuts() {
+  const auto step = [this](const QKeySequence& keys, int pages) {
+    connect(new QShortcut(keys, this), &QShortcut::activated, this, [this, pages] {
+      if (elaWindow_->Caption().isEmpty()) ShowPage(elaScroller_->CurrentPage() + pages);
+    });
+  };
+  step(Qt::CTRL | Qt::Key_PageUp, -1);
+  step(Qt::ALT | Qt::Key_Left, -1);
+  step(Qt::CTRL | Qt::Key_PageDown, 1);
+  step(Qt::ALT | Qt::Key_Right, 1);
+}
+
+MenuActions frmMain::Actions(MenuActions actions) {
+  const auto afterwards = [this](bool changed) {
+    if (changed) RefreshTabs();
+  };
+  actions.writeCSVLog = [this](bool) { ports_.monitor.PublishNow(PublishTarget::CSV, true); };
+  if (ports_.monitor.UsesWeb()) {
+    // From the notification area, errors are not to open windows.
+    const auto post = [this](PublishTarget target) -> MenuActions::Action {
+      return [this, target](bool fromTray) { ports_.monitor.PublishNow(target, fromTray); };
+    };
+    actions.postToPachube = post(PublishTarget::Pachube);
+    actions.postToGoogleDocs = post(PublishTarget::GoogleDocs);
+    actions.postToPowerMeter = post(PublishTarget::PowerMeter);
+    actions.postToTwitter = post(PublishTarget::Twitter);
+  }
+  actions.hide = [this](bool) { HideWindow(); };
+  actions.exit = [this](bool) { Exit(); };
+  actions.showCurrentPage = [this](bool) { ShowPage(1); };
+  actions.showRecentPage = [this](bool) { ShowPage(2); };
+  actions.showTotalsPage = [this](bool) { ShowPage(3); };
+  actions.showPacketPage = [this](bool) { ShowPage(4); };
+  actions.toggleAlwaysOnTop = [this](bool) { ToggleAlwaysOnTop(); };
+  actions.addMeter = [this](bool) { AddKillAWatt(); };
+  actions.editMeter = [this](bool) { EditKillAWatt(); };
+  actions.removeMeter = [this, afterwards](bool) { afterwards(meterActions_.RemoveSelected()); };
+  actions.resetData = [this, afterwards](bool) { afterwards(meterActions_.ResetSelectedData()); };
+  actions.resetCalibration = [this, afterwards](bool) {
+    afterwards(meterActions_.ResetSelectedCalibration());
+  };
+  actions.openHelp = [this](bool) {
+    OpenURL(options_.helpAddress, ports_.desktop, ports_.prompts);
+  };
+  actions.openWebsite = [this](bool) {
+    OpenURL(options_.websiteAddress, ports_.desktop, ports_.prompts);
+  };
+  actions.showAbout = [this](bool) { ShowAbout(WATTLARK_VERSION, ports_.prompts); };
+  actions.showWindow = [this](bool) { ShowWindow(); };
+  return actions;
+}
+
+}  // namespace wattlark
