@@ -113,4 +113,8 @@ std::optional<std::string> QtPrompts::ChooseSaveFile(const std::string& caption)
   return QFile::encodeName(file).toStdString();
 }
 
+bool QtPrompts::SignIn(const std::string& caption, std::string& userName, std::string& password) {
+  return signIn && signIn(caption, userName, password, Owner());
+}
+
 }  // namespace wattlark

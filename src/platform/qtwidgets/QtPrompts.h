@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QString>
+#include <QWidget>
+#include <functional>
 
 #include "platform/Prompts.h"
 
@@ -13,6 +15,12 @@ class QtPrompts final : public Prompts {
  public:
   PromptAnswer Ask(const PromptMessage& message) override;
   std::optional<std::string> ChooseSaveFile(const std::string& caption) override;
+  bool SignIn(const std::string& caption, std::string& userName, std::string& password) override;
+
+  /// Shows the dialog that asks for credentials, over `owner`; without one nobody is asked.
+  std::function<bool(const std::string& caption, std::string& userName, std::string& password,
+                     QWidget* owner)>
+      signIn;
 };
 
 /// The text of a message for a box: its line ends as LF, and words too long for a line given places
