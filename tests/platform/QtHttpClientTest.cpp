@@ -327,36 +327,49 @@ TEST_F(QtHttpClientTest, MayEndWithARequestUnderWay) {
   EXPECT_EQ(events, before);
 }
 
-struct QtEventPumpTest : testing::Test {
-  /// What a wait for a server that never answers ends in, when `meanwhile` happens 50 ms later.
-  void Wait(const std::function<void()>& meanwhile) {
-    const RawServer server([](QTcpSocket&) {});
-    QtHttpClient client;
-    QtEventPump pump;
-    WebRequestRunner runner(client, pump, "", [](const std::string&) {});
-    QTimer::singleShot(50, meanwhile);
-    runner.ExecuteAndWait({server.URL(), "GET"});
-  }
-};
-
-TEST_F(QtEventPumpTest, EndsAWaitWhenTheApplicationIsToldToQuit) {
+/// The status with which the event loop ends when a wait for a server that never answers is under
+/// way and `end` is called; -1 when the wait does not notice.
+int RunUntil(const std::function<void(QtEventPump&)>& end) {
+  const RawServer server([](QTcpSocket&) {});
+  QtHttpClient client;
+  QtEventPump pump;
+  WebRequestRunner runner(client, pump, "", [](const std::string&) {});
   bool stopped = false;
   QTimer::singleShot(0, [&] {
+    QTimer::singleShot(50, [&] { end(pump); });
     try {
-      Wait([] { QCoreApplication::quit(); });
+      runner.ExecuteAndWait({server.URL(), "GET"});
     } catch (const PublishStopped&) {
       stopped = true;
     }
+    // The next destination of the same tick must not wait either.
+    EXPECT_THROW(runner.ExecuteAndWait({server.URL(), "GET"}), PublishStopped);
   });
-  QTimer::singleShot(10000, [] { QCoreApplication::exit(1); });
-  EXPECT_EQ(QCoreApplication::exec(), 0);
-  EXPECT_TRUE(stopped);
-  QtEventPump pump;
-  QTimer::singleShot(0, [] {});
-  EXPECT_TRUE(pump.ProcessEvents()) << "the application can be started anew";
+  QTimer patience;
+  patience.setSingleShot(true);
+  patience.callOnTimeout([&] { client.Cancel(); });
+  patience.start(10000);
+  const int status = QCoreApplication::exec();
+  return stopped ? status : -1;
 }
 
-TEST_F(QtEventPumpTest, TakesNoProcessorTimeWhileItWaits) {
+TEST(QtEventPump, EndsAWaitWhenTheApplicationIsToldToQuit) {
+  EXPECT_EQ(RunUntil([](QtEventPump&) { QCoreApplication::quit(); }), 0);
+  EXPECT_EQ(RunUntil([](QtEventPump& pump) {
+              QCoreApplication::exit(3);
+              pump.NoteExit();
+            }),
+            3);
+}
+
+TEST(QtEventPump, GoesOnWhenQuittingWasRefused) {
+  QtEventPump pump;
+  pump.NoteExit();
+  QTimer::singleShot(0, [] {});
+  EXPECT_TRUE(pump.ProcessEvents());
+}
+
+TEST(QtEventPump, TakesNoProcessorTimeWhileItWaits) {
   const auto processorTime = [] {
     timespec time{};
     clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
