@@ -12,6 +12,7 @@
 #include "cli/RunOptions.h"
 #include "cli/TextTable.h"
 #include "config/AppSettings.h"
+#include "config/ServiceEndpoints.h"
 #include "config/StoreText.h"
 #include "support/modText.h"
 
@@ -28,8 +29,9 @@ constexpr std::int64_t kLargestPort = 256;
 struct SettingName {
   std::string section;
   std::string name;
-  const SettingInfo* info = nullptr;  ///< of section "Settings"
-  std::string problem;                ///< why there is no such setting, or empty
+  const SettingInfo* info = nullptr;              ///< of section "Settings"
+  std::string problem;                            ///< why there is no such setting, or empty
+  const ServiceEndpointInfo* endpoint = nullptr;  ///< of section "ServiceEndpoints"
 };
 
 /// "COM3" for any way to write it; empty when the text is no port.
@@ -59,6 +61,11 @@ SettingName ResolveName(const std::string& typed) {
     }
     return {kPortDevices, port, nullptr, {}};
   }
+  if (folded == FoldCase(ServiceEndpointsSection)) {
+    const ServiceEndpointInfo* endpoint = FindServiceEndpoint(name);
+    if (endpoint == nullptr) return {{}, {}, nullptr, "There is no address \"" + name + "\"."};
+    return {ServiceEndpointsSection, endpoint->name, nullptr, {}, endpoint};
+  }
   if (folded == FoldCase(kWindowSettings)) {
     if (name.empty()) return {{}, {}, nullptr, "The name of the window is missing."};
     return {kWindowSettings, name, nullptr, {}};
@@ -67,7 +74,7 @@ SettingName ResolveName(const std::string& typed) {
           {},
           nullptr,
           "There is no section \"" + section +
-              "\": the sections are Settings, PortDevices and WindowSettings."};
+              "\": the sections are Settings, PortDevices, ServiceEndpoints and WindowSettings."};
 }
 
 /// Settings in force, with the text form of their store.
@@ -84,12 +91,21 @@ LoadedSettings LoadSettings(ProfileStore& store, CommandEnvironment& environment
   return loaded;
 }
 
+ServiceEndpoints LoadEndpoints(ProfileStore& store, CommandEnvironment& environment) {
+  ServiceEndpoints endpoints;
+  for (const std::string& problem : LoadServiceEndpoints(store.Values(), endpoints)) {
+    TellUser(environment.messages, problem);
+  }
+  return endpoints;
+}
+
 /// Why the value does not fit, or an empty text. `value` takes the form in which it is stored.
 std::string ValueProblem(const SettingName& setting, const StoreText& text, std::string& value) {
   if (!IsUtf8(value)) return "The value is not UTF-8 text.";
   if (setting.section == kPortDevices && !value.empty() && value.front() != '/') {
     return "The device of " + setting.name + " is an absolute path, or empty to forget it.";
   }
+  if (setting.endpoint != nullptr) return ServiceEndpointProblem(value);
   if (setting.info == nullptr) return {};
   const std::string problem = SettingProblem(*setting.info, value, text);
   if (!problem.empty()) return problem;
@@ -100,7 +116,8 @@ std::string ValueProblem(const SettingName& setting, const StoreText& text, std:
 }
 
 bool Store(modRegistry& store, const SettingName& setting, const std::string& value) {
-  const bool removes = setting.section == kPortDevices && value.empty();
+  const bool removes =
+      (setting.section == kPortDevices || setting.endpoint != nullptr) && value.empty();
   if (setting.info != nullptr && setting.info->name == std::string_view("CSVFilename") &&
       !ProfileData::RequestCSVHeader(store)) {
     return false;
@@ -135,6 +152,10 @@ int GetSetting(const std::string& profileFolder, const std::string& name,
   }
   ProfileStore store(profileFolder);
   if (!store.OpenCopy(environment.messages)) return ExitRefused;
+  if (setting.endpoint != nullptr) {
+    environment.output << LoadEndpoints(store, environment).*setting.endpoint->field << "\n";
+    return ExitOK;
+  }
   if (setting.info == nullptr) {
     environment.output << store.Values().GetAppSetting("", setting.section, setting.name, "")
                        << "\n";
@@ -178,6 +199,12 @@ int ListSettings(const std::string& profileFolder, bool asJson, CommandEnvironme
     std::visit([&](auto field) { json[info.name] = loaded.settings.*field; }, info.field);
     const std::string text = SettingText(loaded.settings, info, loaded.text);
     table.AddRow({info.name, info.secret && !text.empty() ? "****" : text});
+  }
+  const ServiceEndpoints endpoints = LoadEndpoints(store, environment);
+  for (const ServiceEndpointInfo& info : ServiceEndpointsTable()) {
+    const std::string name = std::string(ServiceEndpointsSection) + "/" + info.name;
+    json[name] = endpoints.*info.field;
+    table.AddRow({name, endpoints.*info.field});
   }
   for (const auto& [name, text] : OtherValues(store.Values())) {
     json[name] = text;

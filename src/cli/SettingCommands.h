@@ -8,8 +8,9 @@ namespace wattlark {
 
 /// The names of settings are "NAME" or "SECTION/NAME", without regard to case. The sections are
 /// "Settings", which needs no naming; "PortDevices", where "COMn" holds the serial device of that
-/// port number; and "WindowSettings". The commands answer the exit status; a refusal says why in
-/// the environment's messages and changes nothing.
+/// port number; "ServiceEndpoints", the addresses of web services; and "WindowSettings". The
+/// commands answer the exit status; a refusal says why in the environment's messages and changes
+/// nothing.
 
 /// Prints the value in force, the default where none is stored, on a line of its own.
 int GetSetting(const std::string& profileFolder, const std::string& name,

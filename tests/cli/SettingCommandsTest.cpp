@@ -48,6 +48,10 @@ INSTANTIATE_TEST_SUITE_P(
                     Accepted{"CSVFilename", "/tmp/März.csv", "/tmp/März.csv"},
                     Accepted{"PortDevices/com07", "/dev/serial/by-id/x", "/dev/serial/by-id/x"},
                     Accepted{"PortDevices/COM7", "", ""},
+                    Accepted{"serviceendpoints/twitterupdateurl", "http://127.0.0.1:8080/update",
+                             "http://127.0.0.1:8080/update"},
+                    Accepted{"ServiceEndpoints/ClientLoginURL", "",
+                             "https://www.google.com/accounts/ClientLogin"},
                     Accepted{"WindowSettings/frmMain", "1,2,3,4,0", "1,2,3,4,0"}));
 
 struct Refused {
@@ -69,12 +73,14 @@ TEST_P(RefusedSetting, IsToldAndChangesNothing) {
 
 INSTANTIATE_TEST_SUITE_P(
     Values, RefusedSetting,
-    testing::Values(Refused{"Nonsense", "1"}, Refused{"", "1"}, Refused{"KillAWatts/Kitchen", "1"},
-                    Refused{"PortNum", "0"}, Refused{"PortNum", "COM3"}, Refused{"PortNum", ""},
-                    Refused{"PortNum", "65539"}, Refused{"Mils", "cheap"}, Refused{"Mils", "inf"},
-                    Refused{"LogToCSV", "yes"}, Refused{"CSVInterval", "59"},
-                    Refused{"CSVInterval", "3601"}, Refused{"TwitterInterval", "25"},
-                    Refused{"Parity", "X"}, Refused{"BaudRate", "9601"}, Refused{"StopBits", "3"},
+    testing::Values(Refused{"Nonsense", "1"}, Refused{"ServiceEndpoints/Nonsense", "http://h/"},
+                    Refused{"ServiceEndpoints/VersionFileURL", "file:///etc/passwd"},
+                    Refused{"", "1"}, Refused{"KillAWatts/Kitchen", "1"}, Refused{"PortNum", "0"},
+                    Refused{"PortNum", "COM3"}, Refused{"PortNum", ""}, Refused{"PortNum", "65539"},
+                    Refused{"Mils", "cheap"}, Refused{"Mils", "inf"}, Refused{"LogToCSV", "yes"},
+                    Refused{"CSVInterval", "59"}, Refused{"CSVInterval", "3601"},
+                    Refused{"TwitterInterval", "25"}, Refused{"Parity", "X"},
+                    Refused{"BaudRate", "9601"}, Refused{"StopBits", "3"},
                     Refused{"TwitterMessage", "\xC3"}, Refused{"PortDevices/COM3", "ttyS2"},
                     Refused{"PortDevices/COM0", "/dev/x"}, Refused{"PortDevices/LPT1", "/dev/x"},
                     Refused{"PortDevices/", "/dev/x"}, Refused{"WindowSettings/", "1"}));
@@ -130,11 +136,13 @@ TEST_F(SettingCommands, TableHidesSecretsAndJsonDoesNot) {
   ExpectDone({"setting", "set", "PortDevices/COM9", "/dev/x"});
   const CommandResult table = RunHere({"setting", "list"});
   EXPECT_EQ(table.output.find("swordfish"), std::string::npos);
-  EXPECT_NE(table.output.find("GooglePassword          ****\n"), std::string::npos) << table.output;
-  EXPECT_NE(table.output.find("PortDevices/COM9        /dev/x\n"), std::string::npos);
+  EXPECT_NE(table.output.find("GooglePassword                        ****\n"), std::string::npos)
+      << table.output;
+  EXPECT_NE(table.output.find("PortDevices/COM9                      /dev/x\n"), std::string::npos);
   const nlohmann::json json = RunHere({"setting", "list", "--json"}).Json();
   EXPECT_EQ(json["GooglePassword"], "swordfish");
   EXPECT_EQ(json["PortDevices/COM9"], "/dev/x");
+  EXPECT_EQ(json["ServiceEndpoints/PowerMeterFeedsURL"], "https://www.google.com/powermeter/feeds");
   EXPECT_EQ(json["PortNum"], 3);
   EXPECT_EQ(json["LogToCSV"], true);
   EXPECT_EQ(json["Mils"], 0.106);
