@@ -9,13 +9,17 @@
 #include "cli/DefaultFiles.h"
 #include "platform/qt/SerialDevices.h"
 #include "platform/qt/SystemRegional.h"
+#include "timezone/modTimeZone.h"
 
 namespace wattlark {
 
 ProgramSetup::ProgramSetup(const RunOptions& options)
     : options_(options),
       lock_(options.profileFolder),
-      serial_([this](int portNumber) { return DevicePath(portNumber); }) {}
+      serial_([this](int portNumber) { return DevicePath(portNumber); }),
+      timeZone_(clock_),
+      web_{inetPachubeLogger_, inetGoogleLogger_, inetTwitterLogger_, pump_,
+           [this](DateTime local) { return ToUTC(local); }} {}
 
 bool ProgramSetup::TakeProfile() {
   const bool isFirst = lock_.TryAcquire();
@@ -36,8 +40,9 @@ bool ProgramSetup::Open() {
 }
 
 Monitor& ProgramSetup::MakeMonitor(Desktop& desktop, Prompts& prompts, MonitorListener& listener) {
-  monitor_.emplace(Monitor::Ports{clock_, serial_, *store_.registry, random_, desktop, prompts},
-                   SystemRegionalSettings(), MonitorOptions(), listener);
+  monitor_.emplace(
+      Monitor::Ports{clock_, serial_, *store_.registry, random_, desktop, prompts, &web_},
+      SystemRegionalSettings(), MonitorOptions(), listener);
   serial_.onReceive = [this] { monitor_->ReceiveXBeeData(); };
   serial_.onLost = [&listener] { listener.OnUpdateStatus(); };
   return *monitor_;
@@ -70,6 +75,12 @@ Monitor::Options ProgramSetup::MonitorOptions() const {
 
 std::string ProgramSetup::DevicePath(int portNumber) const {
   return devices_ ? devices_->Path(portNumber) : std::string();
+}
+
+DateTime ProgramSetup::ToUTC(DateTime local) {
+  const std::optional<clsTimeZone> zone = GetCurrentTimeZone(timeZone_);
+  if (!zone) throw std::runtime_error("The system does not say its time zone");
+  return LocalToUTC(local, *zone);
 }
 
 void OpenMissingStreams() {

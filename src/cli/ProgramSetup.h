@@ -6,13 +6,17 @@
 
 #include "app/CaptureWriter.h"
 #include "app/Monitor.h"
+#include "app/WebPublishers.h"
 #include "cli/RunOptions.h"
 #include "config/PortDevices.h"
 #include "platform/linux/ProfileLock.h"
+#include "platform/qt/QtEventPump.h"
+#include "platform/qt/QtHttpClient.h"
 #include "platform/qt/QtSerialPort.h"
 #include "platform/qt/SingleInstance.h"
 #include "platform/qt/StandardRandom.h"
 #include "platform/qt/SystemClock.h"
+#include "platform/qt/SystemTimeZone.h"
 #include "platform/sqlite/OpenStore.h"
 
 namespace wattlark {
@@ -45,6 +49,10 @@ class ProgramSetup {
   /// saved; empty when it is.
   std::string FinishSaving(bool unloaded);
 
+  /// Ends every wait for a web server; for whoever ends the event loop otherwise than by
+  /// `QCoreApplication::quit`.
+  void EndWaits() { pump_.NoteExit(); }
+
   SystemClock& SystemTime() { return clock_; }
   StandardRandom& Random() { return random_; }
   QtSerialPort& Serial() { return serial_; }
@@ -54,6 +62,7 @@ class ProgramSetup {
  private:
   Monitor::Options MonitorOptions() const;
   std::string DevicePath(int portNumber) const;
+  DateTime ToUTC(DateTime local);
 
   const RunOptions options_;
   ProfileLock lock_;
@@ -65,6 +74,12 @@ class ProgramSetup {
   SystemClock clock_;
   StandardRandom random_;
   QtSerialPort serial_;
+  SystemTimeZone timeZone_;
+  QtEventPump pump_;
+  QtHttpClient inetPachubeLogger_;
+  QtHttpClient inetGoogleLogger_;
+  QtHttpClient inetTwitterLogger_;
+  const WebPorts web_;
   std::optional<Monitor> monitor_;
 };
 

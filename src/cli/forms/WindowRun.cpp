@@ -13,6 +13,7 @@
 #include "platform/qt/UnixSignals.h"
 #include "platform/qtwidgets/QtDesktop.h"
 #include "platform/qtwidgets/QtPrompts.h"
+#include "publish/forms/frmLogin.h"
 
 namespace wattlark {
 
@@ -26,6 +27,7 @@ void TellProblem(Prompts& prompts, const std::string& text) {
 class WindowRun {
  public:
   WindowRun(QApplication& application, ProgramSetup& setup) : setup_(setup) {
+    prompts_.signIn = SignIn;
     // Logging off saves at once: nobody waits for the program to end by itself.
     QObject::connect(&application, &QGuiApplication::commitDataRequest, [this] {
       if (window_ == nullptr) return;
@@ -82,15 +84,29 @@ class WindowRun {
     options.dialogs.showNotice = [this](const AlarmNotice& notice) {
       notices_.ShowAlarm(notice, *window_);
     };
-    options.helpAddress = WATTLARK_HELP_URL;
-    options.websiteAddress = WATTLARK_WEBSITE_URL;
+    const ServiceEndpoints& endpoints = monitor_->Profile().Endpoints();
+    options.helpAddress = AddressOf(endpoints.OnlineHelpURL, WATTLARK_HELP_URL);
+    options.websiteAddress = AddressOf(endpoints.WebSiteURL, WATTLARK_WEBSITE_URL);
+    options.features.postToPachube = Publish(PublishTarget::Pachube);
+    options.features.postToGoogleDocs = Publish(PublishTarget::GoogleDocs);
+    options.features.postToPowerMeter = Publish(PublishTarget::PowerMeter);
+    options.features.postToTwitter = Publish(PublishTarget::Twitter);
     options.endProgram = [this] { Quit(); };
     return options;
+  }
+
+  MenuActions::Action Publish(PublishTarget target) {
+    return [this, target](bool) { monitor_->PublishNow(target, false); };
+  }
+
+  static std::string AddressOf(const std::string& stored, const char* built) {
+    return stored.empty() ? built : stored;
   }
 
   // Not `quit`, which asks the windows, and the main window answers by hiding.
   void Quit() {
     hasEnded_ = true;
+    setup_.EndWaits();
     QCoreApplication::exit(0);
   }
 
@@ -119,6 +135,8 @@ int RunWindow(int& argc, char** argv, const RunOptions& options) {
   QApplication::setApplicationName("wattlark");
   QApplication::setDesktopFileName("wattlark");
   QApplication::setQuitOnLastWindowClosed(false);
+  // What the desktop's own file dialogs do in the background ends the program otherwise.
+  QCoreApplication::setQuitLockEnabled(false);
   try {
     ProgramSetup setup(options);
     WindowRun run(application, setup);
