@@ -33,7 +33,7 @@ struct Stored : testing::Test {
   /// What a start reads from the store.
   ProfileData& Load() {
     profile = std::make_unique<ProfileData>(region);
-    profile->Load(store, "/home/user/wattlark.csv", At("2026-11-16T20:10:00"));
+    profile->Load(store, "/profile/wattlark.csv", At("2026-11-16T20:10:00"));
     return *profile;
   }
   std::vector<std::string> LoadedNames() {
@@ -59,7 +59,7 @@ TEST_F(Stored, AFreshProfileHasDefaultsAndNoMeters) {
   Load();
   EXPECT_TRUE(profile->Meters().IsEmpty());
   EXPECT_EQ(profile->Settings().PortNum, 3);
-  EXPECT_EQ(profile->Settings().CSVFilename, "/home/user/wattlark.csv");
+  EXPECT_EQ(profile->Settings().CSVFilename, "/profile/wattlark.csv");
   EXPECT_EQ(profile->Total().Name(), "Total");
   EXPECT_EQ(profile->Total().Timestamp(), At("2026-11-16T20:10:00"));
   EXPECT_THAT(profile->Problems(), IsEmpty());

@@ -131,15 +131,15 @@ TEST_F(CommandLineTest, OutputThatCannotBeWrittenIsAFailure) {
 }
 
 TEST(DefaultFiles, ProfileFollowsTheDataFolderThenTheHomeFolder) {
-  const Variable home("HOME", "/home/a");
+  const Variable home("HOME", "/homes/a");
   {
     const Variable data("XDG_DATA_HOME", "/data");
     EXPECT_EQ(DefaultProfileFolder(), "/data/wattlark");
   }
   const Variable relative("XDG_DATA_HOME", "data");
-  EXPECT_EQ(DefaultProfileFolder(), "/home/a/.local/share/wattlark");
+  EXPECT_EQ(DefaultProfileFolder(), "/homes/a/.local/share/wattlark");
   const Variable none("XDG_DATA_HOME", nullptr);
-  EXPECT_EQ(DefaultProfileFolder(), "/home/a/.local/share/wattlark");
+  EXPECT_EQ(DefaultProfileFolder(), "/homes/a/.local/share/wattlark");
 }
 
 TEST_F(CommandLineTest, DefaultProfileIsTheUsersOwn) {

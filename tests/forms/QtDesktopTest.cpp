@@ -60,7 +60,7 @@ INSTANTIATE_TEST_SUITE_P(Addresses, OpenURLTest,
                                          AddressCase{"mailto:a@example.org", false},
                                          AddressCase{"smb://example.org/a", false},
                                          AddressCase{"https://example.org/a b", false},
-                                                              AddressCase{"-https://example.org", false}));
+                                         AddressCase{"-https://example.org", false}));
 
 TEST(PlayWave, ReturnsForWhateverIsAskedOfIt) {
   const TemporaryFolder folder;

@@ -8,7 +8,8 @@ namespace {
 
 bool IsHostAndPort(const std::string& text) {
   const QUrl url(QString::fromStdString("http://" + text + "/"), QUrl::StrictMode);
-  return !text.ends_with(':') && url.isValid() && !url.host().isEmpty() && url.userInfo().isEmpty() && url.port() != 0;
+  return !text.ends_with(':') && url.isValid() && !url.host().isEmpty() &&
+         url.userInfo().isEmpty() && url.port() != 0;
 }
 
 // The "@" that ends the credentials; npos without any. A password may hold what ends an authority
