@@ -1,3 +1,4 @@
+#include <QDialog>
 #include <QMenuBar>
 
 #include "MainWindowFixture.h"
@@ -119,6 +120,21 @@ TEST_F(MainWindowTest, AFeatureHearsWhichMenuItWasChosenIn) {
   Choose("mnuFile1");
   Choose("mnuSysTray4");
   EXPECT_THAT(fromTray, ElementsAre(false, true));
+}
+
+// A desktop that shows the menu bar in its panel leaves it in reach.
+TEST_F(MainWindowTest, WhileADialogWaitsTheMenusOpenNothing) {
+  Start(1);
+  QDialog dialog;
+  dialog.setModal(true);
+  dialog.show();
+  for (const char* name : {"mnuTools1", "mnuTools2", "mnuSysTray10", "mnuSysTray12"}) Choose(name);
+  EXPECT_TRUE(edited.empty());
+  EXPECT_TRUE(prompts.asked.empty());
+  EXPECT_EQ(ends, 0);
+  dialog.close();
+  Choose("mnuTools1");
+  EXPECT_EQ(edited.size(), 1U);
 }
 
 // A port can be lost while a menu is open.

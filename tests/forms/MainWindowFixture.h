@@ -52,10 +52,12 @@ struct MainWindowTest : testing::Test {
         return false;
       };
     }
-    options.dialogs.showText = [this](const std::string& text, const std::string& caption,
-                                      int buttons) {
-      texts.push_back(caption + std::to_string(buttons) + ":" + text);
-    };
+    if (!options.dialogs.showText) {
+      options.dialogs.showText = [this](const std::string& text, const std::string& caption,
+                                        int buttons) {
+        texts.push_back(caption + std::to_string(buttons) + ":" + text);
+      };
+    }
     window = std::make_unique<frmMain>(frmMain::Ports{*monitor, store, desktop, prompts}, options);
     relay.SendTo(window.get());
     monitor->StartRunning();

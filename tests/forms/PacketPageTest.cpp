@@ -79,6 +79,19 @@ TEST_F(PacketPageTest, AnotherMetersWaveformsAreNotKept) {
   EXPECT_EQ(Graph(page, "Volts").dataCount(), 0);
 }
 
+TEST_F(PacketPageTest, ARemovedMetersWaveformsAreNotKept) {
+  const clsKillAWatt& removed = AddMeter("Kitchen");
+  Receive(1, {300, 512, 700}, {480, 498, 520});
+  PacketPage page(monitor_, selection_);
+  Show(page);
+  ASSERT_EQ(Graph(page, "Volts").dataCount(), 3);
+  monitor_.Profile().Meters().Remove(removed);
+  AddMeter("Office");
+  page.Refresh();
+  Paint();
+  EXPECT_EQ(Graph(page, "Volts").dataCount(), 0);
+}
+
 TEST_F(PacketPageTest, IsDrawnOnceForAnyNumberOfRefreshes) {
   AddMeter("Kitchen");
   Receive(1, {300, 512, 700}, {480, 498, 520});

@@ -335,6 +335,17 @@ INSTANTIATE_TEST_SUITE_P(Table, PanelClick,
                                          PanelCase{"CommWithError", "COMM", true, false}),
                          [](const auto& click) { return click.param.name; });
 
+TEST_F(MainWindowTest, ErrorsThatComeWhileTheListIsOpenAreKept) {
+  options.dialogs.showText = [this](const std::string&, const std::string&, int) {
+    monitor->ReportError("Later");
+  };
+  Start(1).ShowAtLaunch();
+  monitor->ReportError("Earlier");
+  QTest::mouseClick(&Control<StatusPanel>("INFO"), Qt::LeftButton);
+  EXPECT_EQ(monitor->Errors().Text(), "11/16/2026 8:10:00 PM: Later\r\n");
+  EXPECT_EQ(Control<StatusPanel>("INFO").text(), "Click here to view errors...");
+}
+
 TEST_F(MainWindowTest, HelpAddressesAreOpenedOrMissed) {
   options.helpAddress = "https://help.example/";
   Start();

@@ -145,8 +145,9 @@ void MainMenus::Choose(const Item& item, bool fromTray) {
   QWidget* dialog = QApplication::activeModalWidget();
   const bool opensNoWindow =
       item.group == Group::Publish || item.action == &MenuActions::showWindow;
-  if (fromTray && dialog != nullptr && !opensNoWindow) {
-    // The menu of the notification area is in reach while a dialog waits for its answer.
+  if (dialog != nullptr && !opensNoWindow) {
+    // The menu of the notification area, and a menu bar that the desktop shows in its panel, are in
+    // reach while a dialog waits for its answer.
     dialog->raise();
     dialog->activateWindow();
     return;

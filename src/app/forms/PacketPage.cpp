@@ -31,8 +31,9 @@ void PacketPage::Refresh() {
   const QString header = QString::fromStdString(view.header);
   elaPacketHeader_->setText(header);
   chtPacket_->setAccessibleDescription(header);
-  // Another meter's waveforms would be taken for this one's.
-  const bool isOther = meter != shown_;
+  // Another meter's waveforms would be taken for this one's. A new meter can stand where a removed
+  // one stood, but has no reading yet.
+  const bool isOther = meter != shown_ || meter->Timestamp().IsNever();
   shown_ = meter;
   if (isOther || !view.volts.empty()) {
     chtPacket_->SetSamples(std::move(view.volts), std::move(view.amps));

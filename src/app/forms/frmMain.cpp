@@ -180,11 +180,12 @@ void frmMain::DoubleClickMainArea() {
 }
 
 void frmMain::ClickStatusPanel(const QString& key) {
-  const ErrorList& errors = ports_.monitor.Errors();
-  if (key == "INFO" && !errors.IsEmpty() && options_.dialogs.showText) {
-    options_.dialogs.showText(errors.Text(), "Errors!", kSaveButton);
-  }
+  // Emptied before the list is shown: errors that come while it is open are still to be read.
+  const std::string errors = ports_.monitor.Errors().Text();
   ports_.monitor.ClearErrors();
+  if (key == "INFO" && !errors.empty() && options_.dialogs.showText) {
+    options_.dialogs.showText(errors, "Errors!", kSaveButton);
+  }
 }
 
 void frmMain::ToggleAlwaysOnTop() {
