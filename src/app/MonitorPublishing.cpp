@@ -58,13 +58,14 @@ PublishResult Monitor::Publish(const std::function<PublishResult()>& run, bool q
   } catch (const std::exception& error) {
     result = {false, error.what()};
   }
+  // Readings go on while a message box waits for the user.
+  SetUpdateTimer(timerWasEnabled);
   if (result.success) {
     SetInfoText(result.text);
   } else if (!result.text.empty()) {
     ReportError(result.text, DateTime(), quiet);
   }
   if (!result.warning.empty()) ReportError(result.warning);
-  SetUpdateTimer(timerWasEnabled);
   return result;
 }
 

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
+#include <vector>
 
 #include "MonitorFixture.h"
 #include "app/WebPublishers.h"
@@ -142,6 +143,31 @@ TEST_F(MonitorPublishingTest, ShowsErrorsOfTheMenuInABox) {
   // A command from another process must not open a window here.
   EXPECT_FALSE(monitor->PublishNow(PublishTarget::PowerMeter, true).success);
   EXPECT_EQ(prompts.asked.size(), 1U);
+}
+
+// Looks at the update timer while a message box is open.
+struct TimerWatch final : Prompts {
+  PromptAnswer Ask(const PromptMessage& message) override {
+    timerRan.push_back(monitor->IsUpdateTimerEnabled());
+    return message.defaultAnswer;
+  }
+  std::optional<std::string> ChooseSaveFile(const std::string&) override { return std::nullopt; }
+  bool SignIn(const std::string&, std::string&, std::string&) override { return false; }
+
+  Monitor* monitor = nullptr;
+  std::vector<bool> timerRan;
+};
+
+TEST_F(MonitorPublishingTest, TicksGoOnWhileAnErrorOfTheMenuIsShown) {
+  TimerWatch watch;
+  monitor =
+      std::make_unique<Monitor>(Monitor::Ports{clock, port, registry, random, desktop, watch, web},
+                                region, Monitor::Options{}, listener);
+  watch.monitor = monitor.get();
+  monitor->Load();
+  monitor->StartRunning();
+  EXPECT_FALSE(monitor->PublishNow(PublishTarget::PowerMeter, false).success);
+  EXPECT_THAT(watch.timerRan, ElementsAre(true));
 }
 
 TEST_F(MonitorPublishingTest, EndsWithoutAWordWhenASignInIsCancelled) {
