@@ -18,7 +18,6 @@ constexpr DateTime kBase = DateTime::FromMilliseconds(315'532'800'000);
 constexpr std::int64_t kBaseYear = 1980;
 constexpr std::int64_t kMonthsPerYear = 12;
 constexpr std::int64_t kMillisecondsPerYear = 366LL * 86'400'000;
-constexpr double kZoneEnd = 50000;  // watts
 
 struct SlotForm {
   std::int64_t milliseconds;  ///< of one slot; 0 for months
