@@ -3,8 +3,10 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 
+#include <chrono>
 #include <csignal>
 #include <optional>
+#include <thread>
 
 #include "platform/TemporaryFolder.h"
 #include "platform/linux/ProfileLock.h"
@@ -65,8 +67,15 @@ TEST(ProfileLock, IsNotHandedOnToAProgramThatWasStarted) {
   pid_t child = 0;
   ASSERT_EQ(::posix_spawnp(&child, "sleep", nullptr, nullptr, arguments, environ), 0);
   lock.reset();
+  // The starter goes on a moment before the started program has closed what it must not keep.
   ProfileLock next(folder.Path());
-  EXPECT_TRUE(next.TryAcquire());
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+  bool acquired = next.TryAcquire();
+  while (!acquired && std::chrono::steady_clock::now() < deadline) {
+    std::this_thread::yield();
+    acquired = next.TryAcquire();
+  }
+  EXPECT_TRUE(acquired);
   ::kill(child, SIGKILL);
   ::waitpid(child, nullptr, 0);
 }
