@@ -247,11 +247,31 @@ TEST_F(QtHttpClientTest, FollowsRedirectsOnlyWhereTheyAreHarmless) {
     EXPECT_EQ(reached, c.follows ? 1 : 0) << c.operation << " " << c.target;
     EXPECT_EQ(answer.body, c.follows ? "there" : "") << c.operation << " " << c.target;
   }
+  EXPECT_EQ(Send("http://" + server.Place("/away")).info, "The server redirects in circles");
   // Credentials in the address count as well.
   target = "http://" + other.Place("/there");
   reached = 0;
   EXPECT_NE(Send("http://user:pass@" + server.Place("/away")).code, 0);
   EXPECT_EQ(reached, 0);
+}
+
+TEST_F(QtHttpClientTest, RepeatsABodyOnlyWhereARedirectSaysSo) {
+  HttpServer server;
+  const auto tell = [](const httplib::Request& request, httplib::Response& response) {
+    response.set_content(request.method + " " + request.body, "text/plain");
+  };
+  server.Handlers().Get("/there", tell).Post("/there", tell);
+  server.Handlers().Post(R"(/(\d+))", [](const httplib::Request& request, httplib::Response& r) {
+    r.set_redirect("/there", std::stoi(request.matches[1]));
+  });
+  server.Start();
+  for (const auto& [status, body] :
+       {std::pair("301", "GET "), std::pair("302", "GET "), std::pair("303", "GET "),
+        std::pair("307", "POST x=y"), std::pair("308", "POST x=y")}) {
+    const Answer answer = Send("http://" + server.Place(std::string("/") + status), "POST", "x=y",
+                               "Content-Type: text/plain");
+    EXPECT_EQ(answer.body, body) << status;
+  }
 }
 
 TEST_F(QtHttpClientTest, ChecksCertificates) {

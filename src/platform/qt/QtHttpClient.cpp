@@ -28,10 +28,6 @@ const char* ErrorText(QNetworkReply::NetworkError error) {
       return "The connection timed out";
     case QNetworkReply::SslHandshakeFailedError:
       return "No secure connection to the server could be made";
-    case QNetworkReply::TooManyRedirectsError:
-      return "The server redirects in circles";
-    case QNetworkReply::InsecureRedirectError:
-      return "The server redirects to another kind of address";
     case QNetworkReply::TemporaryNetworkFailureError:
     case QNetworkReply::NetworkSessionFailedError:
     case QNetworkReply::UnknownNetworkError:
@@ -44,6 +40,10 @@ const char* ErrorText(QNetworkReply::NetworkError error) {
 bool IsSameOrigin(const QUrl& one, const QUrl& other) {
   const auto port = [](const QUrl& url) { return url.port(url.scheme() == "https" ? 443 : 80); };
   return one.scheme() == other.scheme() && one.host() == other.host() && port(one) == port(other);
+}
+
+bool KeepsOperation(int redirectStatus) {
+  return redirectStatus == 307 || redirectStatus == 308;
 }
 
 void SetHeaders(QNetworkRequest& request, const std::string& headers) {
@@ -65,8 +65,7 @@ QNetworkRequest MakeRequest(const WebAddress& address, const std::string& header
     request.setRawHeader("Authorization", address.authorization);
   }
   request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
-                       QNetworkRequest::UserVerifiedRedirectPolicy);
-  request.setMaximumRedirectsAllowed(kMostRedirects);
+                       QNetworkRequest::ManualRedirectPolicy);
   request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
   request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
   request.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
@@ -106,24 +105,24 @@ void QtHttpClient::Execute(const std::string& url, const std::string& operation,
     Fail(BadAddress, "The address is not valid");
     return;
   }
-  const QNetworkRequest request = MakeRequest(*address, headers);
-  mayLeaveHost_ = operation == "GET" && !request.hasRawHeader("Authorization");
+  outgoing_ = MakeRequest(*address, headers);
+  operation_ = operation;
+  outgoingBody_ = QByteArray::fromStdString(body);
+  mayLeaveHost_ = operation == "GET" && !outgoing_.hasRawHeader("Authorization");
+  redirects_ = 0;
   timer_.start();
   Post(HttpState::ResolvingHost);
-  Start(request, operation, body);
+  Start();
 }
 
-void QtHttpClient::Start(const QNetworkRequest& request, const std::string& operation,
-                         const std::string& body) {
-  const QByteArray bytes = QByteArray::fromStdString(body);
-  if (operation == "GET") {
-    reply_ = manager_.get(request);
-  } else if (operation == "PUT") {
-    reply_ = manager_.put(request, bytes);
+void QtHttpClient::Start() {
+  if (operation_ == "GET") {
+    reply_ = manager_.get(outgoing_);
+  } else if (operation_ == "PUT") {
+    reply_ = manager_.put(outgoing_, outgoingBody_);
   } else {
-    reply_ = manager_.post(request, bytes);
+    reply_ = manager_.post(outgoing_, outgoingBody_);
   }
-  url_ = request.url();
   reply_->setReadBufferSize(kReadAhead);
   ConnectReply();
 }
@@ -135,7 +134,6 @@ void QtHttpClient::ConnectReply() {
   connect(reply_, &QNetworkReply::requestSent, this, [this] { Post(HttpState::RequestSent); });
   connect(reply_, &QNetworkReply::metaDataChanged, this,
           [this] { Post(HttpState::ReceivingResponse); });
-  connect(reply_, &QNetworkReply::redirected, this, &QtHttpClient::CheckRedirect);
   connect(reply_, &QNetworkReply::readyRead, this, &QtHttpClient::TakeBody);
   connect(reply_, &QNetworkReply::finished, this, &QtHttpClient::OnFinished);
   connect(reply_, &QNetworkReply::sslErrors, this, [this](const QList<QSslError>& errors) {
@@ -143,15 +141,20 @@ void QtHttpClient::ConnectReply() {
   });
 }
 
-void QtHttpClient::CheckRedirect(const QUrl& target) {
-  // The reply itself names the target as its address by now.
+void QtHttpClient::Redirect(int status, const QUrl& target) {
+  const QUrl present = outgoing_.url();
   const bool isAllowed =
-      IsSameOrigin(url_, target) || (mayLeaveHost_ && url_.scheme() == target.scheme());
-  if (isAllowed) {
-    url_ = target;
-    emit reply_->redirectAllowed();
-  } else {
+      IsSameOrigin(present, target) || (mayLeaveHost_ && present.scheme() == target.scheme());
+  if (!isAllowed) {
     Fail(Redirected, "The server redirects to another place");
+  } else if (++redirects_ > kMostRedirects) {
+    Fail(Redirected, "The server redirects in circles");
+  } else {
+    ReleaseReply();
+    body_.clear();
+    if (!KeepsOperation(status)) operation_ = "GET";
+    outgoing_.setUrl(target);
+    Start();
   }
 }
 
@@ -170,6 +173,11 @@ void QtHttpClient::OnFinished() {
   if (reply_ == nullptr) return;  // the response was too long
   const QNetworkReply::NetworkError error = reply_->error();
   const int status = reply_->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+  const QUrl target = reply_->attribute(QNetworkRequest::RedirectionTargetAttribute).toUrl();
+  if (error == QNetworkReply::NoError && !target.isEmpty()) {
+    Redirect(status, outgoing_.url().resolved(target));
+    return;
+  }
   // From 201 on Qt's errors say what the server answered, but for two that tell of a bad protocol.
   // Without an answer there is no status, or the one that Qt starts with.
   const bool isAnswer = status >= 200 && (error == QNetworkReply::NoError ||
@@ -205,13 +213,7 @@ void QtHttpClient::Post(HttpState state) {
 
 void QtHttpClient::PostEnd() {
   timer_.stop();
-  if (reply_ != nullptr) {
-    // The reply may be raising a signal: it goes once the event loop has come round.
-    QNetworkReply* reply = std::exchange(reply_, nullptr);
-    reply->disconnect(this);
-    reply->abort();
-    reply->deleteLater();
-  }
+  ReleaseReply();
   QMetaObject::invokeMethod(
       this,
       [this, request = request_] {
@@ -220,8 +222,19 @@ void QtHttpClient::PostEnd() {
       Qt::QueuedConnection);
 }
 
+// The reply may be raising a signal: it goes once the event loop has come round.
+void QtHttpClient::ReleaseReply() {
+  if (reply_ == nullptr) return;
+  QNetworkReply* reply = std::exchange(reply_, nullptr);
+  reply->disconnect(this);
+  reply->abort();
+  reply->deleteLater();
+}
+
 void QtHttpClient::EndRequest() {
   busy_ = false;
+  outgoing_ = {};
+  outgoingBody_.clear();
   if (onState) onState(responseCode_ == 0 ? HttpState::ResponseCompleted : HttpState::Error);
 }
 

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
+#include <QNetworkRequest>
 #include <QObject>
 #include <QTimer>
 #include <QUrl>
@@ -36,9 +37,10 @@ class QtHttpClient final : public QObject, public HttpClient {
  private:
   enum Failure : long { BadAddress = 1001, TooLong, TooSlow, Redirected, Cancelled };
 
-  void Start(const QNetworkRequest& request, const std::string& operation, const std::string& body);
+  void Start();
   void ConnectReply();
-  void CheckRedirect(const QUrl& target);
+  void Redirect(int status, const QUrl& target);
+  void ReleaseReply();
   void TakeBody();
   void OnFinished();
   /// Ends the request from outside the reply: its own end is not waited for.
@@ -50,7 +52,10 @@ class QtHttpClient final : public QObject, public HttpClient {
   QNetworkAccessManager manager_;
   QTimer timer_;
   QNetworkReply* reply_ = nullptr;
-  QUrl url_;  ///< where the last redirect led
+  QNetworkRequest outgoing_;
+  std::string operation_;
+  QByteArray outgoingBody_;
+  int redirects_ = 0;
   bool busy_ = false;
   bool mayLeaveHost_ = false;
   unsigned request_ = 0;  ///< events of earlier requests are dropped
