@@ -12,7 +12,7 @@ namespace wattlark {
 
 namespace {
 
-constexpr qint64 kReadAhead = 256 * 1024;
+constexpr qint64 kReadAhead = qint64{256} * 1024;
 constexpr int kMostRedirects = 10;
 
 // Qt's own texts name the address, which may hold a key.
