@@ -1,6 +1,7 @@
 #include "acquisition/MeterStatistics.h"
 
 #include <algorithm>
+#include <cmath>
 #include <stdexcept>
 
 #include "support/modSeries.h"
@@ -16,14 +17,6 @@ constexpr std::int64_t kRepeatedSeconds = 4;
 
 void AddTo(double& entry, double energy) {
   entry = HasValue(entry) ? entry + energy : energy;
-}
-
-// Makes room for `n` new entries of a coarser series; the newest then counts energy from 0.
-void Advance(std::span<double> usage, std::span<double> demand, std::int64_t n) {
-  if (n <= 0) return;
-  ShiftSeries(usage, n, NoValue);
-  ShiftSeries(demand, n, NoValue);
-  usage.back() = 0;
 }
 
 void CopyInto(std::span<double> series, std::span<const double> values) {
@@ -84,24 +77,44 @@ void MeterStatistics::UpdateRecent(double watts, double energy, DateTime time) {
     demand_[Minute].back() = watts;
   }
 
-  Advance(usageRecent_[Hour], demand_[Hour], minutes);
+  Advance(Hour, minutes);
   AddTo(usageRecent_[Hour].back(), energy);
   demand_[Hour].back() = AverageSeries(demand_[Minute]);
 
-  Advance(usageRecent_[Day], demand_[Day], hours);
+  Advance(Day, hours);
   AddTo(usageRecent_[Day].back(), energy);
-  demand_[Day].back() = AverageSeries(demand_[Hour]);
+  demand_[Day].back() = MeanDemand(Hour);
 
-  Advance(usageRecent_[Month], demand_[Month], days);
-  Advance(usageRecent_[Week], demand_[Week], days);
+  Advance(Month, days);
+  Advance(Week, days);
   AddTo(usageRecent_[Week].back(), energy);
-  demand_[Week].back() = AverageSeries(demand_[Day]);
+  demand_[Week].back() = MeanDemand(Day);
   usageRecent_[Month].back() = usageRecent_[Week].back();
   demand_[Month].back() = demand_[Week].back();
 
-  Advance(usageRecent_[Year], demand_[Year], months);
+  Advance(Year, months);
   AddTo(usageRecent_[Year].back(), energy);
-  demand_[Year].back() = AverageSeries(demand_[Month]);
+  demand_[Year].back() = MeanDemand(Month);
+}
+
+// Makes room for `n` new entries of a coarser series; the newest then counts energy from 0.
+void MeterStatistics::Advance(Interval interval, std::int64_t n) {
+  if (n <= 0) return;
+  ShiftSeries(usageRecent_[interval], n, NoValue);
+  ShiftSeries(demand_[interval], n, NoValue);
+  usageRecent_[interval].back() = 0;
+  older_[interval].reset();
+}
+
+// The mean of a coarser series: of its entries, only the newest changes with most readings.
+double MeterStatistics::MeanDemand(Interval interval) {
+  const std::span<const double> series = demand_[interval];
+  std::optional<SeriesSum>& older = older_[interval];
+  if (!older) older = SumSeries(series.first(series.size() - 1));
+  const double newest = series.back();
+  if (!HasValue(newest)) return AverageSeries(series);
+  const double mean = (older->sum + newest) / static_cast<double>(older->count + 1);
+  return std::isfinite(mean) ? mean : AverageSeries(series);
 }
 
 void MeterStatistics::SetTimestamp(DateTime time) {
@@ -133,7 +146,7 @@ void MeterStatistics::ClearPeriod(Period period) {
 }
 
 void MeterStatistics::SetDemandRecent(int interval, std::span<const double> values) {
-  CopyInto(demand_[interval], values);
+  CopyInto(DemandRecent(interval), values);
 }
 
 void MeterStatistics::SetUsageRecent(int interval, std::span<const double> values) {
@@ -154,6 +167,7 @@ double MeterStatistics::AverageDemand(std::int32_t seconds) const {
 void MeterStatistics::ResetStatistics() {
   demand_ = RecentSeries();
   usageRecent_ = RecentSeries();
+  older_ = {};
   usage_.fill(0);
   peak_.fill(0);
   peakTime_.fill(DateTime());

@@ -2,10 +2,12 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <span>
 
 #include "support/DateTime.h"
 #include "support/NoValue.h"
+#include "support/modSeries.h"
 
 namespace wattlark {
 
@@ -67,8 +69,11 @@ class MeterStatistics {
 
   std::span<const double> DemandRecent(int interval) const { return demand_[interval]; }
   std::span<const double> UsageRecent(int interval) const { return usageRecent_[interval]; }
-  /// The series itself, for loading.
-  std::span<double> DemandRecent(int interval) { return demand_[interval]; }
+  /// The series itself, for loading; not to be kept.
+  std::span<double> DemandRecent(int interval) {
+    older_ = {};
+    return demand_[interval];
+  }
   std::span<double> UsageRecent(int interval) { return usageRecent_[interval]; }
   /// Copies `values` from index 0; surplus ones are ignored, entries not covered keep their values.
   void SetDemandRecent(int interval, std::span<const double> values);
@@ -85,6 +90,8 @@ class MeterStatistics {
  private:
   static std::size_t Checked(int period) { return static_cast<std::size_t>(period); }
   void UpdateRecent(double watts, double energy, DateTime time);
+  void Advance(Interval interval, std::int64_t n);
+  double MeanDemand(Interval interval);
   void ClearPeriod(Period period);
 
   std::array<double, PeriodCount> usage_{};
@@ -92,6 +99,9 @@ class MeterStatistics {
   std::array<DateTime, PeriodCount> peakTime_{};
   RecentSeries demand_;
   RecentSeries usageRecent_;
+  /// Of each demand series all entries but the newest, where they were summed since they last
+  /// changed.
+  std::array<std::optional<SeriesSum>, IntervalCount> older_;
   DateTime timestamp_;
   std::uint32_t lastTicks_ = 0;
   bool hasLastTicks_ = false;

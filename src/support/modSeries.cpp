@@ -37,8 +37,8 @@ void ShiftSeries(std::span<double> series, std::int64_t n, double fill) {
   std::fill(tail, series.end(), fill);
 }
 
-double AverageSeries(std::span<const double> series) {
-  // This runs four times for every reading. Four running sums, because one would make each addition
+SeriesSum SumSeries(std::span<const double> series) {
+  // This runs for every reading. Four running sums, because one would make each addition
   // wait for the last; and one question for four entries, because entries without a value come in
   // long runs.
   constexpr std::size_t kBlock = 4;
@@ -69,10 +69,14 @@ double AverageSeries(std::span<const double> series) {
     }
   }
   for (; i < series.size(); ++i) addOne(sums[0], series[i]);
-  if (count == 0) return NoValue;
-  const double sum = sums[0] + sums[1] + sums[2] + sums[3];
-  const auto divisor = static_cast<double>(count);
-  return std::isfinite(sum) ? sum / divisor : AverageOfHugeEntries(series, divisor);
+  return {sums[0] + sums[1] + sums[2] + sums[3], count};
+}
+
+double AverageSeries(std::span<const double> series) {
+  const SeriesSum entries = SumSeries(series);
+  if (entries.count == 0) return NoValue;
+  const auto divisor = static_cast<double>(entries.count);
+  return std::isfinite(entries.sum) ? entries.sum / divisor : AverageOfHugeEntries(series, divisor);
 }
 
 std::string JoinSeries(std::span<const double> series) {

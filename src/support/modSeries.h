@@ -11,6 +11,13 @@ namespace wattlark {
 /// Shifts left by `n` entries and fills the tail with `fill`; n >= length fills the whole series,
 /// n <= 0 changes nothing.
 void ShiftSeries(std::span<double> series, std::int64_t n, double fill);
+/// Sum and number of the entries that are not `NoValue`. The sum of entries near the largest double
+/// may overflow.
+struct SeriesSum {
+  double sum = 0;
+  std::size_t count = 0;
+};
+SeriesSum SumSeries(std::span<const double> series);
 /// Mean of the entries that are not `NoValue`; `NoValue` when there are none.
 double AverageSeries(std::span<const double> series);
 /// The entries, oldest first, joined with ",": always with "." as decimal separator, so that the

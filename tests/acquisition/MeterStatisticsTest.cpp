@@ -296,5 +296,34 @@ TEST(MeterStatistics, Resets) {
   EXPECT_EQ(meter.Timestamp(), At("2026-11-16T20:10:00")) << "the reading clock is no statistic";
 }
 
+// Whatever time passes between two readings, and whatever is put into a series meanwhile, each
+// coarser series ends with the mean of the finer one.
+TEST(MeterStatistics, EndsEachSeriesWithTheMeanOfTheFinerOne) {
+  MeterStatistics statistics;
+  DateTime time = *DateTime::FromIso("2026-01-30T22:10:00");
+  std::uint32_t ticks = 1;
+  double watts = 100;
+  const std::int64_t gaps[] = {1,     2,     0, 59,         61, 3,     3600, 7,
+                               86400, 90000, 1, 40 * 86400, 2,  -3600, 5};
+  for (int round = 0; round < 20; ++round) {
+    for (const std::int64_t gap : gaps) {
+      time = time.PlusMilliseconds(gap * 1000);
+      ticks += 1000;
+      watts = watts < 900 ? watts + 37.5 : -250;
+      statistics.AddReading(watts, time, ticks);
+      const MeterStatistics& seen = statistics;
+      constexpr std::pair<Interval, Interval> kSteps[] = {
+          {Minute, Hour}, {Hour, Day}, {Day, Week}, {Month, Year}};
+      for (const auto& [finer, coarser] : kSteps) {
+        if (round == 0 && gap == gaps[0]) continue;  // the first reading fills no series
+        ASSERT_NEAR(seen.DemandRecent(coarser).back(), AverageSeries(seen.DemandRecent(finer)),
+                    1e-9)
+            << round << ' ' << gap << ' ' << coarser;
+      }
+    }
+    statistics.SetDemandRecent(Hour, std::vector<double>(30, 10.0 * round));
+  }
+}
+
 }  // namespace
 }  // namespace wattlark
