@@ -11,7 +11,11 @@ if(NOT DEFINED CMAKE_CXX_COMPILER_LAUNCHER)
 endif()
 
 add_library(wattlark_flags INTERFACE)
-target_compile_definitions(wattlark_flags INTERFACE WATTLARK_VERSION="${PROJECT_VERSION}")
+set(versionText "${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}")
+if(PROJECT_VERSION_PATCH)
+  string(APPEND versionText ".${PROJECT_VERSION_PATCH}")
+endif()
+target_compile_definitions(wattlark_flags INTERFACE WATTLARK_VERSION="${versionText}")
 
 if(MSVC)
   target_compile_options(wattlark_flags INTERFACE /W4 /utf-8 $<$<BOOL:${WATTLARK_WERROR}>:/WX>)

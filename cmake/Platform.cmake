@@ -11,7 +11,7 @@ else()
   find_package(PkgConfig REQUIRED)
   pkg_check_modules(CANBERRA REQUIRED IMPORTED_TARGET libcanberra)
   set(adapterFolders qt sqlite xdg linux)
-  set(adapterLibraries SQLite::SQLite3 PkgConfig::CANBERRA)
+  set(adapterLibraries SQLite::SQLite3)
 endif()
 
 wattlark_sources(platformSources "src/platform" FOLDERS ${adapterFolders})
@@ -40,4 +40,8 @@ if(formSources)
   wattlark_library(wattlark_forms SOURCES ${formSources} "${PROJECT_SOURCE_DIR}/resources/wattlark.qrc"
     LINKS wattlark_platform Qt6::Widgets Qt6::Svg Qt6::PrintSupport ${plotLibrary})
   wattlark_qt(wattlark_forms)
+  if(TARGET PkgConfig::CANBERRA) # its headers: it is loaded with the first sound
+    target_include_directories(wattlark_forms PRIVATE
+      $<TARGET_PROPERTY:PkgConfig::CANBERRA,INTERFACE_INCLUDE_DIRECTORIES>)
+  endif()
 endif()

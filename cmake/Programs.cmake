@@ -7,6 +7,8 @@ find_package(nlohmann_json REQUIRED)
 wattlark_sources(cliSources "src" FOLDERS cli)
 wattlark_library(wattlark_cli SOURCES ${cliSources}
   LINKS wattlark_platform CLI11::CLI11 nlohmann_json::nlohmann_json)
+target_compile_definitions(wattlark_cli PRIVATE
+  WATTLARK_VERSION_FILE_URL="${WATTLARK_VERSION_FILE_URL}")
 
 set(mainSource "${PROJECT_SOURCE_DIR}/src/main.cpp")
 file(GLOB mainFound CONFIGURE_DEPENDS "${mainSource}")

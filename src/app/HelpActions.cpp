@@ -10,14 +10,16 @@ void ShowAbout(const std::string& version, Prompts& prompts) {
                PromptIcon::Information, PromptButtons::OK, PromptAnswer::OK});
 }
 
-void OpenURL(const std::string& address, Desktop& desktop, Prompts& prompts) {
+bool OpenURL(const std::string& address, Desktop& desktop, Prompts& prompts) {
   if (address.empty()) {
     prompts.Ask({"No address is configured.", ApplicationTitle, PromptIcon::Information,
                  PromptButtons::OK, PromptAnswer::OK});
-  } else if (!desktop.OpenURL(address)) {
-    prompts.Ask({"The address " + address + " could not be opened.", ApplicationTitle,
-                 PromptIcon::Exclamation, PromptButtons::OK, PromptAnswer::OK});
+    return false;
   }
+  if (desktop.OpenURL(address)) return true;
+  prompts.Ask({"The address " + address + " could not be opened.", ApplicationTitle,
+               PromptIcon::Exclamation, PromptButtons::OK, PromptAnswer::OK});
+  return false;
 }
 
 }  // namespace wattlark

@@ -14,7 +14,8 @@ inline constexpr const char* LegalNotice =
 
 /// Shows title, version ("2.0") and legal notice.
 void ShowAbout(const std::string& version, Prompts& prompts);
-/// Opens a web address; tells the user when there is none, or it cannot be opened.
-void OpenURL(const std::string& address, Desktop& desktop, Prompts& prompts);
+/// Opens a web address; tells the user when there is none, or it cannot be opened, and answers
+/// false.
+bool OpenURL(const std::string& address, Desktop& desktop, Prompts& prompts);
 
 }  // namespace wattlark

@@ -4,24 +4,14 @@
 
 #include "app/CaptureWriter.h"
 #include "app/WebPublishers.h"
+#include "support/FlagScope.h"
+#include "update/SoftwareUpdate.h"
 
 namespace wattlark {
 
 namespace {
 
 constexpr std::uint32_t kReopenMilliseconds = 2000;
-
-// Holds a flag for the length of a scope.
-class BusyScope {
- public:
-  explicit BusyScope(bool& flag) : flag_(flag) { flag_ = true; }
-  ~BusyScope() { flag_ = false; }
-  BusyScope(const BusyScope&) = delete;
-  BusyScope& operator=(const BusyScope&) = delete;
-
- private:
-  bool& flag_;
-};
 
 }  // namespace
 
@@ -38,6 +28,11 @@ Monitor::Monitor(const Ports& ports, const RegionalSettings& regional, Options o
   if (ports_.web != nullptr) {
     web_ = std::make_unique<WebPublishers>(*ports_.web, profile_, regional_, ports_.prompts,
                                            [this](const std::string& text) { SetInfoText(text); });
+    update_ = std::make_unique<SoftwareUpdate>(
+        SoftwareUpdate::Context{ports_.web->versionAlert, ports_.web->pump, store_,
+                                profile_.Settings(), ports_.prompts, ports_.desktop,
+                                [this](const std::string& text) { ShowUpdateProgress(text); }},
+        WATTLARK_VERSION);
   }
   AddDestinations();
 }
@@ -84,9 +79,16 @@ void Monitor::TellLoadProblems() {
 void Monitor::StartRunning() {
   OpenPort();
   schedule_.Start(profile_.Settings(), Now());
+  if (update_) update_->StartSchedule(Now());
   lastSaveTicks_ = ports_.clock.Ticks();
   listener_.OnUpdateStatus();
   SetUpdateTimer(true);
+}
+
+void Monitor::StopRunning() {
+  SetUpdateTimer(false);
+  ended_ = true;
+  ClosePort();
 }
 
 bool Monitor::Unload() {
@@ -131,9 +133,9 @@ void Monitor::ClosePort() {
 void Monitor::ReceiveXBeeData() {
   if (busy_) return;
   try {
-    listener_.OnCommImage(CommImage::Receiving);
     const std::vector<std::uint8_t> bytes = ports_.serial.ReadAll();
     if (bytes.empty()) return;
+    listener_.OnCommImage(CommImage::Receiving);
     readClock_.now = Now();
     readClock_.ticks = ports_.clock.Ticks();
     Record([&](CaptureWriter& to) { to.WriteRead(readClock_.now, readClock_.ticks, bytes); });
@@ -143,7 +145,7 @@ void Monitor::ReceiveXBeeData() {
     // Addresses are unique, so at most one meter takes the frame.
     clsKillAWatt* meter = profile_.Meters().FindAddress(decoder_.SourceAddress());
     if (meter == nullptr) return;
-    const BusyScope busy(busy_);
+    const FlagScope busy(busy_);
     meter->ProcessPacket(decoder_);
     ++deliveredFrames_;
     listener_.OnReading(*meter, readClock_.now);
@@ -155,7 +157,7 @@ void Monitor::ReceiveXBeeData() {
 void Monitor::UpdateCycle() {
   SetUpdateTimer(false);
   {
-    const BusyScope busy(busy_);
+    const FlagScope busy(busy_);
     try {
       RunTick(Now(), ports_.clock.Ticks());
     } catch (const std::exception& error) {
@@ -163,6 +165,7 @@ void Monitor::UpdateCycle() {
     }
   }
   SetUpdateTimer(true);
+  TellUpdate();
 }
 
 void Monitor::RunTick(DateTime now, std::uint32_t ticks) {
@@ -178,7 +181,8 @@ void Monitor::RunTick(DateTime now, std::uint32_t ticks) {
     schedule_.RunPublishers(profile_.Settings(), now);
     if (!ended_) ShowAlarmNotices(now);
   }
-  if (ended_) return;  // the user left the program while a destination was waited for
+  if (!ended_ && update_) update_->FindWhenDue(now, VersionFileAddress());
+  if (ended_) return;  // the user left the program while a web server was waited for
   listener_.OnUpdateStatus();
   if (static_cast<std::int32_t>(ticks - lastSaveTicks_) / 1000 >= options_.checkpointSeconds) {
     lastSaveTicks_ = ticks;
@@ -237,7 +241,7 @@ void Monitor::ReportError(const std::string& text, DateTime moment, bool toStatu
   errors_.Add(text, time);
   listener_.OnError(text, time);
   if (toStatusBar) {
-    SetInfoText("Click here to view errors...");
+    SetInfoText(ErrorsInvitation);
   } else {
     Tell(text, "Error!");
   }

@@ -21,6 +21,7 @@
 namespace wattlark {
 
 class CaptureWriter;
+class SoftwareUpdate;
 class WebPublishers;
 enum class PublishTarget;
 struct PublishResult;
@@ -46,7 +47,8 @@ class MonitorListener {
   virtual void OnCommImage(CommImage /*image*/) {}
   /// A failure of background work, after it was added to the error list.
   virtual void OnError(const std::string& /*text*/, DateTime /*moment*/) {}
-  /// Whether an alarm notice may be shown now: no other window of the program is open.
+  /// Whether an alarm notice, or news of an update, may come up now: no other window of the program
+  /// is open.
   virtual bool CanShowNotice() { return true; }
   virtual void OnAlarmNotice(const AlarmNotice& /*notice*/) {}
   /// A meter has taken a reading from the radio.
@@ -55,10 +57,15 @@ class MonitorListener {
   virtual void OnUpdateStatus() {}
   /// `tmrUpdate` is to run, 1000 ms from now, or to stop.
   virtual void OnUpdateTimer(bool /*enabled*/) {}
+  /// The user downloads a newer version: the program is to end, so that it can be replaced.
+  virtual void OnExitApplication() {}
   /// Everything is being saved: what a face keeps of its own goes into the same transaction. False
   /// fails the whole save.
   virtual bool OnSave(modRegistry& /*store*/) { return true; }
 };
+
+/// Text of the status bar's "INFO" panel while there are errors to read.
+inline constexpr const char* ErrorsInvitation = "Click here to view errors...";
 
 /// How many frames the receive routine has seen.
 struct FrameCounts {
@@ -86,7 +93,8 @@ class Monitor {
     std::string csvFilenameDefault;
     std::string noticeSoundFile;  ///< "notice.wav" in the program's folder
     std::int32_t checkpointSeconds = 300;
-    std::optional<bool> demoMode = {};  ///< for this run, whatever the stored setting says
+    std::optional<bool> demoMode = {};    ///< for this run, whatever the stored setting says
+    std::string versionFileAddress = {};  ///< unless the store names another one; empty for none
   };
 
   Monitor(const Ports& ports, const RegionalSettings& regional, Options options,
@@ -105,6 +113,8 @@ class Monitor {
   void UpdateCycle();
   /// The port's receive event: takes every waiting byte, unless busy.
   void ReceiveXBeeData();
+  /// Disables the timer for good and closes the port; nothing is saved.
+  void StopRunning();
   /// Disables the timer, saves everything in one transaction and closes the port. False when saving
   /// failed; the store then holds what it held before.
   bool Unload();
@@ -121,6 +131,11 @@ class Monitor {
   /// run while a web server is waited for; only when not `quiet` is the user asked for missing
   /// credentials, and shown an error in a message box.
   PublishResult PublishNow(PublishTarget target, bool quiet);
+
+  /// Looks for a newer version of the program and tells the user; the quiet check at the start when
+  /// `AutoUpdate` is on, or, with `showUpToDate`, one that the user asked for. Pending events run
+  /// while the server is waited for. The face hears when the program is to end.
+  void CheckForUpdates(bool showUpToDate);
 
   /// Opens the port with the present settings unless demo mode is on; a failure leaves it closed.
   void OpenPort();
@@ -172,6 +187,9 @@ class Monitor {
   PublishResult PublishTo(PublishTarget target, DateTime timestamp, bool useAverage, bool quiet);
   void PostAlarm(const clsKillAWatt& meter, DateTime now);
   PublishResult Publish(const std::function<PublishResult()>& run, bool quiet);
+  std::string VersionFileAddress() const;
+  void TellUpdate();
+  void ShowUpdateProgress(const std::string& text);
   void SetUpdateTimer(bool enabled);
   void TellLoadProblems();
   void Tell(const std::string& text, const std::string& caption);
@@ -186,6 +204,7 @@ class Monitor {
   clsXBee decoder_;
   PublishSchedule schedule_;
   std::unique_ptr<WebPublishers> web_;
+  std::unique_ptr<SoftwareUpdate> update_;
   ErrorList errors_;
   CaptureWriter* recorder_ = nullptr;
   std::uint64_t deliveredFrames_ = 0;

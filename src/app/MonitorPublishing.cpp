@@ -63,7 +63,8 @@ PublishResult Monitor::Publish(const std::function<PublishResult()>& run, bool q
   if (result.success) {
     SetInfoText(result.text);
   } else if (!result.text.empty()) {
-    ReportError(result.text, DateTime(), quiet);
+    // A message box on top of another wait would hold that one up, and with it all readings.
+    ReportError(result.text, DateTime(), quiet || !timerWasEnabled);
   }
   if (!result.warning.empty()) ReportError(result.warning);
   return result;

@@ -19,6 +19,7 @@ class MonitorRelay final : public MonitorListener {
   void OnReading(const clsKillAWatt& meter, DateTime time) override { to_->OnReading(meter, time); }
   void OnUpdateStatus() override { to_->OnUpdateStatus(); }
   void OnUpdateTimer(bool enabled) override { to_->OnUpdateTimer(enabled); }
+  void OnExitApplication() override { to_->OnExitApplication(); }
   bool OnSave(modRegistry& store) override { return to_->OnSave(store); }
 
  private:

@@ -6,6 +6,20 @@
 
 namespace wattlark {
 
+namespace {
+
+constexpr PublishTargetName kTargetNames[] = {
+    {"csv", PublishTarget::CSV},           {"pachube", PublishTarget::Pachube},
+    {"google", PublishTarget::GoogleDocs}, {"powermeter", PublishTarget::PowerMeter},
+    {"twitter", PublishTarget::Twitter},
+};
+
+}  // namespace
+
+std::span<const PublishTargetName> PublishTargetNames() {
+  return kTargetNames;
+}
+
 WebPublishers::WebPublishers(const WebPorts& ports, ProfileData& profile,
                              const RegionalSettings& regional, Prompts& prompts,
                              const std::function<void(const std::string&)>& showText)

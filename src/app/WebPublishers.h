@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <span>
 #include <string>
 
 #include "platform/HttpClient.h"
@@ -17,12 +18,20 @@ class ProfileData;
 /// Where readings are published to, in the order of the schedule.
 enum class PublishTarget { CSV, Pachube, GoogleDocs, PowerMeter, Twitter };
 
-/// What publishing over the web needs of the outside. The Google client serves the spreadsheets and
-/// PowerMeter.
+/// A target as commands name it: "csv", "pachube", "google", "powermeter", "twitter".
+struct PublishTargetName {
+  const char* name;
+  PublishTarget target;
+};
+std::span<const PublishTargetName> PublishTargetNames();
+
+/// What the program needs of the outside to use the web. The Google client serves the spreadsheets
+/// and PowerMeter; `versionAlert` the update check.
 struct WebPorts {
   HttpClient& pachube;
   HttpClient& google;
   HttpClient& twitter;
+  HttpClient& versionAlert;
   EventPump& pump;
   std::function<DateTime(DateTime)> localToUTC;
 };

@@ -9,8 +9,10 @@
 #include <string>
 #include <system_error>
 
+#include "app/WebPublishers.h"
 #include "cli/DefaultFiles.h"
 #include "cli/MeterCommands.h"
+#include "cli/PublishCommand.h"
 #include "cli/ReplayCommand.h"
 #include "cli/SettingCommands.h"
 #include "platform/qt/SystemRegional.h"
@@ -35,6 +37,7 @@ class CommandLine {
     DefineReplay();
     DefineMeter();
     DefineSetting();
+    DefinePublish();
   }
 
   int Execute(int& argc, char** argv, const WindowRunner& runWindow,
@@ -134,18 +137,33 @@ class CommandLine {
   void DefineSetting() {
     CLI::App* setting = AddCommand(app_, "setting", "Show or change the settings of a profile");
     setting->require_subcommand(1);
-    const char* naming = "NAME, or SECTION/NAME for PortDevices and WindowSettings";
+    const char* naming =
+        "NAME, or SECTION/NAME for PortDevices, ServiceEndpoints and WindowSettings";
     settingGet_ = AddCommand(*setting, "get", "Print a setting");
     settingGet_->add_option("NAME", name_, naming)->required()->option_text(" ");
     settingSet_ = AddCommand(*setting, "set", "Change a setting");
     // A value that begins with -h is a mistake to be told, not a call for help.
     settingSet_->set_help_flag("--help", "Print this help message and exit");
     settingSet_->add_option("NAME", name_, naming)->required()->option_text(" ");
-    settingSet_->add_option("VALUE", value_, "Its value; write -- before one that begins with -")
+    settingSet_
+        ->add_option("VALUE", value_,
+                     "Its value; write -- before one that begins with -. A single - reads it from "
+                     "standard input, where no list of processes shows passwords and keys")
         ->required()
         ->option_text(" ");
     settingList_ = AddCommand(*setting, "list", "List all settings");
     settingList_->add_flag("--json", json_, "Print a JSON object, passwords included");
+  }
+
+  void DefinePublish() {
+    std::vector<std::string> names;
+    for (const PublishTargetName& known : PublishTargetNames()) names.emplace_back(known.name);
+    publish_ = AddCommand(
+        app_, "publish", "Have the running program publish the current loads now, and wait for it");
+    publish_->add_option("DESTINATION", name_, "csv, pachube, google, powermeter or twitter")
+        ->required()
+        ->check(CLI::IsMember(names).description(""))
+        ->option_text(" ");
   }
 
   /// A command is no run: it has no use for the options of one.
@@ -171,6 +189,7 @@ class CommandLine {
     if (*settingGet_) return GetSetting(profile_, name_, environment);
     if (*settingSet_) return SetSetting(profile_, name_, value_, environment);
     if (*settingList_) return ListSettings(profile_, json_, environment);
+    if (*publish_) return RunPublish(profile_, name_, environment);
     run_.profileFolder = profile_;
     const bool showsWindow = runWindow && !run_.headless && HasDisplay();
     return showsWindow ? runWindow(argc, argv, run_) : RunHeadless(argc, argv, run_);
@@ -196,6 +215,7 @@ class CommandLine {
   CLI::App* settingGet_ = nullptr;
   CLI::App* settingSet_ = nullptr;
   CLI::App* settingList_ = nullptr;
+  CLI::App* publish_ = nullptr;
 
   std::string profile_;
   RunOptions run_;

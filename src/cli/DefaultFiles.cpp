@@ -32,10 +32,19 @@ std::string DefaultProfileFolder() {
   return home.empty() ? std::string() : home + "/.local/share/wattlark";
 }
 
+// Read once, at the start: after an upgrade the link of a program that still runs names a deleted
+// file.
+std::string ProgramFile() {
+  static const std::string file = [] {
+    std::error_code error;
+    const fs::path program = fs::read_symlink("/proc/self/exe", error);
+    return error ? std::string() : program.string();
+  }();
+  return file;
+}
+
 std::string ProgramFolder() {
-  std::error_code error;
-  const fs::path program = fs::read_symlink("/proc/self/exe", error);
-  return error ? std::string() : program.parent_path().string();
+  return fs::path(ProgramFile()).parent_path().string();
 }
 
 std::string DefaultCSVFilename(const std::string& profileFolder) {

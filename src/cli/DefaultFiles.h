@@ -7,6 +7,8 @@ namespace wattlark {
 /// The user's own profile folder: "wattlark" in $XDG_DATA_HOME, or in ~/.local/share when that is
 /// not set to an absolute path. Empty when the user has no home folder.
 std::string DefaultProfileFolder();
+/// The running program's file; empty when the system does not tell.
+std::string ProgramFile();
 /// The folder that holds the running program; empty when the system does not tell.
 std::string ProgramFolder();
 /// The default of the setting `CSVFilename`: "wattlark.csv" in the program's folder, or in the

@@ -30,7 +30,10 @@ int RunMonitor(QCoreApplication& application, const RunOptions& options, Program
     console.WriteMessage("Another start with this profile was refused: this one is running");
   });
   if (!isLoaded) return ExitRefused;
-  monitor.StartRunning();
+  setup.StartRunning();
+  // From the event loop, so that a signal ends a wait for the server.
+  QMetaObject::invokeMethod(
+      &application, [&monitor] { monitor.CheckForUpdates(false); }, Qt::QueuedConnection);
   application.exec();
 
   face.EndUpdates();

@@ -18,7 +18,11 @@ ProgramSetup::ProgramSetup(const RunOptions& options)
       lock_(options.profileFolder),
       serial_([this](int portNumber) { return DevicePath(portNumber); }),
       timeZone_(clock_),
-      web_{inetPachubeLogger_, inetGoogleLogger_, inetTwitterLogger_, pump_,
+      web_{inetPachubeLogger_,
+           inetGoogleLogger_,
+           inetTwitterLogger_,
+           inetVersionAlert_,
+           pump_,
            [this](DateTime local) { return ToUTC(local); }} {}
 
 bool ProgramSetup::TakeProfile() {
@@ -34,6 +38,7 @@ bool ProgramSetup::Open() {
   if (!options_.recordFile.empty()) recorder_.emplace(options_.recordFile);
   store_ = OpenStore(options_.profileFolder);
   if (!store_.registry) return false;
+  systemRegistry_.emplace(*store_.registry, AutostartFolder());
   values_.emplace(*store_.registry);
   devices_.emplace(*values_, [] { return ListSerialDevices(); });
   return true;
@@ -50,6 +55,7 @@ Monitor& ProgramSetup::MakeMonitor(Desktop& desktop, Prompts& prompts, MonitorLi
 
 bool ProgramSetup::Load(std::function<void()> onShow) {
   instance_->onShow = std::move(onShow);
+  instance_->onCommand = [this](const std::string& command) { return FindCommand(command); };
   instance_->Listen();
   if (!monitor_->Load()) return false;
   if (!options_.device.empty()) {
@@ -59,7 +65,33 @@ bool ProgramSetup::Load(std::function<void()> onShow) {
   return true;
 }
 
+void ProgramSetup::StartRunning() {
+  monitor_->StartRunning();
+  takesCommands_ = true;
+}
+
+std::function<CommandAnswer()> ProgramSetup::FindCommand(const std::string& command) {
+  for (const PublishTargetName& known : PublishTargetNames()) {
+    if (command != std::string("publish ") + known.name) continue;
+    return [this, target = known.target] { return Publish(target); };
+  }
+  return {};
+}
+
+// What the menu item of that destination does; nobody may be there to answer a question.
+CommandAnswer ProgramSetup::Publish(PublishTarget target) {
+  if (!takesCommands_) return {false, "The running program is just starting or ending"};
+  const std::string obstacle = monitor_->MainAreaText();
+  if (!obstacle.empty()) return {false, obstacle.substr(0, obstacle.find_first_of(":\r"))};
+  const PublishResult result = monitor_->PublishNow(target, true);
+  const bool isSilent = !result.success && result.text.empty();
+  return {result.success, isSilent ? "Nothing was published: the user name or password is "
+                                     "missing, or the program is ending"
+                                   : result.text};
+}
+
 std::string ProgramSetup::FinishSaving(bool unloaded) {
+  takesCommands_ = false;
   instance_->onShow = nullptr;
   if (unloaded && store_.savesChanges) return {};
   return "Not saved: " + (store_.savesChanges ? store_.registry->ErrorText() : store_.message);
@@ -70,6 +102,7 @@ Monitor::Options ProgramSetup::MonitorOptions() const {
   result.csvFilenameDefault = DefaultCSVFilename(options_.profileFolder);
   result.noticeSoundFile = ProgramFolder() + "/notice.wav";
   if (options_.demo) result.demoMode = true;
+  result.versionFileAddress = WATTLARK_VERSION_FILE_URL;
   return result;
 }
 

@@ -18,6 +18,7 @@
 #include "platform/qt/SystemClock.h"
 #include "platform/qt/SystemTimeZone.h"
 #include "platform/sqlite/OpenStore.h"
+#include "platform/xdg/AutostartRegistry.h"
 
 namespace wattlark {
 
@@ -45,6 +46,8 @@ class ProgramSetup {
   /// Loads the profile. `onShow` is called from now on when another start wants the program shown.
   /// False, and the user has been told why, when the store could not be read: the program ends.
   [[nodiscard]] bool Load(std::function<void()> onShow);
+  /// Starts to run, and from now on carries out the commands of other processes.
+  void StartRunning();
   /// After the event loop. `unloaded` is what `Monitor::Unload` answered. Why not everything is
   /// saved; empty when it is.
   std::string FinishSaving(bool unloaded);
@@ -56,19 +59,25 @@ class ProgramSetup {
   SystemClock& SystemTime() { return clock_; }
   StandardRandom& Random() { return random_; }
   QtSerialPort& Serial() { return serial_; }
-  /// Valid once the store is open.
+  // Valid once the store is open.
   modRegistry& Values() { return *values_; }
+  /// The store, in which the value that starts the program at log-on has its effect.
+  Registry& SystemRegistry() { return *systemRegistry_; }
+  PortDevices& Devices() { return *devices_; }
 
  private:
   Monitor::Options MonitorOptions() const;
   std::string DevicePath(int portNumber) const;
   DateTime ToUTC(DateTime local);
+  std::function<CommandAnswer()> FindCommand(const std::string& command);
+  CommandAnswer Publish(PublishTarget target);
 
   const RunOptions options_;
   ProfileLock lock_;
   std::optional<SingleInstance> instance_;
   std::optional<CaptureWriter> recorder_;
   StoreOpening store_;
+  std::optional<AutostartRegistry> systemRegistry_;
   std::optional<modRegistry> values_;
   std::optional<PortDevices> devices_;
   SystemClock clock_;
@@ -79,8 +88,10 @@ class ProgramSetup {
   QtHttpClient inetPachubeLogger_;
   QtHttpClient inetGoogleLogger_;
   QtHttpClient inetTwitterLogger_;
+  QtHttpClient inetVersionAlert_;
   const WebPorts web_;
   std::optional<Monitor> monitor_;
+  bool takesCommands_ = false;
 };
 
 /// Opens the standard streams that were closed at the start on nothing: a file opened later must

@@ -1,6 +1,7 @@
 #include "cli/SettingCommands.h"
 
 #include <array>
+#include <istream>
 #include <ostream>
 #include <utility>
 #include <vector>
@@ -24,6 +25,8 @@ constexpr const char* kSettings = "Settings";
 constexpr const char* kPortDevices = "PortDevices";
 constexpr const char* kWindowSettings = "WindowSettings";
 constexpr std::int64_t kLargestPort = 256;
+constexpr const char* kStandardInput = "-";
+constexpr std::size_t kLongestValue = std::size_t{64} * 1024;
 
 /// A setting that the user has named.
 struct SettingName {
@@ -115,7 +118,37 @@ std::string ValueProblem(const SettingName& setting, const StoreText& text, std:
   return {};
 }
 
+/// Why the input is no value, or an empty text.
+std::string ReadValue(std::istream& input, std::string& value) {
+  value.resize(kLongestValue + 1);
+  input.read(value.data(), static_cast<std::streamsize>(value.size()));
+  value.resize(static_cast<std::size_t>(input.gcount()));
+  if (value.size() > kLongestValue) return "The value on standard input is too long.";
+  if (value.ends_with('\n')) value.pop_back();
+  if (value.ends_with('\r')) value.pop_back();
+  return {};
+}
+
+// What the program remembers of a document is of no use with another one, or another server.
+bool ForgetFeeds(modRegistry& store, const SettingName& setting) {
+  const bool isServer = setting.endpoint != nullptr && setting.name == "SpreadsheetsFeedURL";
+  const bool isSetting = setting.info != nullptr;
+  const auto forget = [&store](const char* feed) {
+    return store.GetAppSetting("", "Settings", feed, "").empty() ||
+           store.SaveAppSetting("", "Settings", feed, "");
+  };
+  bool done = true;
+  if (isServer || (isSetting && setting.name == "GoogleDocName")) {
+    done = forget("GoogleWorksheetsFeed");
+  }
+  if (isServer || (isSetting && setting.name == "GoogleWorksheetName")) {
+    done = forget("GoogleListFeed") && done;
+  }
+  return done;
+}
+
 bool Store(modRegistry& store, const SettingName& setting, const std::string& value) {
+  if (!ForgetFeeds(store, setting)) return false;
   const bool removes =
       (setting.section == kPortDevices || setting.endpoint != nullptr) && value.empty();
   if (setting.info != nullptr && setting.info->name == std::string_view("CSVFilename") &&
@@ -166,11 +199,13 @@ int GetSetting(const std::string& profileFolder, const std::string& name,
   return ExitOK;
 }
 
-int SetSetting(const std::string& profileFolder, const std::string& name, const std::string& value,
+int SetSetting(const std::string& profileFolder, const std::string& name, const std::string& typed,
                CommandEnvironment& environment) {
   const SettingName setting = ResolveName(name);
-  std::string stored = value;
+  std::string value = typed;
   std::string problem = setting.problem;
+  if (problem.empty() && typed == kStandardInput) problem = ReadValue(environment.input, value);
+  std::string stored = value;
   // What does not fit any profile is refused before one is touched or made.
   if (problem.empty()) problem = ValueProblem(setting, StoreText(environment.regional), stored);
   if (!problem.empty()) {
@@ -184,9 +219,17 @@ int SetSetting(const std::string& profileFolder, const std::string& name, const 
   if (problem.empty() && !Store(store.Values(), setting, stored)) {
     problem = "Nothing was changed: " + store.Port().ErrorText();
   }
-  if (problem.empty()) return ExitOK;
-  TellUser(environment.messages, problem);
-  return ExitRefused;
+  if (!problem.empty()) {
+    TellUser(environment.messages, problem);
+    return ExitRefused;
+  }
+  if (setting.info != nullptr && setting.info->secret && !typed.empty() &&
+      typed != kStandardInput) {
+    TellUser(environment.messages,
+             "Stored. The list of processes has shown " + setting.name +
+                 " for a moment: write - in its place to give it on standard input.");
+  }
+  return ExitOK;
 }
 
 int ListSettings(const std::string& profileFolder, bool asJson, CommandEnvironment& environment) {

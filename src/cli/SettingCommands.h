@@ -15,8 +15,9 @@ namespace wattlark {
 /// Prints the value in force, the default where none is stored, on a line of its own.
 int GetSetting(const std::string& profileFolder, const std::string& name,
                CommandEnvironment& environment);
-/// Stores that one value. An empty text brings back the default.
-int SetSetting(const std::string& profileFolder, const std::string& name, const std::string& value,
+/// Stores the value typed; "-" stands for the whole of the environment's input, at most 64 KiB,
+/// without a line end behind it. An empty text brings back the default.
+int SetSetting(const std::string& profileFolder, const std::string& name, const std::string& typed,
                CommandEnvironment& environment);
 /// Prints all settings, and what is stored in the other sections as "SECTION/NAME". The table hides
 /// passwords and keys; the JSON object, for programs, does not.

@@ -1,9 +1,9 @@
 #include "config/AppSettings.h"
 
-#include <algorithm>
 #include <limits>
 #include <type_traits>
 
+#include "config/OptionsLists.h"
 #include "config/modRegistry.h"
 #include "support/modSeries.h"
 #include "support/modText.h"
@@ -73,14 +73,13 @@ constexpr EntryRange kEntryRanges[] = {
 
 struct EntryChoices {
   const char* name;
-  const char* choices;  ///< joined by ","
+  std::span<const char* const> (*choices)();
 };
 constexpr EntryChoices kEntryChoices[] = {
-    {"BaudRate",
-     "256000,128000,115200,57600,56000,38400,28800,19200,9600,4800,2400,1200,600,300,110"},
-    {"Parity", "E,M,N,O,S"},
-    {"DataBits", "4,5,6,7,8"},
-    {"StopBits", "1,1.5,2"},
+    {"BaudRate", &BaudRateEntries},
+    {"Parity", &ParityEntries},
+    {"DataBits", &DataBitsEntries},
+    {"StopBits", &StopBitsEntries},
 };
 
 template <typename T>
@@ -135,9 +134,14 @@ std::string RangeProblem(const SettingInfo& info, std::string_view value, std::i
 }
 
 std::string ChoiceProblem(const EntryChoices& entry, std::string_view value) {
-  const std::vector<std::string_view> choices = Split(entry.choices, ',');
-  if (std::find(choices.begin(), choices.end(), value) != choices.end()) return {};
-  return std::string(entry.name) + " is one of " + entry.choices + ".";
+  const auto choices = entry.choices();
+  if (FindText(choices, value) != -1) return {};
+  std::string joined;
+  for (const char* choice : choices) {
+    if (!joined.empty()) joined += ',';
+    joined += Trim(choice);
+  }
+  return std::string(entry.name) + " is one of " + joined + ".";
 }
 
 /// A stored text that could not be read is the user's still, until the setting is changed.

@@ -30,12 +30,6 @@ constexpr std::array kAlarmIntervals = {ListEntry{"1 minute", 60},     ListEntry
                                         ListEntry{"10 minutes", 600},  ListEntry{"15 minutes", 900},
                                         ListEntry{"30 minutes", 1800}, ListEntry{"1 hour", 3600}};
 
-/// Carried number of the selected entry, 0 without a selection.
-std::int32_t NumberAt(std::span<const ListEntry> entries, int index) {
-  const auto at = static_cast<std::size_t>(index);
-  return index >= 0 && at < entries.size() ? entries[at].number : 0;
-}
-
 std::optional<std::int16_t> ReadAddress(const std::string& text) {
   const auto address = TextToInteger(text, 0, kLargestAddress);
   if (!address) return std::nullopt;
@@ -75,13 +69,6 @@ std::span<const ListEntry> AlarmDurationEntries() {
 }
 std::span<const ListEntry> AlarmIntervalEntries() {
   return kAlarmIntervals;
-}
-
-int FindEntry(std::span<const ListEntry> entries, double number) {
-  const double rounded = std::nearbyint(number);
-  const auto found = std::ranges::find_if(
-      entries, [rounded](const ListEntry& entry) { return entry.number == rounded; });
-  return found == entries.end() ? -1 : static_cast<int>(found - entries.begin());
 }
 
 bool IsMeterKeyName(const std::string& name) {

@@ -1,29 +1,20 @@
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
 
 #include "acquisition/MeterCollection.h"
+#include "config/ListEntries.h"
 #include "support/RegionalSettings.h"
 
 namespace wattlark {
-
-/// One entry of a fixed list: shown text and carried number.
-struct ListEntry {
-  const char* text;
-  std::int32_t number;
-};
 
 std::span<const ListEntry> VoltageEntries();
 std::span<const ListEntry> FrequencyEntries();
 std::span<const ListEntry> KillAWattTypeEntries();
 std::span<const ListEntry> AlarmDurationEntries();
 std::span<const ListEntry> AlarmIntervalEntries();
-
-/// Index of the first entry that carries `number`, or -1.
-int FindEntry(std::span<const ListEntry> entries, double number);
 
 /// Whether a meter of that name can be stored: not empty, at most 255 bytes, without "\" or NUL.
 bool IsMeterKeyName(const std::string& name);

@@ -1,7 +1,6 @@
 #include "config/PortDevices.h"
 
 #include <algorithm>
-#include <string_view>
 
 #include "config/modRegistry.h"
 #include "support/modText.h"
@@ -10,7 +9,12 @@ namespace wattlark {
 
 namespace {
 
+constexpr const char* kSection = "PortDevices";
 constexpr int kFirstUsbPort = 5;
+
+std::string ValueName(int portNumber) {
+  return "COM" + std::to_string(portNumber);
+}
 
 bool IsDigit(char c) {
   return c >= '0' && c <= '9';
@@ -43,6 +47,12 @@ bool IsBefore(std::string_view a, std::string_view b) {
 
 }  // namespace
 
+std::string DevicePathProblem(std::string_view path) {
+  path = Trim(path);
+  if (path.empty() || path.front() == '/') return {};
+  return "A device is a full path such as /dev/ttyUSB0.";
+}
+
 void SortSerialDevices(std::vector<SerialDevice>& devices) {
   std::stable_sort(devices.begin(), devices.end(),
                    [](const SerialDevice& a, const SerialDevice& b) {
@@ -57,13 +67,27 @@ void PortDevices::UseForThisRun(int portNumber, std::string path) {
   chosenPath_ = std::move(path);
 }
 
+bool PortDevices::Choose(int portNumber, const std::string& path) {
+  const std::string chosen(Trim(path));
+  if (!DevicePathProblem(chosen).empty()) return false;
+  const std::string name = ValueName(portNumber);
+  const bool isStored = !store_.GetAppSetting("", kSection, name, "").empty();
+  const bool changed = chosen.empty() ? !isStored || store_.DeleteAppSetting("", kSection, name)
+                                      : store_.SaveAppSetting("", kSection, name, chosen);
+  if (changed && portNumber == chosenPort_) chosenPath_.clear();
+  return changed;
+}
+
 std::string PortDevices::Path(int portNumber) const {
   if (portNumber < 1) return {};
   if (portNumber == chosenPort_ && !chosenPath_.empty()) return chosenPath_;
-  const std::string stored =
-      store_.GetAppSetting("", "PortDevices", "COM" + std::to_string(portNumber), "");
+  const std::string stored = store_.GetAppSetting("", kSection, ValueName(portNumber), "");
   const std::string_view path = Trim(stored);
-  if (!path.empty()) return std::string(path);
+  return path.empty() ? DefaultPath(portNumber) : std::string(path);
+}
+
+std::string PortDevices::DefaultPath(int portNumber) const {
+  if (portNumber < 1) return {};
   if (portNumber < kFirstUsbPort) return "/dev/ttyS" + std::to_string(portNumber - 1);
   std::vector<SerialDevice> connected = listConnected_();
   SortSerialDevices(connected);

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace wattlark {
@@ -19,6 +20,10 @@ struct SerialDevice {
   const std::string& Path() const { return byIdPath.empty() ? devicePath : byIdPath; }
 };
 
+/// Why a text does not name a device, for the user who typed it; empty when it does, or is empty or
+/// blank.
+std::string DevicePathProblem(std::string_view path);
+
 /// Sorts by the names by-id; devices without one follow, by their device path ("ttyUSB2" before
 /// "ttyUSB10").
 void SortSerialDevices(std::vector<SerialDevice>& devices);
@@ -29,15 +34,20 @@ void SortSerialDevices(std::vector<SerialDevice>& devices);
 class PortDevices {
  public:
   /// `listConnected` is asked only when its answer is needed. `store` must outlive this object.
-  PortDevices(const modRegistry& store, std::function<std::vector<SerialDevice>()> listConnected)
+  PortDevices(modRegistry& store, std::function<std::vector<SerialDevice>()> listConnected)
       : store_(store), listConnected_(std::move(listConnected)) {}
 
   void UseForThisRun(int portNumber, std::string path);
+  /// Stores the device of a number, and uses it at once; an empty path, or blanks, forgets what is
+  /// stored. False, with nothing changed, when the path is not absolute or cannot be stored.
+  bool Choose(int portNumber, const std::string& path);
   /// Empty when no device is connected as that number, or the number is below 1.
   std::string Path(int portNumber) const;
+  /// What the number means when nobody has chosen; empty as for `Path`.
+  std::string DefaultPath(int portNumber) const;
 
  private:
-  const modRegistry& store_;
+  modRegistry& store_;
   std::function<std::vector<SerialDevice>()> listConnected_;
   int chosenPort_ = 0;
   std::string chosenPath_;

@@ -9,6 +9,9 @@ namespace wattlark {
 
 inline constexpr const char* ApplicationTitle = "Wattlark";
 inline constexpr const char* CompanyName = "Fennick Labs";
+/// Where, for the local machine, a value of the program's name makes the program start when the
+/// user logs on; it holds the program's file in double quotes.
+inline constexpr const char* RunAtLogOnKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
 
 /// The settings operations over the `Registry` port, for the current user's application keys.
 ///

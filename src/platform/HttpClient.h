@@ -26,6 +26,9 @@ enum class HttpState {
 /// A response longer than this many bytes is an error: an endless one must end.
 inline constexpr std::size_t LongestResponse = std::size_t{4} * 1024 * 1024;
 
+/// Response code of a request that was not answered in time.
+inline constexpr long HttpTimedOut = 35761;
+
 /// One asynchronous HTTP client: one request at a time. Every request ends in `Error` or
 /// `ResponseCompleted`, after 60 seconds at the latest. Events come on the one thread, while
 /// pending events are processed, never from within `Execute`.

@@ -25,15 +25,26 @@ PublishResult GoogleDocLogger::LogToGoogleDoc(DateTime timestamp, bool useAverag
 void GoogleDocLogger::OpenGoogleWorksheet() {
   AppSettings& settings = ports_.settings;
   settings.GoogleSpreadsheetsFeed = ports_.endpoints.SpreadsheetsFeedURL;
+  // What is known may be of another document: rows must not go there when this one is not found.
+  settings.GoogleWorksheetsFeed.clear();
+  settings.GoogleListFeed.clear();
   const std::string document = settings.GoogleDocName;
   const std::string worksheet = settings.GoogleWorksheetName;
+  // The user may choose another document meanwhile: what is found here is not that one's.
+  const auto endIfChanged = [&] {
+    if (settings.GoogleDocName != document || settings.GoogleWorksheetName != worksheet) {
+      throw PublishStopped();
+    }
+  };
   const std::string worksheetsFeed =
       FindWorksheetsFeed(Get(settings.GoogleSpreadsheetsFeed, "Opening document..."), document);
+  endIfChanged();
   if (worksheetsFeed.empty()) {
     throw PublishError("Google: The document '" + document + "' could not be found");
   }
   settings.GoogleWorksheetsFeed = worksheetsFeed;
   const std::string listFeed = FindListFeed(Get(worksheetsFeed, "Opening worksheet..."), worksheet);
+  endIfChanged();
   if (listFeed.empty()) {
     throw PublishError("Google: The worksheet '" + worksheet +
                        "' does not exist in the document '" + document + "'.");

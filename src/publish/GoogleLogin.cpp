@@ -57,12 +57,16 @@ void GoogleClientLogin(AppSettings& settings, const ServiceEndpoints& endpoints,
     throw BadCredentials();
   }
   for (;;) {
+    const std::string userName = settings.GoogleUsername;
     const std::string password = settings.GooglePassword;
     const WebRequestState state = runner.ExecuteAndWait(
         {endpoints.ClientLoginURL, "POST",
-         "Email=" + settings.GoogleUsername + "&Passwd=" + password + "&source=" + kSource +
-             "&service=wise",
+         "Email=" + userName + "&Passwd=" + password + "&source=" + kSource + "&service=wise",
          "Content-Type:application/x-www-form-urlencoded", "Authenticating..."});
+    // The user may have entered another account meanwhile: the answer is not about that one.
+    if (settings.GoogleUsername != userName || settings.GooglePassword != password) {
+      throw PublishStopped();
+    }
     if (Contains(state.Response, "BadAuthentication")) {
       if (PromptGoogleLogin(settings, prompts, quiet) != PromptAnswer::OK) throw BadCredentials();
       continue;

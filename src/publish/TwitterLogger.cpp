@@ -58,13 +58,41 @@ std::string TwitterBody(std::string_view message) {
   return body;
 }
 
+namespace {
+
+// What would end the authority part of an address, or be taken for such a code, is written as one.
+std::string ForAuthority(const std::string& credential) {
+  std::string text;
+  for (const char c : credential) {
+    switch (c) {
+      case '%':
+        text += "%25";
+        break;
+      case '/':
+        text += "%2F";
+        break;
+      case '?':
+        text += "%3F";
+        break;
+      case '#':
+        text += "%23";
+        break;
+      default:
+        text += c;
+    }
+  }
+  return text;
+}
+
+}  // namespace
+
 std::string TwitterAddress(const std::string& updateURL, const std::string& userName,
                            const std::string& password) {
   const std::size_t schemeEnd = updateURL.find("://");
   if (schemeEnd == std::string::npos) return updateURL;
   const std::size_t authority = schemeEnd + 3;
-  return updateURL.substr(0, authority) + userName + ":" + password + "@" +
-         updateURL.substr(authority);
+  return updateURL.substr(0, authority) + ForAuthority(userName) + ":" + ForAuthority(password) +
+         "@" + updateURL.substr(authority);
 }
 
 PromptAnswer PromptTwitterLogin(AppSettings& settings, Prompts& prompts, bool quiet) {

@@ -33,6 +33,7 @@ struct MonitorPublishingTest : MonitorTest {
     PutMeter("Kitchen", 5);
     clock.now = At("2026-11-16T20:07:30");
   }
+  void TearDown() override { monitor.reset(); }  // it hears of its clients to its end
   void Enable(const std::vector<const char*>& names) {
     for (const char* name : names) Put("Settings", name, "True");
   }
@@ -51,9 +52,10 @@ struct MonitorPublishingTest : MonitorTest {
   ScriptedHttp pachube;
   ScriptedHttp google;
   ScriptedHttp twitter;
+  ScriptedHttp versionAlert;
   ScriptedPump pump{{&pachube, &google, &twitter}};
-  WebPorts webPorts{pachube, google, twitter, pump,
-                    [](DateTime local) { return local.PlusHours(5); }};
+  WebPorts webPorts{pachube,      google, twitter,
+                    versionAlert, pump,   [](DateTime local) { return local.PlusHours(5); }};
 };
 
 TEST_F(MonitorPublishingTest, RunsDueDestinationsInOrderStampedWithTheirSlots) {
@@ -151,7 +153,9 @@ struct TimerWatch final : Prompts {
     timerRan.push_back(monitor->IsUpdateTimerEnabled());
     return message.defaultAnswer;
   }
-  std::optional<std::string> ChooseSaveFile(const std::string&) override { return std::nullopt; }
+  std::optional<std::string> ChooseSaveFile(const SaveFileQuestion&) override {
+    return std::nullopt;
+  }
   bool SignIn(const std::string&, std::string&, std::string&) override { return false; }
 
   Monitor* monitor = nullptr;

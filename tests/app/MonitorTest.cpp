@@ -89,6 +89,7 @@ TEST_F(MonitorTest, IgnoresWhatIsNoMetersFrame) {
       {Frame120W(7), {CommImage::Receiving, CommImage::Idle}},  // an unknown address
       {WrapFrame({0x88, 1}), {CommImage::Receiving, CommImage::Idle}},
       {SampleFrame(5, 2, {1}), {CommImage::Receiving, CommImage::Idle}},
+      {{}, {}},
       {{1, 2, 3}, {CommImage::Receiving}},
       {MeterFrame(5, {700}, {498}, damaged), {CommImage::Receiving}},
       {Join({Frame120W(5), Frame120W(7)}), {CommImage::Receiving, CommImage::Idle}}};

@@ -1,10 +1,10 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <sys/ioctl.h>
 
 #include <array>
+#include <csignal>
 #include <cstdlib>
 #include <vector>
 

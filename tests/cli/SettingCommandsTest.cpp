@@ -118,6 +118,22 @@ TEST_F(SettingCommands, NumbersFollowTheFormOfTheRegion) {
   EXPECT_EQ(RunHere({"setting", "list", "--json"}).Json()["Mils"], 0.2);
 }
 
+TEST_F(SettingCommands, AHyphenReadsTheValueFromStandardInput) {
+  for (const auto& [input, stored] :
+       {std::pair("sword fish\n", "sword fish"), std::pair("sword\nfish\r\n", "sword\nfish"),
+        std::pair(" fish", " fish"), std::pair("", "")}) {
+    const CommandResult set = RunHere({"setting", "set", "TwitterPassword", "-"}, input);
+    EXPECT_EQ(set.status, ExitOK);
+    EXPECT_EQ(set.messages, "");
+    EXPECT_EQ(Setting("TwitterPassword"), std::string(stored) + "\n");
+  }
+  const CommandResult tooLong =
+      RunHere({"setting", "set", "TwitterPassword", "-"}, std::string(65537, 'x'));
+  EXPECT_EQ(tooLong.status, ExitRefused);
+  EXPECT_EQ(tooLong.messages, "The value on standard input is too long.\n");
+  EXPECT_EQ(Setting("TwitterPassword"), "\n");
+}
+
 TEST_F(SettingCommands, StoredTextThatIsNoValueIsToldAndTheDefaultIsInForce) {
   Store("PortNum", "three");
   const CommandResult result = RunHere({"setting", "get", "PortNum"});
@@ -132,7 +148,10 @@ TEST_F(SettingCommands, StoredIntervalIsShownClamped) {
 }
 
 TEST_F(SettingCommands, TableHidesSecretsAndJsonDoesNot) {
-  ExpectDone({"setting", "set", "GooglePassword", "swordfish"});
+  const CommandResult set = RunHere({"setting", "set", "GooglePassword", "swordfish"});
+  EXPECT_EQ(set.status, ExitOK);
+  EXPECT_NE(set.messages.find("list of processes"), std::string::npos);
+  EXPECT_EQ(set.messages.find("swordfish"), std::string::npos);
   ExpectDone({"setting", "set", "PortDevices/COM9", "/dev/x"});
   const CommandResult table = RunHere({"setting", "list"});
   EXPECT_EQ(table.output.find("swordfish"), std::string::npos);

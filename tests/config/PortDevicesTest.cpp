@@ -72,7 +72,7 @@ TEST(PortDevices, ADeviceForThisRunGoesBeforeTheStoredOneOfItsPortAlone) {
 
 TEST(PortDevices, LooksForConnectedDevicesOnlyWhenTheAnswerDependsOnThem) {
   MemoryRegistry registry;
-  const modRegistry store(registry);
+  modRegistry store(registry);
   int asked = 0;
   const PortDevices devices(store, [&] {
     ++asked;

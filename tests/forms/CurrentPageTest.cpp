@@ -214,6 +214,8 @@ TEST_P(PeakResetTest, LeavesTheTotalOfTwoMeters) {
   selection_.SelectTab(2);
   CurrentPage page(monitor_, selection_);
   Show(page);
+  QTest::mouseDClick(&Find(page, "picMeter"), Qt::RightButton);
+  EXPECT_EQ(office.Statistics().Peak(SinceReset), 700);
   ResetPeak(page);
   EXPECT_EQ(kitchen.Statistics().Peak(SinceReset), 700);
   EXPECT_EQ(office.Statistics().Peak(SinceReset), 0);

@@ -40,9 +40,9 @@ struct MainWindowTest : testing::Test {
   frmMain& Start(int meterCount = 0) {
     static constexpr const char* kNames[] = {"Kitchen", "Office", "Solar"};
     for (int i = 0; i < meterCount; ++i) PutMeter(kNames[i], 5 + i);
-    monitor =
-        std::make_unique<Monitor>(Monitor::Ports{clock, port, registry, random, desktop, prompts},
-                                  RegionalSettings::UnitedStates(), Monitor::Options{}, relay);
+    monitor = std::make_unique<Monitor>(
+        Monitor::Ports{clock, port, registry, random, desktop, prompts, web},
+        RegionalSettings::UnitedStates(), Monitor::Options{}, relay);
     monitor->Load();
     options.endProgram = [this] { ++ends; };
     options.isTrayAvailable = [this] { return hasTray; };
@@ -94,6 +94,7 @@ struct MainWindowTest : testing::Test {
   RecordingDesktop desktop;
   ScriptedPrompts prompts;
   modRegistry store{registry};
+  const WebPorts* web = nullptr;
   MonitorRelay relay;
   frmMain::Options options;
   std::unique_ptr<Monitor> monitor;

@@ -19,7 +19,7 @@ using Buttons = QMessageBox::StandardButtons;
 
 struct QtPromptsTest : testing::Test {
   // Shows the message and does something to its box.
-  PromptAnswer Ask(const PromptMessage& message, std::function<void(QMessageBox&)> act) {
+  PromptAnswer Ask(const PromptMessage& message, const std::function<void(QMessageBox&)>& act) {
     QTimer::singleShot(0, [act] {
       auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
       ASSERT_NE(box, nullptr);
@@ -163,10 +163,38 @@ TEST_F(QtPromptsTest, ChoosesAFileToSaveTo) {
       dialog->selectFile("/nowhere-at-all.txt");
       static_cast<QDialog*>(dialog)->done(accept ? QDialog::Accepted : QDialog::Rejected);
     });
-    return QtPrompts().ChooseSaveFile("Save As");
+    return QtPrompts().ChooseSaveFile({"Save As"});
   };
   EXPECT_EQ(choose(true), "/nowhere-at-all.txt");
   EXPECT_EQ(choose(false), std::nullopt);
+}
+
+TEST_F(QtPromptsTest, AFileToAddToIsNotReplacedButMakingOneIsAgreed) {
+  std::vector<QString> questions;
+  const auto choose = [&](const std::string& file,
+                          const std::vector<QMessageBox::StandardButton>& answers) {
+    auto* next = new QTimer(qApp);
+    QObject::connect(next, &QTimer::timeout, [&questions, answers, index = 0U]() mutable {
+      QWidget* window = QApplication::activeModalWidget();
+      if (auto* box = qobject_cast<QMessageBox*>(window)) {
+        questions.push_back(box->text());
+        if (index < answers.size()) box->button(answers[index++])->click();
+      } else if (auto* dialog = qobject_cast<QFileDialog*>(window)) {
+        EXPECT_TRUE(dialog->testOption(QFileDialog::DontConfirmOverwrite));
+        static_cast<QDialog*>(dialog)->done(QDialog::Accepted);
+      }
+    });
+    next->start(0);
+    const auto chosen = QtPrompts().ChooseSaveFile({"Save Log File", "CSV (*.csv)", file, true});
+    delete next;
+    return chosen;
+  };
+  const std::string present = QApplication::applicationFilePath().toStdString();
+  EXPECT_EQ(choose(present, {}), present);
+  EXPECT_TRUE(questions.empty());
+  EXPECT_EQ(choose("/nowhere.csv", {QMessageBox::No, QMessageBox::Yes}), "/nowhere.csv");
+  ASSERT_EQ(questions.size(), 2U);
+  EXPECT_EQ(questions[0], "/nowhere.csv\nThis file does not exist. Create the file?");
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QInputMethodEvent>
+#include <QPushButton>
 #include <QTest>
 #include <QTimer>
 #include <functional>

@@ -103,7 +103,9 @@ TEST_F(frmInfoBoxTest, SavesTheTextByteByByte) {
   form.SetInfo(kText, "Errors!", InfoSave);
   Button("cmdSave").click();
   EXPECT_EQ(FileBytes(*prompts.chosenFile), kText);
-  EXPECT_EQ(prompts.choosers, std::vector<std::string>{"Save As"});
+  ASSERT_EQ(prompts.choosers.size(), 1u);
+  EXPECT_EQ(prompts.choosers[0].caption, "Save As");
+  EXPECT_FALSE(prompts.choosers[0].appends);
   EXPECT_TRUE(prompts.asked.empty());
 }
 

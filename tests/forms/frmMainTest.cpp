@@ -2,6 +2,9 @@
 #include <QScreen>
 #include <QTest>
 #include <QWindow>
+#include <algorithm>
+#include <map>
+#include <string>
 
 #include "MainWindowFixture.h"
 #include "app/forms/frmMain.h"
@@ -66,7 +69,7 @@ TEST_P(WindowClosing, ExitAsksWhereClosingHides) {
 
 TEST_P(WindowClosing, TheEndOfTheSessionIsNotHeldUp) {
   StartAsGiven();
-  window->EndSession();
+  window->EndSession([] {});
   window->close();
   EXPECT_EQ(ends, 1);
   EXPECT_THAT(prompts.asked, IsEmpty());
@@ -98,6 +101,87 @@ TEST_F(MainWindowTest, StartsOutOfSightWhenSettingsSaySo) {
   EXPECT_FALSE(window->isVisible());
   Choose("mnuSysTray0");
   EXPECT_TRUE(window->isVisible());
+}
+
+TEST_F(MainWindowTest, AWindowThatWasMinimisedStartsInTheArea) {
+  Put("WindowSettings", "frmMain", "150,150,4815,6630,1");
+  Start(1).ShowAtLaunch();
+  EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(MainWindowTest, ComesForwardAsLargeAsItIsAndIsShownInItsNormalState) {
+  Start(1).ShowAtLaunch();
+  window->showMaximized();
+  window->hide();
+  window->BringForward();
+  EXPECT_TRUE(window->isVisible() && window->isMaximized());
+  window->setWindowState(Qt::WindowMaximized | Qt::WindowMinimized);
+  window->BringForward();
+  EXPECT_EQ(window->windowState() & (Qt::WindowMaximized | Qt::WindowMinimized),
+            Qt::WindowMaximized);
+  window->ShowWindow();
+  EXPECT_TRUE(window->isVisible() && !window->isMaximized());
+}
+
+// Counts what every widget paints.
+class PaintCounter : public QObject {
+ public:
+  PaintCounter() { QCoreApplication::instance()->installEventFilter(this); }
+  ~PaintCounter() override { QCoreApplication::instance()->removeEventFilter(this); }
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    if (event->type() == QEvent::Paint) ++paints[watched->objectName().toStdString()];
+    return false;
+  }
+  std::map<std::string, int> paints;
+};
+
+TEST_F(MainWindowTest, PaintsOnceATickAndNotAtAllOutOfSight) {
+  Start(1).ShowAtLaunch();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+  clsKillAWatt& meter = *monitor->Profile().Meters().FindAddress(5);
+  const auto& strip = Control<QWidget>("elaScroller");
+  for (int page = 1; page <= 4; ++page) {
+    window->ShowPage(page);
+    Tick();
+    const auto hasSlid = [&strip] {
+      return std::ranges::count_if(strip.children(), [](const QObject* child) {
+               const auto* widget = qobject_cast<const QWidget*>(child);
+               return widget != nullptr && widget->isVisible();
+             }) == 1;
+    };
+    ASSERT_TRUE(QTest::qWaitFor(hasSlid));
+    QCoreApplication::processEvents();
+    PaintCounter counter;
+    for (int second = 0; second < 3; ++second) {
+      counter.paints.clear();
+      meter.AddReading(120, 4, 400 + 50 * page + second, clock.now, clock.ticks);
+      Tick();
+      QCoreApplication::processEvents();
+      for (const auto& [name, paints] : counter.paints) {
+        if (!name.empty()) {
+          EXPECT_LE(paints, 1) << name << " on page " << page;
+        }
+      }
+    }
+    if (page == 1) {
+      EXPECT_EQ(counter.paints["lblCurrentValue"], 1);
+    }
+  }
+  window->hide();
+  QCoreApplication::processEvents();
+  PaintCounter counter;
+  Tick(3);
+  QCoreApplication::processEvents();
+  EXPECT_THAT(counter.paints, IsEmpty());
+}
+
+TEST_F(MainWindowTest, TipsShowMarkupOfNamesAndErrorsAsItIs) {
+  Start();
+  window->OnInfoText("<img src='x'> & more");
+  EXPECT_THAT(Control<QAbstractButton>("INFO").toolTip().toStdString(),
+              testing::HasSubstr("&lt;img src='x'&gt; &amp; more"));
+  window->OnInfoText("Fridge & Co");
+  EXPECT_EQ(Control<QAbstractButton>("INFO").toolTip(), "Fridge & Co");
 }
 
 TEST_F(MainWindowTest, AWindowInTheTaskBarMovesIntoAnAreaThatComesLate) {
@@ -232,6 +316,21 @@ TEST_F(MainWindowTest, RemovingMetersTakesTheirTabsAndAtLastThePages) {
   EXPECT_FALSE(Control<QWidget>("elaScroller").isVisible());
   EXPECT_EQ(Control<MainArea>("elaWindow").Caption(),
             "No Kill-A-Watts have been added\r\nDouble click to add...");
+}
+
+TEST_F(MainWindowTest, CalibratesTheSelectedMeterWhileTheCycleGoesOn) {
+  std::vector<std::string> calibrated;
+  options.dialogs.calibrateMeter = [&](clsKillAWatt& meter) {
+    calibrated.push_back(meter.Name());
+    Tick();
+    EXPECT_TRUE(monitor->IsUpdateTimerEnabled());
+  };
+  Start(2).ShowAtLaunch();
+  Choose("mnuTools6");
+  EXPECT_THAT(calibrated, IsEmpty()) << "the Total is not calibrated";
+  Control<QTabBar>("tabKillAWatt").setCurrentIndex(2);
+  Choose("mnuTools6");
+  EXPECT_THAT(calibrated, ElementsAre("Office"));
 }
 
 TEST_F(MainWindowTest, AnAmpersandInANameIsShown) {

@@ -1,20 +1,20 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <time.h>
 
-#include <QProcess>
 #include <QSslConfiguration>
 #include <atomic>
+#include <ctime>
 #include <vector>
 
 #include "EventLoop.h"
-#include "HttpServer.h"
 #include "RawServer.h"
 #include "TemporaryFolder.h"
 #include "platform/qt/QtEventPump.h"
 #include "platform/qt/QtHttpClient.h"
 #include "publish/PublishResult.h"
 #include "publish/WebRequestRunner.h"
+#include "services/Certificate.h"
+#include "services/HttpServer.h"
 
 namespace wattlark {
 namespace {
@@ -158,15 +158,22 @@ TEST_F(QtHttpClientTest, EndsAnEndlessResponse) {
 }
 
 TEST_F(QtHttpClientTest, TellsACutResponseFromAWholeOne) {
-  for (const char* response : {"HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\nhalf",
-                               "HTTP/1.1 200 OK\r\nContent-", "", "not HTTP at all\r\n\r\n"}) {
-    RawServer server([&](QTcpSocket& socket) {
-      socket.write(response);
-      socket.disconnectFromHost();
-    });
-    const Answer answer = Send(server.URL(), "POST", "x=y");
-    EXPECT_NE(answer.code, 0) << response;
-    EXPECT_NE(answer.info, "") << response;
+  for (const char* operation : {"POST", "PUT"}) {
+    for (const char* response :
+         {"HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\nhalf", "HTTP/1.1 200 OK\r\nContent-", "",
+          "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n4\r\nhalf\r\n",
+          "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n8\r\nhalf",
+          "not HTTP at all\r\n\r\n"}) {
+      RawServer server([&](QTcpSocket& socket) {
+        socket.write(response);
+        socket.disconnectFromHost();
+      });
+      const Answer answer = Send(server.URL(), operation, "x=y");
+      EXPECT_NE(answer.code, 0) << response;
+      EXPECT_NE(answer.info, "") << response;
+      // The server may have acted on it: once is enough.
+      EXPECT_EQ(server.connections, 1) << response;
+    }
   }
 }
 
@@ -181,7 +188,7 @@ TEST_F(QtHttpClientTest, EndsARequestAtItsLimit) {
       drip.start(20);
     });
     const Answer answer = Send(server.URL(), "GET", "", "", std::chrono::milliseconds(1000));
-    EXPECT_NE(answer.code, 0);
+    EXPECT_EQ(answer.code, HttpTimedOut);
     EXPECT_EQ(answer.info, "No complete answer within 1 s");
     EXPECT_TRUE(WaitUntil([&] { return server.disconnections == 1; }));
     drip.stop();
@@ -255,7 +262,7 @@ TEST_F(QtHttpClientTest, FollowsRedirectsOnlyWhereTheyAreHarmless) {
   EXPECT_EQ(reached, 0);
 }
 
-TEST_F(QtHttpClientTest, RepeatsABodyOnlyWhereARedirectSaysSo) {
+TEST_F(QtHttpClientTest, SendsABodyToOnePlaceOnly) {
   HttpServer server;
   const auto tell = [](const httplib::Request& request, httplib::Response& response) {
     response.set_content(request.method + " " + request.body, "text/plain");
@@ -267,25 +274,19 @@ TEST_F(QtHttpClientTest, RepeatsABodyOnlyWhereARedirectSaysSo) {
   server.Start();
   for (const auto& [status, body] :
        {std::pair("301", "GET "), std::pair("302", "GET "), std::pair("303", "GET "),
-        std::pair("307", "POST x=y"), std::pair("308", "POST x=y")}) {
+        std::pair("307", ""), std::pair("308", "")}) {
     const Answer answer = Send("http://" + server.Place(std::string("/") + status), "POST", "x=y",
                                "Content-Type: text/plain");
     EXPECT_EQ(answer.body, body) << status;
+    EXPECT_EQ(answer.code == 0, !answer.body.empty()) << status;
   }
 }
 
 TEST_F(QtHttpClientTest, ChecksCertificates) {
   const TemporaryFolder folder;
-  QProcess openssl;
-  openssl.start("openssl",
-                {"req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:P-256", "-nodes",
-                 "-days", "2", "-subj", "/CN=127.0.0.1", "-addext", "subjectAltName=IP:127.0.0.1",
-                 "-keyout", QString::fromStdString(folder.File("key.pem")), "-out",
-                 QString::fromStdString(folder.File("certificate.pem"))});
-  ASSERT_TRUE(openssl.waitForFinished());
-  ASSERT_EQ(openssl.exitCode(), 0) << openssl.readAllStandardError().toStdString();
-  HttpServer server(std::make_unique<httplib::SSLServer>(folder.File("certificate.pem").c_str(),
-                                                         folder.File("key.pem").c_str()));
+  const Certificate certificate(folder.Path());
+  HttpServer server(
+      std::make_unique<httplib::SSLServer>(certificate.file.c_str(), certificate.keyFile.c_str()));
   std::atomic<int> requests = 0;
   server.Handlers().Get("/", [&](const httplib::Request&, httplib::Response& response) {
     ++requests;
@@ -300,7 +301,7 @@ TEST_F(QtHttpClientTest, ChecksCertificates) {
 
   const QSslConfiguration before = QSslConfiguration::defaultConfiguration();
   QSslConfiguration trusting = before;
-  ASSERT_TRUE(trusting.addCaCertificates(QString::fromStdString(folder.File("certificate.pem"))));
+  ASSERT_TRUE(trusting.addCaCertificates(QString::fromStdString(certificate.file)));
   QSslConfiguration::setDefaultConfiguration(trusting);
   const Answer answer = Send("https://" + server.Place("/"));
   EXPECT_EQ(answer.body, "safe") << answer.info;

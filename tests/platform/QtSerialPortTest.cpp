@@ -193,6 +193,21 @@ TEST_F(SerialPortOnTerminal, ADeviceIsLockedUnderAllItsNames) {
   EXPECT_TRUE(second.Open(6, "9600,N,8,1")) << second.ErrorText();
 }
 
+TEST_F(SerialPortOnTerminal, JudgesADeviceBeforeItIsChosen) {
+  TestTerminal terminal;
+  TestTerminal other;
+  EXPECT_EQ(port.DeviceProblem(terminal.Path()), "");
+  ASSERT_TRUE(Open(terminal.Path()));
+  EXPECT_EQ(port.DeviceProblem(terminal.Path()), "") << "its own";
+  EXPECT_EQ(port.DeviceProblem(other.Path()), "");
+  EXPECT_EQ(port.DeviceProblem("/dev/nowhere"),
+            "No such device: /dev/nowhere. Plug in the receiver, or choose another device");
+  const QtSerialPort second([](int) { return ""; });
+  EXPECT_THAT(second.DeviceProblem(terminal.Path()), StartsWith("In use: another program"));
+  terminal.Write(Bytes{1});
+  EXPECT_TRUE(WaitUntil([&] { return received.size() == 1; })) << "left alone by all this";
+}
+
 TEST_F(SerialPortOnTerminal, SaysWhatIsWrongWithAPath) {
   WriteFile(folder.File("file"), "x");
   fs::create_symlink(folder.File("nowhere"), folder.File("dangling"));

@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <QDeadlineTimer>
 #include <QLocalSocket>
 #include <filesystem>
 #include <future>
+#include <optional>
 
 #include "EventLoop.h"
 #include "TemporaryFolder.h"
@@ -30,12 +32,24 @@ struct RunningInstance : testing::Test {
   ~RunningInstance() override { qputenv("XDG_RUNTIME_DIR", oldRuntime); }
 
   // What a second process does, while this one's event loop turns.
-  bool StartSecond(const std::string& folder) {
-    auto answer = std::async(std::launch::async,
-                             [&] { return SingleInstance(folder).ActivatePrevInstance(); });
+  template <class F>
+  auto InSecond(const F& act) {
+    auto answer = std::async(std::launch::async, act);
     WaitUntil(
         [&] { return answer.wait_for(std::chrono::seconds(0)) == std::future_status::ready; });
     return answer.get();
+  }
+  bool StartSecond(const std::string& folder) {
+    return InSecond([&] { return SingleInstance(folder).ActivatePrevInstance(); });
+  }
+  std::optional<CommandAnswer> Ask(const std::string& command) {
+    return InSecond([&] { return SingleInstance(profile).Ask(command); });
+  }
+  void ConnectRaw(QLocalSocket& socket, const QByteArray& message) const {
+    socket.connectToServer(QString::fromStdString(SocketPath()));
+    ASSERT_TRUE(socket.waitForConnected(5000));
+    socket.write(message);
+    socket.flush();
   }
   std::string SocketPath() const {
     for (const auto& entry : fs::directory_iterator(runtime.Path())) {
@@ -115,8 +129,16 @@ TEST_F(RunningInstance, UsesTheProfileWhenThereIsNoRuntimeFolder) {
 TEST_F(RunningInstance, IgnoresEveryOtherMessageAndEndsTheConnection) {
   SingleInstance first(profile);
   first.onShow = [&] { ++shown; };
+  int runs = 0;
+  first.onCommand = [&](const std::string& command) -> std::function<CommandAnswer()> {
+    if (command != "work") return {};
+    return [&runs] { return CommandAnswer{++runs > 0, ""}; };
+  };
   ASSERT_TRUE(first.Listen());
   const QByteArray messages[] = {"hide\n",
+                                 "work\nwork\n",
+                                 "work\r\n",
+                                 " work\n",
                                  "\n",
                                  "show\r\n",
                                  "show\nshow\n",
@@ -125,14 +147,65 @@ TEST_F(RunningInstance, IgnoresEveryOtherMessageAndEndsTheConnection) {
                                  QByteArray(1100, 's') + "\n"};
   for (const QByteArray& message : messages) {
     QLocalSocket socket;
-    socket.connectToServer(QString::fromStdString(SocketPath()));
-    ASSERT_TRUE(socket.waitForConnected(5000));
-    socket.write(message);
-    socket.flush();
+    ConnectRaw(socket, message);
     EXPECT_TRUE(WaitUntil([&] { return socket.state() == QLocalSocket::UnconnectedState; }));
+    EXPECT_EQ(socket.readAll(), "") << message.left(20).toStdString();
   }
   EXPECT_EQ(shown, 0);
+  EXPECT_EQ(runs, 0);
   EXPECT_TRUE(StartSecond(profile));
+}
+
+TEST_F(RunningInstance, AnswersACommandHoweverLongItTakes) {
+  SingleInstance first(profile);
+  ASSERT_TRUE(first.Listen());
+  EXPECT_FALSE(Ask("work")) << "there is nobody to do it";
+  const std::string text = "line one\r\n" + std::string(200000, 'x');
+  std::vector<std::string> nested;
+  first.onCommand = [&](const std::string& command) {
+    return [&, command] {
+      if (command == "nested") return CommandAnswer{false, "no"};
+      // Longer than a silent connection may last, with other commands meanwhile.
+      QDeadlineTimer busy(1500);
+      nested.push_back(Ask("nested")->text);
+      WaitUntil([&] { return busy.hasExpired(); });
+      return CommandAnswer{true, text};
+    };
+  };
+  const auto answer = Ask("work");
+  ASSERT_TRUE(answer);
+  EXPECT_TRUE(answer->success);
+  EXPECT_EQ(answer->text, text);
+  EXPECT_EQ(nested, std::vector<std::string>{"no"});
+}
+
+TEST_F(RunningInstance, OutlivesWhoAskedForACommand) {
+  std::optional<SingleInstance> first(profile);
+  ASSERT_TRUE(first->Listen());
+  QLocalSocket socket;
+  bool hasRun = false;
+  first->onCommand = [&](const std::string&) {
+    return [&] {
+      socket.abort();
+      TurnEventLoop();
+      TurnEventLoop();
+      hasRun = true;
+      return CommandAnswer{true, "done"};
+    };
+  };
+  ConnectRaw(socket, "work\n");
+  EXPECT_TRUE(WaitUntil([&] { return hasRun; }));
+  // One that ends meanwhile is no success.
+  first->onCommand = [&](const std::string&) {
+    return [&] {
+      first.reset();
+      return CommandAnswer{true, "done"};
+    };
+  };
+  const auto answer = Ask("work");
+  ASSERT_TRUE(answer);
+  EXPECT_FALSE(answer->success);
+  EXPECT_EQ(answer->text, "The running program has ended without an answer");
 }
 
 TEST_F(RunningInstance, ASilentConnectionEndsAndKeepsNobodyOut) {

@@ -100,6 +100,12 @@ TEST_F(GoogleDocLoggerTest, LooksAgainForWhatIsNotKnown) {
   http.answers = {{kSheets}, {kWorksheets}, {kPosted}};
   EXPECT_TRUE(Log().success);
   EXPECT_EQ(http.requests.back().url, "http://g/list");
+  // A row must not go to the worksheet of before when the new one is not there.
+  settings.GoogleWorksheetsFeed.clear();
+  http.answers = {{kSheets}, {"<feed/>"}, {kSheets}, {kWorksheets}, {kPosted}};
+  EXPECT_FALSE(Log().success);
+  EXPECT_TRUE(Log().success);
+  EXPECT_EQ(http.requests.size(), 11U);
 }
 
 TEST_F(GoogleDocLoggerTest, ForgetsWhatARefusedRowWasSentWith) {

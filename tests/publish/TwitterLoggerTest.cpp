@@ -85,7 +85,7 @@ TEST_F(TwitterLoggerTest, EncodesWhatAFormReaderWouldMistake) {
 
 TEST_F(TwitterLoggerTest, PutsTheCredentialsBeforeTheHost) {
   EXPECT_EQ(TwitterAddress("http://127.0.0.1:81/x?a=http://b/", "me@home", "p:w/"),
-            "http://me@home:p:w/@127.0.0.1:81/x?a=http://b/");
+            "http://me@home:p:w%2F@127.0.0.1:81/x?a=http://b/");
 }
 
 TEST_F(TwitterLoggerTest, TellsHowAPostFailed) {

@@ -35,6 +35,8 @@ class RecordingListener final : public MonitorListener {
     ++statusUpdates;
     if (duringStatusUpdate) duringStatusUpdate();
   }
+  int exits = 0;
+  void OnExitApplication() override { ++exits; }
   void OnUpdateTimer(bool enabled) override { timerChanges.push_back(enabled); }
 };
 

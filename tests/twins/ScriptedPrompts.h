@@ -1,6 +1,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <optional>
 #include <string>
 #include <tuple>
@@ -11,13 +12,13 @@
 
 namespace wattlark {
 
-/// Remembers every message box and sign-in and answers by script; without one, with the default
-/// button and by cancelling.
+/// Remembers every message box, sign-in and offer and answers by script; without one, with the
+/// default button, by cancelling and by being reminded later.
 class ScriptedPrompts final : public Prompts {
  public:
   std::vector<PromptMessage> asked;
   std::deque<PromptAnswer> answers;
-  std::vector<std::string> choosers;  ///< captions
+  std::vector<SaveFileQuestion> choosers;
   std::optional<std::string> chosenFile;
 
   PromptAnswer Ask(const PromptMessage& message) override {
@@ -28,9 +29,22 @@ class ScriptedPrompts final : public Prompts {
     return answer;
   }
 
-  std::optional<std::string> ChooseSaveFile(const std::string& caption) override {
-    choosers.push_back(caption);
+  std::optional<std::string> ChooseSaveFile(const SaveFileQuestion& question) override {
+    choosers.push_back(question);
     return chosenFile;
+  }
+
+  std::vector<UpdateOffer> offers;
+  std::deque<UpdateAnswer> updateAnswers;
+  std::function<void()> duringOffer;
+
+  UpdateAnswer OfferUpdate(const UpdateOffer& offer) override {
+    offers.push_back(offer);
+    if (duringOffer) duringOffer();
+    if (updateAnswers.empty()) return UpdateAnswer::RemindLater;
+    const UpdateAnswer answer = updateAnswers.front();
+    updateAnswers.pop_front();
+    return answer;
   }
 
   struct SignInAsked {

@@ -1,6 +1,7 @@
 #include "app/forms/MeterScale.h"
 
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QPainter>
 #include <algorithm>
 #include <cmath>
@@ -133,7 +134,8 @@ void MeterScale::paintEvent(QPaintEvent* /*event*/) {
 
 bool MeterScale::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut) update();
-  const bool isReset = event->type() == QEvent::MouseButtonDblClick ||
+  const bool isReset = (event->type() == QEvent::MouseButtonDblClick &&
+                        static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton) ||
                        (event->type() == QEvent::KeyPress &&
                         static_cast<QKeyEvent*>(event)->key() == Qt::Key_Delete);
   if (!isReset) return QWidget::eventFilter(watched, event);

@@ -6,6 +6,7 @@
 #include <QStyleOptionFocusRect>
 #include <algorithm>
 
+#include "app/forms/modForm.h"
 #include "platform/qtwidgets/Theme.h"
 
 namespace wattlark {
@@ -48,11 +49,15 @@ void MeterTabs::ShowTabs() {
     const MeterTab& tab = tabs[static_cast<std::size_t>(index)];
     const QString name = QString::fromStdString(tab.caption);
     setTabText(index, QString(name).replace("&", "&&"));
-    setTabToolTip(index, name);
+    setTabToolTip(index, PlainToolTip(name));
     setTabData(index, QString::fromStdString(tab.key));
     setTabVisible(index, tab.visible);
   }
   setCurrentIndex(selection_.SelectedTab());
+}
+
+QString MeterTabs::TabName(int index) const {
+  return tabText(index).replace("&&", "&");
 }
 
 QFont MeterTabs::TabFont(int index) const {
@@ -66,7 +71,7 @@ QSize MeterTabs::tabSizeHint(int index) const {
   QFont bold = font();
   bold.setBold(true);
   const QFontMetrics metrics(bold);
-  const int width = metrics.horizontalAdvance(tabToolTip(index)) + 2 * kTabMargin;
+  const int width = metrics.horizontalAdvance(TabName(index)) + 2 * kTabMargin;
   return {std::min(width, kWidestTab), std::max(metrics.height() + kTabMargin, kTabHeight)};
 }
 
@@ -99,7 +104,7 @@ void MeterTabs::PaintTab(QPainter& painter, int index) const {
   painter.setFont(TabFont(index));
   painter.setPen(isSelected || isPointedAt ? theme.text : theme.mutedText);
   painter.drawText(inner, Qt::AlignCenter | Qt::TextSingleLine,
-                   painter.fontMetrics().elidedText(tabToolTip(index), elideMode(), inner.width()));
+                   painter.fontMetrics().elidedText(TabName(index), elideMode(), inner.width()));
   if (isSelected && hasFocus()) {
     QStyleOptionFocusRect option;
     option.initFrom(this);

@@ -30,6 +30,7 @@ class MeterTabs : public QTabBar {
   void paintEvent(QPaintEvent* event) override;
 
  private:
+  QString TabName(int index) const;
   QFont TabFont(int index) const;
   void PaintTab(QPainter& painter, int index) const;
 

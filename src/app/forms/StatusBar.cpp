@@ -5,6 +5,7 @@
 #include <QStyleOptionFocusRect>
 #include <algorithm>
 
+#include "app/forms/modForm.h"
 #include "platform/qtwidgets/Icons.h"
 #include "platform/qtwidgets/Theme.h"
 
@@ -66,7 +67,7 @@ StatusBar::StatusBar(QWidget* parent) : QStatusBar(parent) {
 void StatusBar::SetInfoText(const QString& text) {
   info_->setText(text);
   info_->setShortcut({});  // an "&" of the text is no mnemonic
-  info_->setToolTip(text);
+  info_->setToolTip(PlainToolTip(text));
   info_->setAccessibleName(text.isEmpty() ? "Information" : text);
 }
 

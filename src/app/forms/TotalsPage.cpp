@@ -88,7 +88,6 @@ void TotalsPage::Reset() {
     meter->Statistics().ResetUsage();
   }
   Refresh();
-  emit totalsReset();
 }
 
 int TotalsPage::TotalUnit() const {

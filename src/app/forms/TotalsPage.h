@@ -28,10 +28,6 @@ class TotalsPage : public QWidget {
   int TotalUnit() const;
   void SetTotalUnit(int unit);
 
- signals:
-  /// Usage or peak demand of the selected meter was reset: page 1 is to be redrawn.
-  void totalsReset();
-
  protected:
   void changeEvent(QEvent* event) override;
 

@@ -105,7 +105,7 @@ void frmInfoBox::PrintText(QPlainTextEdit& text) {
 }
 
 void frmInfoBox::Save() {
-  const auto file = ports_.prompts.ChooseSaveFile("Save As");
+  const auto file = ports_.prompts.ChooseSaveFile({"Save As"});
   std::string problem;
   if (!file || Write(*file, problem)) return;
   ports_.prompts.Ask({"The text could not be saved to " + *file + ": " + problem, ApplicationTitle,

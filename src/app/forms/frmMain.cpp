@@ -59,7 +59,7 @@ frmMain::frmMain(const Ports& ports, Options options)
 }
 
 void frmMain::ShowAtLaunch() {
-  if (ports_.monitor.Profile().Settings().ShowAtLaunch) {
+  if (ports_.monitor.Profile().Settings().ShowAtLaunch && !isMinimized()) {
     show();
   } else {
     HideWindow();
@@ -67,7 +67,13 @@ void frmMain::ShowAtLaunch() {
 }
 
 void frmMain::ShowWindow() {
-  showNormal();
+  setWindowState(Qt::WindowNoState);
+  BringForward();
+}
+
+void frmMain::BringForward() {
+  setWindowState(windowState() & ~Qt::WindowMinimized);
+  show();
   raise();
   activateWindow();
   if (QWidget* dialog = QApplication::activeModalWidget()) dialog->activateWindow();
@@ -81,16 +87,20 @@ void frmMain::HideWindow() {
   }
 }
 
-void frmMain::EndSession() {
+void frmMain::EndSession(std::function<void()> onKept) {
   sessionEnds_ = true;
   // A session that is still there after this time was kept after all.
-  QTimer::singleShot(kSessionEndMilliseconds, this, [this] { sessionEnds_ = false; });
+  QTimer::singleShot(kSessionEndMilliseconds, this, [this, onKept = std::move(onKept)] {
+    sessionEnds_ = false;
+    onKept();
+  });
 }
 
 bool frmMain::Unload() {
   sessionEnds_ = true;
+  unloads_ = true;
   const bool saved = ports_.monitor.Unload();
-  icon_.Delete();
+  icon_.Delete();  // where nothing could be saved
   return saved;
 }
 
@@ -123,13 +133,33 @@ void frmMain::OnUpdateStatus() {
 void frmMain::OnUpdateTimer(bool enabled) {
   if (enabled) {
     tmrUpdate_.start();
+    if (postponed_) {
+      QMetaObject::invokeMethod(
+          this, [this] { WhenIdle(std::exchange(postponed_, nullptr)); }, Qt::QueuedConnection);
+    }
   } else {
     tmrUpdate_.stop();
   }
 }
 
+void frmMain::WhenIdle(std::function<void()> open) {
+  if (!open) return;
+  if (ports_.monitor.IsUpdateTimerEnabled()) {
+    open();
+  } else {
+    postponed_ = std::move(open);
+  }
+}
+
+void frmMain::OnExitApplication() {
+  if (options_.exitApplication) options_.exitApplication();
+}
+
 bool frmMain::OnSave(modRegistry& store) {
-  return SaveWindowSettings(*this, store, kWindowName);
+  const bool saved = SaveWindowSettings(*this, store, kWindowName);
+  // Before the port is closed, which may take its time: nobody is to click on it any more.
+  if (unloads_) icon_.Delete();
+  return saved;
 }
 
 // A window that nobody sees is left as it is until it is shown.
@@ -171,7 +201,18 @@ void frmMain::EditKillAWatt() {
   RefreshTabs();
 }
 
+void frmMain::CalibrateKillAWatt() {
+  clsKillAWatt* meter = meterActions_.Selected();
+  if (meter == nullptr) return;
+  options_.dialogs.calibrateMeter(*meter);
+  UpdateStatus();
+}
+
 void frmMain::DoubleClickMainArea() {
+  WhenIdle([this] { OpenWhatIsMissing(); });
+}
+
+void frmMain::OpenWhatIsMissing() {
   if (!ports_.monitor.IsFlowing()) {
     if (options_.features.showOptions) options_.features.showOptions(false);
   } else if (ports_.monitor.Profile().Meters().IsEmpty()) {
@@ -180,6 +221,10 @@ void frmMain::DoubleClickMainArea() {
 }
 
 void frmMain::ClickStatusPanel(const QString& key) {
+  WhenIdle([this, key] { ShowErrors(key); });
+}
+
+void frmMain::ShowErrors(const QString& key) {
   // Emptied before the list is shown: errors that come while it is open are still to be read.
   const std::string errors = ports_.monitor.Errors().Text();
   ports_.monitor.ClearErrors();

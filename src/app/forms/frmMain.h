@@ -24,6 +24,7 @@ struct MainDialogs {
   std::function<bool(clsKillAWatt& meter, const std::string& caption)> editMeter;
   std::function<void(const std::string& text, const std::string& caption, int options)> showText;
   std::function<void(const AlarmNotice& notice)> showNotice;
+  std::function<void(clsKillAWatt& meter)> calibrateMeter;
 };
 
 /// The main window: puts on screen what a monitor says and hands on what the user does. It is
@@ -46,6 +47,7 @@ class frmMain : public QMainWindow, public MonitorListener {
     std::string helpAddress;
     std::string websiteAddress;
     std::function<void()> endProgram;
+    std::function<void()> exitApplication;  ///< ends it for an update
     std::function<bool()> isTrayAvailable = &QSystemTrayIcon::isSystemTrayAvailable;
   };
 
@@ -57,10 +59,13 @@ class frmMain : public QMainWindow, public MonitorListener {
   void ShowAtLaunch();
   /// Brings the window to the front, in its normal state.
   void ShowWindow();
+  /// Brings the window to the front, as large as it is.
+  void BringForward();
   /// Out of sight, with the icon left to reach it; to the task bar when there is no such icon.
   void HideWindow();
   /// The user logs off: for a while the window closes without being hidden, and the program ends.
-  void EndSession();
+  /// `onKept` is called when the session goes on after all.
+  void EndSession(std::function<void()> onKept);
   /// Saves everything and closes the port; the answer is the monitor's.
   bool Unload();
   void ShowPage(int page) { elaScroller_->ShowPage(page); }
@@ -73,6 +78,7 @@ class frmMain : public QMainWindow, public MonitorListener {
   void OnAlarmNotice(const AlarmNotice& notice) override;
   void OnUpdateStatus() override;
   void OnUpdateTimer(bool enabled) override;
+  void OnExitApplication() override;
   bool OnSave(modRegistry& store) override;
 
  protected:
@@ -90,8 +96,14 @@ class frmMain : public QMainWindow, public MonitorListener {
   void RefreshTabs();
   void AddKillAWatt();
   void EditKillAWatt();
+  void CalibrateKillAWatt();
+  /// Opens a window now, or once no web server is waited for: the wait beneath it could not end
+  /// before the window does, and until then there would be no readings.
+  void WhenIdle(std::function<void()> open);
   void DoubleClickMainArea();
+  void OpenWhatIsMissing();
   void ClickStatusPanel(const QString& key);
+  void ShowErrors(const QString& key);
   void ToggleAlwaysOnTop();
   void Exit();
 
@@ -107,9 +119,11 @@ class frmMain : public QMainWindow, public MonitorListener {
   StatusBar* sbStatusBar_ = nullptr;
   MainMenus menus_;
   NotificationIcon icon_;
+  std::function<void()> postponed_;
   int ticksToLook_ = 0;
   int looksWithoutTray_ = 0;
   bool sessionEnds_ = false;
+  bool unloads_ = false;
 };
 
 }  // namespace wattlark

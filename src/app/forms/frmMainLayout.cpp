@@ -93,6 +93,9 @@ MenuActions frmMain::Actions(MenuActions actions) {
   actions.editMeter = [this](bool) { EditKillAWatt(); };
   actions.removeMeter = [this, afterwards](bool) { afterwards(meterActions_.RemoveSelected()); };
   actions.resetData = [this, afterwards](bool) { afterwards(meterActions_.ResetSelectedData()); };
+  if (options_.dialogs.calibrateMeter) {
+    actions.calibrate = [this](bool) { CalibrateKillAWatt(); };
+  }
   actions.resetCalibration = [this, afterwards](bool) {
     afterwards(meterActions_.ResetSelectedCalibration());
   };
@@ -102,8 +105,20 @@ MenuActions frmMain::Actions(MenuActions actions) {
   actions.openWebsite = [this](bool) {
     OpenURL(options_.websiteAddress, ports_.desktop, ports_.prompts);
   };
+  if (ports_.monitor.UsesWeb()) {
+    actions.checkForUpdates = [this](bool) { ports_.monitor.CheckForUpdates(true); };
+  }
   actions.showAbout = [this](bool) { ShowAbout(WATTLARK_VERSION, ports_.prompts); };
   actions.showWindow = [this](bool) { ShowWindow(); };
+  for (MenuActions::Action MenuActions::*opens :
+       {&MenuActions::addMeter, &MenuActions::editMeter, &MenuActions::removeMeter,
+        &MenuActions::resetData, &MenuActions::calibrate, &MenuActions::resetCalibration,
+        &MenuActions::showOptions, &MenuActions::showAbout}) {
+    if (!(actions.*opens)) continue;
+    actions.*opens = [this, open = std::move(actions.*opens)](bool fromTray) {
+      WhenIdle([open, fromTray] { open(fromTray); });
+    };
+  }
   return actions;
 }
 

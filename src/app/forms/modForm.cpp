@@ -2,6 +2,7 @@
 
 #include <QGuiApplication>
 #include <QScreen>
+#include <QTextDocument>
 #include <QWidget>
 #include <QWindow>
 #include <algorithm>
@@ -38,7 +39,7 @@ const QScreen* ScreenOf(const std::string& stored) {
 
 int StateOf(const QWidget& window) {
   if (window.isMinimized()) return MinimizedWindow;
-  return window.isMaximized() ? MaximizedWindow : NormalWindow;
+  return window.isMaximized() || window.isFullScreen() ? MaximizedWindow : NormalWindow;
 }
 
 }  // namespace
@@ -81,6 +82,10 @@ void SetAlwaysOnTop(QWidget& window, bool on) {
   // Through the widget, the change would hide the window.
   window.overrideWindowFlags(window.windowFlags().setFlag(Qt::WindowStaysOnTopHint, on));
   if (QWindow* handle = window.windowHandle()) handle->setFlag(Qt::WindowStaysOnTopHint, on);
+}
+
+QString PlainToolTip(const QString& text) {
+  return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text, Qt::WhiteSpaceNormal) : text;
 }
 
 }  // namespace wattlark

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QString>
 #include <string>
 
 #include "config/modRegistry.h"
@@ -18,5 +19,8 @@ bool SaveWindowSettings(const QWidget& window, modRegistry& store, const std::st
 
 /// Keeps a window above all others, or not. It is neither moved nor hidden for that.
 void SetAlwaysOnTop(QWidget& window, bool on);
+
+/// A tool tip that shows `text` as it is, even where it looks like markup.
+QString PlainToolTip(const QString& text);
 
 }  // namespace wattlark

@@ -1,6 +1,7 @@
 #include "cli/forms/WindowRun.h"
 
 #include <QApplication>
+#include <QTimer>
 #include <exception>
 #include <iostream>
 
@@ -8,16 +9,23 @@
 #include "app/forms/Notices.h"
 #include "app/forms/frmInfoBox.h"
 #include "app/forms/frmMain.h"
+#include "cli/DefaultFiles.h"
 #include "cli/ProgramSetup.h"
+#include "config/forms/frmCalibrateKillAWatt.h"
 #include "config/forms/frmEditKillAWatt.h"
+#include "config/forms/frmOptions.h"
+#include "platform/qt/SerialDevices.h"
 #include "platform/qt/UnixSignals.h"
 #include "platform/qtwidgets/QtDesktop.h"
 #include "platform/qtwidgets/QtPrompts.h"
 #include "publish/forms/frmLogin.h"
+#include "update/forms/frmSoftwareUpdate.h"
 
 namespace wattlark {
 
 namespace {
+
+constexpr int kLongestStartCheck = 3000;  // ms
 
 void TellProblem(Prompts& prompts, const std::string& text) {
   prompts.Ask({text, "Error!", PromptIcon::Exclamation, PromptButtons::OK, PromptAnswer::OK});
@@ -28,11 +36,12 @@ class WindowRun {
  public:
   WindowRun(QApplication& application, ProgramSetup& setup) : setup_(setup) {
     prompts_.signIn = SignIn;
+    prompts_.offerUpdate = OfferUpdate;
     // Logging off saves at once: nobody waits for the program to end by itself.
-    QObject::connect(&application, &QGuiApplication::commitDataRequest, [this] {
+    QObject::connect(&application, &QGuiApplication::commitDataRequest, &context_, [this] {
       if (window_ == nullptr) return;
       endsQuietly_ = true;
-      window_->EndSession();
+      window_->EndSession([this] { endsQuietly_ = false; });
       monitor_->SaveEverything();
     });
   }
@@ -50,17 +59,16 @@ class WindowRun {
     MonitorRelay relay;
     monitor_ = &setup_.MakeMonitor(desktop_, prompts_, relay);
     const bool isLoaded = setup_.Load([this] {
-      if (window_ != nullptr) window_->ShowWindow();
+      if (window_ != nullptr) window_->BringForward();
     });
     if (!isLoaded) return ExitRefused;
     frmMain window({*monitor_, setup_.Values(), desktop_, prompts_}, WindowOptions());
     window_ = &window;
     relay.SendTo(&window);
-    monitor_->StartRunning();
-    window.ShowAtLaunch();
+    StartRunning();
     // Ending may have been asked for while a message was on screen.
     if (!hasEnded_) QApplication::exec();
-    const std::string problem = setup_.FinishSaving(window.Unload());
+    const std::string problem = savesAtEnd_ ? setup_.FinishSaving(window.Unload()) : "";
     window.hide();
     relay.SendTo(nullptr);
     window_ = nullptr;
@@ -68,6 +76,36 @@ class WindowRun {
   }
 
  private:
+  // The check for updates comes first. Neither a slow server nor a question that nobody answers
+  // keeps the readings waiting, though.
+  void StartRunning() {
+    const auto start = [this] {
+      if (isRunning_ || hasEnded_) return;
+      isRunning_ = true;
+      setup_.StartRunning();
+      window_->ShowAtLaunch();
+      if (QWidget* dialog = QApplication::activeModalWidget()) {
+        dialog->raise();
+        dialog->activateWindow();
+      }
+    };
+    QTimer patience;
+    patience.setSingleShot(true);
+    QObject::connect(&patience, &QTimer::timeout, start);
+    patience.start(kLongestStartCheck);
+    monitor_->CheckForUpdates(false);
+    start();
+  }
+
+  // Ends the program for an update. Without data from the port only demo mode asks whether it may;
+  // the program ends without saving when it may not.
+  void ExitApplication() {
+    hasEnded_ = true;
+    monitor_->StopRunning();
+    savesAtEnd_ = ConfirmsExit(*monitor_, prompts_);
+    Quit();
+  }
+
   frmMain::Options WindowOptions() {
     frmMain::Options options;
     options.dialogs.editMeter = [this](clsKillAWatt& meter, const std::string& caption) {
@@ -84,19 +122,38 @@ class WindowRun {
     options.dialogs.showNotice = [this](const AlarmNotice& notice) {
       notices_.ShowAlarm(notice, *window_);
     };
+    options.dialogs.calibrateMeter = [this](clsKillAWatt& meter) {
+      CalibrateMeter({monitor_->Regional(), setup_.SystemTime()}, meter, window_);
+    };
     const ServiceEndpoints& endpoints = monitor_->Profile().Endpoints();
     options.helpAddress = AddressOf(endpoints.OnlineHelpURL, WATTLARK_HELP_URL);
     options.websiteAddress = AddressOf(endpoints.WebSiteURL, WATTLARK_WEBSITE_URL);
-    options.features.postToPachube = Publish(PublishTarget::Pachube);
-    options.features.postToGoogleDocs = Publish(PublishTarget::GoogleDocs);
-    options.features.postToPowerMeter = Publish(PublishTarget::PowerMeter);
-    options.features.postToTwitter = Publish(PublishTarget::Twitter);
+    options.features.showOptions = [this](bool) { ShowOptions(); };
     options.endProgram = [this] { Quit(); };
+    options.exitApplication = [this] { ExitApplication(); };
     return options;
   }
 
-  MenuActions::Action Publish(PublishTarget target) {
-    return [this, target](bool) { monitor_->PublishNow(target, false); };
+  void ShowOptions() {
+    ProfileData& profile = monitor_->Profile();
+    const auto restartPort = [this] {
+      monitor_->ClosePort();
+      monitor_->OpenPort();
+    };
+    const auto tellFailure = [this] {
+      monitor_->ReportError("The options could not be saved: " +
+                            setup_.SystemRegistry().ErrorText());
+    };
+    PortDevices& devices = setup_.Devices();
+    frmOptions form({{profile.Settings(), setup_.SystemRegistry(), profile.Text(),
+                      monitor_->Regional(), prompts_, &devices, ProgramFile(), restartPort},
+                     PortDeviceList::Ports{devices, &ListSerialDevicesWithProducts,
+                                           [this](const std::string& path) {
+                                             return setup_.Serial().DeviceProblem(path);
+                                           }},
+                     tellFailure},
+                    window_);
+    form.exec();
   }
 
   static std::string AddressOf(const std::string& stored, const char* built) {
@@ -123,8 +180,11 @@ class WindowRun {
   Notices notices_{desktop_, prompts_};
   Monitor* monitor_ = nullptr;
   frmMain* window_ = nullptr;
+  bool isRunning_ = false;
+  bool savesAtEnd_ = true;
   bool hasEnded_ = false;
   bool endsQuietly_ = false;
+  QObject context_;  ///< its end ends the connections to this object
 };
 
 }  // namespace

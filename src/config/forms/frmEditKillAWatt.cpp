@@ -1,56 +1,19 @@
 #include "config/forms/frmEditKillAWatt.h"
 
-#include <QDialogButtonBox>
 #include <QEvent>
-#include <QGroupBox>
 #include <QVBoxLayout>
 #include <algorithm>
-#include <span>
-#include <utility>
 
 #include "config/modRegistry.h"
-#include "platform/qtwidgets/Controls.h"
 #include "platform/qtwidgets/FilteredLineEdit.h"
 
 namespace wattlark {
 
 namespace {
 
-constexpr int kMargin = 16;
-constexpr int kGap = 12;
-constexpr int kRowGap = 8;
-
 constexpr const char* kAdjusted =
     "The alarm interval was adjusted upward so that it was at least equal to the duration above or "
     "below the limits.";
-
-QGroupBox* Frame(const QString& caption, const QString& name, QGridLayout*& grid) {
-  auto* frame = new QGroupBox(caption);
-  frame->setObjectName(name);
-  grid = new QGridLayout(frame);
-  grid->setContentsMargins(kGap, kGap, kGap, kGap);
-  grid->setHorizontalSpacing(kGap);
-  grid->setVerticalSpacing(kRowGap);
-  grid->setColumnStretch(1, 1);
-  return frame;
-}
-
-template <typename Control>
-Control* Named(Control* control, const QString& name) {
-  control->setObjectName(name);
-  return control;
-}
-
-QComboBox* List(const QString& name, std::span<const ListEntry> entries) {
-  auto* list = Named(new QComboBox, name);
-  for (const ListEntry& entry : entries) list->addItem(entry.text, entry.number);
-  return list;
-}
-
-// The caption without its mnemonic and colon.
-QString SpokenName(QString caption) {
-  return caption.remove('&').remove(':');
-}
 
 }  // namespace
 
@@ -58,23 +21,24 @@ frmEditKillAWatt::frmEditKillAWatt(const Context& context, QWidget* parent)
     : QDialog(parent), context_(context) {
   setObjectName("frmEditKillAWatt");
   auto* column = new QVBoxLayout(this);
-  column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
-  column->setSpacing(kMargin);
+  column->setContentsMargins(DialogMargin, DialogMargin, DialogMargin, DialogMargin);
+  column->setSpacing(DialogMargin);
   column->addWidget(BuildProperties());
   column->addWidget(BuildAlarmZone());
   column->addStretch(1);
-  column->addWidget(BuildButtons());
+  column->addWidget(MakeOKCancel(*this, [this] { cmdOK_Click(); }));
   FitToFont();
 }
 
 QWidget* frmEditKillAWatt::BuildProperties() {
   QGridLayout* grid = nullptr;
-  QWidget* frame = Frame("Kill-A-Watt Properties", "fraProperties0", grid);
-  txtName_ = Named(new QLineEdit, "txtName");
+  QWidget* frame = MakeFrame("Kill-A-Watt Properties", "fraProperties0", grid);
+  grid->setColumnStretch(1, 1);
+  txtName_ = new TextBox("txtName");
   txtXBeeAddress_ = Named(new QLineEdit, "txtXBeeAddress");
-  cboVoltage_ = List("cboVoltage", VoltageEntries());
-  cboFrequency_ = List("cboFrequency", FrequencyEntries());
-  cboKillAWattType_ = List("cboKillAWattType", KillAWattTypeEntries());
+  cboVoltage_ = MakeList("cboVoltage", VoltageEntries());
+  cboFrequency_ = MakeList("cboFrequency", FrequencyEntries());
+  cboKillAWattType_ = MakeList("cboKillAWattType", KillAWattTypeEntries());
   AddRow(*grid, "&Name:", txtName_);
   AddRow(*grid, "&XBee Address:", txtXBeeAddress_);
   AddRow(*grid, "&Voltage (nominal):", cboVoltage_);
@@ -85,7 +49,8 @@ QWidget* frmEditKillAWatt::BuildProperties() {
 
 QWidget* frmEditKillAWatt::BuildAlarmZone() {
   QGridLayout* grid = nullptr;
-  QWidget* frame = Frame("Alarm Zone", "fraProperties1", grid);
+  QWidget* frame = MakeFrame("Alarm Zone", "fraProperties1", grid);
+  grid->setColumnStretch(1, 1);
   const QString caption = "&Raise an Alarm when power is outside:";
   chkAlarmActive_ = Named(new QCheckBox(caption), "chkAlarmActive");
   chkAlarmActive_->setAccessibleName(SpokenName(caption));
@@ -99,8 +64,8 @@ QWidget* frmEditKillAWatt::BuildAlarmZone() {
               "txtAlarmLimit" + QString::number(index));
     txtAlarmLimit_[index]->setAccessibleDescription("Watts");
   }
-  cboAlarmDuration_ = List("cboAlarmDuration", AlarmDurationEntries());
-  cboAlarmInterval_ = List("cboAlarmInterval", AlarmIntervalEntries());
+  cboAlarmDuration_ = MakeList("cboAlarmDuration", AlarmDurationEntries());
+  cboAlarmInterval_ = MakeList("cboAlarmInterval", AlarmIntervalEntries());
   AddRow(*grid, "&Upper Limit:", txtAlarmLimit_[0], "W");
   AddRow(*grid, "&Lower Limit:", txtAlarmLimit_[1], "W");
   AddRow(*grid, "F&or:", cboAlarmDuration_);
@@ -108,26 +73,10 @@ QWidget* frmEditKillAWatt::BuildAlarmZone() {
   return frame;
 }
 
-QWidget* frmEditKillAWatt::BuildButtons() {
-  auto* cmdOK = Named(new QPushButton("OK"), "cmdOK");
-  auto* cmdCancel = Named(new QPushButton("Cancel"), "cmdCancel");
-  cmdOK->setAccessibleName("OK");
-  cmdCancel->setAccessibleName("Cancel");
-  cmdOK->setDefault(true);
-  connect(cmdOK, &QPushButton::clicked, this, [this] { cmdOK_Click(); });
-  connect(cmdCancel, &QPushButton::clicked, this, [this] { reject(); });
-  auto* buttons = new QDialogButtonBox;
-  buttons->addButton(cmdOK, QDialogButtonBox::AcceptRole);
-  buttons->addButton(cmdCancel, QDialogButtonBox::RejectRole);
-  return buttons;
-}
-
 void frmEditKillAWatt::AddRow(QGridLayout& grid, const QString& caption, QWidget* control,
                               const QString& unit) {
-  auto* label = new QLabel(caption);
-  label->setBuddy(control);
+  QLabel* label = MakeLabel(caption, control);
   labels_.push_back(label);
-  control->setAccessibleName(SpokenName(caption));
   const int row = grid.rowCount();
   grid.addWidget(label, row, 0);
   grid.addWidget(control, row, 1, 1, unit.isEmpty() ? 2 : 1);
@@ -139,9 +88,7 @@ void frmEditKillAWatt::FitToFont() {
   int widest = 0;
   for (const QLabel* label : labels_) widest = std::max(widest, label->sizeHint().width());
   for (QLabel* label : labels_) label->setMinimumWidth(widest);
-  for (QWidget* control : findChildren<QWidget*>()) {
-    if (control->focusPolicy() != Qt::NoFocus) control->setMinimumHeight(ControlHeight(*control));
-  }
+  FitHeights(*this);
 }
 
 void frmEditKillAWatt::changeEvent(QEvent* event) {
@@ -152,23 +99,23 @@ void frmEditKillAWatt::changeEvent(QEvent* event) {
 void frmEditKillAWatt::SetKillAWatt(clsKillAWatt& meter) {
   meter_ = &meter;
   cancelled_ = true;
-  shown_ = MakeMeterEdit(meter, context_.regional);
-  txtName_->setText(QString::fromStdString(shown_.name));
+  const MeterEdit edit = MakeMeterEdit(meter, context_.regional);
+  txtName_->Show(edit.name);
   txtName_->selectAll();
   txtName_->setFocus();
-  txtXBeeAddress_->setText(QString::fromStdString(shown_.xbeeAddress));
-  cboVoltage_->setCurrentIndex(shown_.voltage);
-  cboFrequency_->setCurrentIndex(shown_.frequency);
-  cboKillAWattType_->setCurrentIndex(shown_.killAWattType);
+  txtXBeeAddress_->setText(QString::fromStdString(edit.xbeeAddress));
+  cboVoltage_->setCurrentIndex(edit.voltage);
+  cboFrequency_->setCurrentIndex(edit.frequency);
+  cboKillAWattType_->setCurrentIndex(edit.killAWattType);
   for (QWidget* control : std::initializer_list<QWidget*>{txtXBeeAddress_, cboVoltage_,
                                                           cboFrequency_, cboKillAWattType_}) {
     control->setEnabled(!IsTotal());
   }
-  chkAlarmActive_->setChecked(shown_.alarmActive);
-  txtAlarmLimit_[0]->setText(QString::fromStdString(shown_.upperLimit));
-  txtAlarmLimit_[1]->setText(QString::fromStdString(shown_.lowerLimit));
-  cboAlarmDuration_->setCurrentIndex(shown_.alarmDuration);
-  cboAlarmInterval_->setCurrentIndex(shown_.alarmInterval);
+  chkAlarmActive_->setChecked(edit.alarmActive);
+  txtAlarmLimit_[0]->setText(QString::fromStdString(edit.upperLimit));
+  txtAlarmLimit_[1]->setText(QString::fromStdString(edit.lowerLimit));
+  cboAlarmDuration_->setCurrentIndex(edit.alarmDuration);
+  cboAlarmInterval_->setCurrentIndex(edit.alarmInterval);
   chkAlarmActive_Click();
 }
 
@@ -182,9 +129,7 @@ void frmEditKillAWatt::chkAlarmActive_Click() {
 
 MeterEdit frmEditKillAWatt::Entries() const {
   MeterEdit edit;
-  // A name that nobody touched keeps its bytes, whatever the box can show of them.
-  const bool sameName = txtName_->text() == QString::fromStdString(shown_.name);
-  edit.name = sameName ? shown_.name : txtName_->text().toStdString();
+  edit.name = txtName_->Entered();
   edit.xbeeAddress = txtXBeeAddress_->text().toStdString();
   edit.voltage = cboVoltage_->currentIndex();
   edit.frequency = cboFrequency_->currentIndex();

@@ -6,11 +6,11 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 #include <array>
 #include <vector>
 
 #include "config/MeterEdit.h"
+#include "config/forms/FormControls.h"
 #include "platform/Prompts.h"
 
 namespace wattlark {
@@ -44,7 +44,6 @@ class frmEditKillAWatt : public QDialog {
  private:
   QWidget* BuildProperties();
   QWidget* BuildAlarmZone();
-  QWidget* BuildButtons();
   void AddRow(QGridLayout& grid, const QString& caption, QWidget* control,
               const QString& unit = {});
   void FitToFont();
@@ -57,10 +56,9 @@ class frmEditKillAWatt : public QDialog {
 
   Context context_;
   clsKillAWatt* meter_ = nullptr;
-  MeterEdit shown_;
   bool cancelled_ = true;
   std::vector<QLabel*> labels_;
-  QLineEdit* txtName_ = nullptr;
+  TextBox* txtName_ = nullptr;
   QLineEdit* txtXBeeAddress_ = nullptr;
   QComboBox* cboVoltage_ = nullptr;
   QComboBox* cboFrequency_ = nullptr;

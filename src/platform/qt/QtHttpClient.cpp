@@ -1,5 +1,6 @@
 #include "platform/qt/QtHttpClient.h"
 
+#include <QIODevice>
 #include <QNetworkRequest>
 #include <QSslError>
 #include <algorithm>
@@ -20,6 +21,8 @@ const char* ErrorText(QNetworkReply::NetworkError error) {
   switch (error) {
     case QNetworkReply::ConnectionRefusedError:
       return "Connection refused";
+    case QNetworkReply::ContentReSendError:
+      return "The server did not answer a request that is not sent twice";
     case QNetworkReply::RemoteHostClosedError:
       return "The server closed the connection before the end of its response";
     case QNetworkReply::HostNotFoundError:
@@ -60,6 +63,8 @@ QNetworkRequest MakeRequest(const WebAddress& address, const std::string& header
   request.setRawHeader("User-Agent", "Wattlark/" WATTLARK_VERSION);
   // A body that unpacks to many times its size would get round the bound on responses.
   request.setRawHeader("Accept-Encoding", "identity");
+  // A connection that is kept may end just when the next request goes out on it.
+  request.setRawHeader("Connection", "close");
   SetHeaders(request, headers);
   if (!address.authorization.isEmpty()) {
     request.setRawHeader("Authorization", address.authorization);
@@ -75,13 +80,35 @@ QNetworkRequest MakeRequest(const WebAddress& address, const std::string& header
   return request;
 }
 
+// A body that is sent once. Qt sends a request again whose connection ends unanswered, but the
+// server may have acted on it: a status would be posted twice. It asks in the same way, and does
+// not say so, on behalf of a redirect that keeps the operation.
+class BodyForOnce final : public QIODevice {
+ public:
+  explicit BodyForOnce(QByteArray bytes) : bytes_(std::move(bytes)) { open(ReadOnly | Unbuffered); }
+  qint64 size() const override { return bytes_.size(); }
+  bool seek(qint64 offset) override { return offset == pos() && QIODevice::seek(offset); }
+
+ protected:
+  qint64 readData(char* data, qint64 length) override {
+    const qint64 count = std::min(length, size() - pos());
+    std::copy_n(bytes_.constData() + pos(), count, data);
+    return count;
+  }
+  qint64 writeData(const char*, qint64) override { return -1; }
+
+ private:
+  const QByteArray bytes_;
+};
+
 }  // namespace
 
 QtHttpClient::QtHttpClient(std::chrono::milliseconds limit) {
   timer_.setSingleShot(true);
   timer_.setInterval(limit);
   connect(&timer_, &QTimer::timeout, this, [this] {
-    Fail(TooSlow, "No complete answer within " + std::to_string(timer_.interval() / 1000) + " s");
+    Fail(HttpTimedOut,
+         "No complete answer within " + std::to_string(timer_.interval() / 1000) + " s");
   });
 }
 
@@ -118,10 +145,10 @@ void QtHttpClient::Execute(const std::string& url, const std::string& operation,
 void QtHttpClient::Start() {
   if (operation_ == "GET") {
     reply_ = manager_.get(outgoing_);
-  } else if (operation_ == "PUT") {
-    reply_ = manager_.put(outgoing_, outgoingBody_);
   } else {
-    reply_ = manager_.post(outgoing_, outgoingBody_);
+    auto* body = new BodyForOnce(outgoingBody_);
+    reply_ = operation_ == "PUT" ? manager_.put(outgoing_, body) : manager_.post(outgoing_, body);
+    body->setParent(reply_);
   }
   reply_->setReadBufferSize(kReadAhead);
   ConnectReply();
@@ -178,25 +205,29 @@ void QtHttpClient::OnFinished() {
     Redirect(status, outgoing_.url().resolved(target));
     return;
   }
-  // From 201 on Qt's errors say what the server answered, but for two that tell of a bad protocol.
+  // From 201 on Qt's errors say what the server answered, but for those of a bad connection.
   // Without an answer there is no status, or the one that Qt starts with.
-  const bool isAnswer = status >= 200 && (error == QNetworkReply::NoError ||
-                                          (error >= QNetworkReply::ContentAccessDenied &&
-                                           error != QNetworkReply::ProtocolFailure &&
-                                           error != QNetworkReply::ProtocolUnknownError));
+  const bool isAnswer =
+      status >= 200 &&
+      (error == QNetworkReply::NoError ||
+       (error >= QNetworkReply::ContentAccessDenied && error != QNetworkReply::ContentReSendError &&
+        error != QNetworkReply::ProtocolFailure && error != QNetworkReply::ProtocolUnknownError));
   if (isAnswer) {
     if (status >= 300) responseInfo_ = "The server answers with status " + std::to_string(status);
     Post(HttpState::ResponseReceived);
   } else {
-    responseCode_ = error == QNetworkReply::NoError ? QNetworkReply::RemoteHostClosedError : error;
-    responseInfo_ = ErrorText(static_cast<QNetworkReply::NetworkError>(responseCode_));
+    const auto failure =
+        error == QNetworkReply::NoError ? QNetworkReply::RemoteHostClosedError : error;
+    const bool isTimeOut = failure == QNetworkReply::TimeoutError;
+    responseCode_ = isTimeOut ? HttpTimedOut : long{failure};
+    responseInfo_ = ErrorText(failure);
     if (!sslProblem_.empty()) responseInfo_ += ": " + sslProblem_;
   }
   PostEnd();
 }
 
-void QtHttpClient::Fail(Failure failure, const std::string& info) {
-  responseCode_ = failure;
+void QtHttpClient::Fail(long responseCode, const std::string& info) {
+  responseCode_ = responseCode;
   responseInfo_ = info;
   PostEnd();
 }

@@ -16,8 +16,9 @@
 namespace wattlark {
 
 /// Requests over HTTP 1.1 and HTTPS. Certificates are checked. Redirects stay on the scheme; one to
-/// another host or port is followed only by a GET that shows nobody's authorization. Nothing is
-/// kept between requests: no cookies, no cache, no credentials.
+/// another host or port is followed only by a GET that shows nobody's authorization. A body is sent
+/// once at most, however its connection ends and wherever it is redirected to. Nothing is kept
+/// between requests: no cookies, no cache, no credentials, no connection.
 class QtHttpClient final : public QObject, public HttpClient {
   Q_OBJECT
 
@@ -35,7 +36,7 @@ class QtHttpClient final : public QObject, public HttpClient {
   void Cancel() override;
 
  private:
-  enum Failure : long { BadAddress = 1001, TooLong, TooSlow, Redirected, Cancelled };
+  enum Failure : long { BadAddress = 1001, TooLong, Redirected, Cancelled };
 
   void Start();
   void ConnectReply();
@@ -44,7 +45,7 @@ class QtHttpClient final : public QObject, public HttpClient {
   void TakeBody();
   void OnFinished();
   /// Ends the request from outside the reply: its own end is not waited for.
-  void Fail(Failure failure, const std::string& info);
+  void Fail(long responseCode, const std::string& info);
   void Post(HttpState state);
   void PostEnd();
   void EndRequest();

@@ -1,15 +1,12 @@
 #include "platform/qt/QtSerialPort.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <QFileInfo>
 #include <cerrno>
 #include <optional>
 #include <stdexcept>
-#include <system_error>
 
+#include "platform/qt/SerialDeviceProblem.h"
 #include "support/modText.h"
 
 namespace wattlark {
@@ -64,41 +61,9 @@ std::string ParseSettings(const std::string& text, PortSettings& settings) {
   return {};
 }
 
-std::string MissingDeviceText(const std::string& path, int portNumber) {
-  return "No such device: " + (path.empty() ? "no serial device is connected" : path) + ". " +
-         "Plug in the receiver, or choose its device: wattlark setting set PortDevices/COM" +
+std::string AdviceFor(int portNumber) {
+  return "Plug in the receiver, or choose its device: wattlark setting set PortDevices/COM" +
          std::to_string(portNumber) + " PATH";
-}
-
-// Why a path cannot be a serial device that the user may open; empty when it can.
-std::string PathProblem(const std::string& path, int portNumber) {
-  if (path.empty()) return MissingDeviceText(path, portNumber);
-  struct stat file {};
-  if (stat(path.c_str(), &file) != 0) {
-    if (errno == ENOENT || errno == ENOTDIR) return MissingDeviceText(path, portNumber);
-    return "Cannot look at " + path + ": " + std::generic_category().message(errno);
-  }
-  if (!S_ISCHR(file.st_mode)) return "Not a serial device: " + path;
-  if (faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0 && errno == EACCES) {
-    return "Permission denied: " + path +
-           ". Add your user to the group dialout: sudo usermod -aG dialout $USER, then log in "
-           "again";
-  }
-  return {};
-}
-
-std::string OpenProblem(const std::string& path, int portNumber, const QSerialPort& port) {
-  switch (port.error()) {
-    case QSerialPort::DeviceNotFoundError:
-      return MissingDeviceText(path, portNumber);
-    case QSerialPort::PermissionError:  // access was granted above: someone else has it
-      return "In use: another program has " + path + " open (" + port.errorString().toStdString() +
-             "). End that program";
-    case QSerialPort::UnsupportedOperationError:
-      return "Not a serial device, or it cannot be set to these serial settings: " + path;
-    default:
-      return "Cannot open " + path + ": " + port.errorString().toStdString();
-  }
 }
 
 }  // namespace
@@ -147,22 +112,21 @@ bool QtSerialPort::Open(int portNumber, const std::string& settings) {
 }
 
 bool QtSerialPort::OpenDevice(QSerialPort& port) {
-  errorText_ = PathProblem(path_, portNumber_);
+  errorText_ = OpenSerialDevice(port, path_, AdviceFor(portNumber_));
   if (!errorText_.empty()) return false;
-  // The lock that programs share is named after the device: all its names must give the same one.
-  const QString canonical = QFileInfo(QString::fromStdString(path_)).canonicalFilePath();
-  port.setPortName(canonical.isEmpty() ? QString::fromStdString(path_) : canonical);
-  if (!port.open(QIODevice::ReadOnly)) {
-    errorText_ = OpenProblem(path_, portNumber_, port);
-    return false;
-  }
   struct stat file {};
   if (fstat(port.handle(), &file) != 0) {
-    errorText_ = MissingDeviceText(path_, portNumber_);
+    errorText_ = MissingDeviceText(path_, AdviceFor(portNumber_));
     return false;
   }
   *openedFile_ = {file.st_dev, file.st_ino, file.st_rdev};
   return true;
+}
+
+std::string QtSerialPort::DeviceProblem(const std::string& path) const {
+  if (IsOpen() && CanonicalDevice(path) == CanonicalDevice(path_)) return {};
+  QSerialPort probe;
+  return OpenSerialDevice(probe, path, "Plug in the receiver, or choose another device");
 }
 
 void QtSerialPort::Close() {
@@ -191,7 +155,7 @@ std::vector<std::uint8_t> QtSerialPort::ReadAll() {
 
 void QtSerialPort::OnDeviceError(QSerialPort::SerialPortError error) {
   if (error == QSerialPort::NoError || error == QSerialPort::TimeoutError || !IsOpen()) return;
-  const std::string problem = PathProblem(path_, portNumber_);
+  const std::string problem = SerialPathProblem(path_, AdviceFor(portNumber_));
   Lose(problem.empty()
            ? "The device " + path_ + " was disconnected: " + port_->errorString().toStdString()
            : problem);
@@ -201,7 +165,7 @@ void QtSerialPort::CheckDeviceFile() {
   struct stat file {};
   if (stat(path_.c_str(), &file) != 0) {
     if (errno == ENOENT || errno == ENOTDIR || errno == ELOOP)
-      Lose(MissingDeviceText(path_, portNumber_));
+      Lose(MissingDeviceText(path_, AdviceFor(portNumber_)));
   } else if (DeviceFile{file.st_dev, file.st_ino, file.st_rdev} != *openedFile_) {
     Lose("The device " + path_ + " was replaced by another one");
   }

@@ -30,6 +30,10 @@ class QtSerialPort : public SerialPort {
   std::vector<std::uint8_t> ReadAll() override;
   std::string ErrorText() const override { return errorText_; }
 
+  /// Why that device cannot be opened, in words; empty when it can, or is the one that is open. To
+  /// know, the device is opened for a moment.
+  std::string DeviceProblem(const std::string& path) const;
+
  private:
   struct DeviceFile;
 

@@ -8,17 +8,26 @@
 #include <QFileInfo>
 #include <QLocalServer>
 #include <QLocalSocket>
+#include <QPointer>
 #include <QTimer>
+#include <utility>
 
 namespace wattlark {
 
 namespace {
 
 constexpr int kAnswerMilliseconds = 1000;
+// A command must not be given up that is taken after all, once what keeps the program busy is done.
+constexpr int kBusyMilliseconds = 10000;
 constexpr qint64 kLongestMessage = 1024;
 constexpr qsizetype kMostConnections = 8;
 constexpr const char* kShowMessage = "show\n";
 constexpr const char* kAnswer = "ok\n";
+constexpr const char* kDone = "done\n";
+constexpr const char* kFailed = "failed\n";
+// A destination may send four requests of a minute each, and wait for another run to end.
+constexpr int kLongestRunMilliseconds = 10 * 60 * 1000;
+constexpr qsizetype kLongestAnswer = qsizetype{1024} * 1024;
 
 // A folder that nobody but the user can enter.
 bool IsPrivate(const QString& folder) {
@@ -37,6 +46,17 @@ std::vector<QString> PrivateFolders(const QString& profileFolder) {
   mkdir(QFile::encodeName(temporary).constData(), 0700);
   if (IsPrivate(temporary)) folders.push_back(temporary);
   return folders;
+}
+
+// Whether the instance that listens there has understood the message; its answer may follow.
+bool Send(QLocalSocket& socket, const std::string& place, const QByteArray& message, int patience) {
+  socket.connectToServer(QString::fromStdString(place));
+  if (!socket.waitForConnected(patience)) return false;
+  socket.write(message);
+  if (!socket.waitForBytesWritten(patience)) return false;
+  while (!socket.canReadLine() && socket.waitForReadyRead(patience)) {
+  }
+  return socket.readLine() == kAnswer;
 }
 
 }  // namespace
@@ -77,37 +97,85 @@ void SingleInstance::AcceptConnection() {
     return;
   }
   socket->setReadBufferSize(kLongestMessage + 1);
-  QTimer::singleShot(kAnswerMilliseconds, socket, [socket] { socket->abort(); });
-  const auto read = [this, socket] {
-    if (!socket->canReadLine()) {
-      if (socket->bytesAvailable() > kLongestMessage) socket->abort();
-      return;
-    }
-    const bool isShow = socket->readLine() == kShowMessage && socket->bytesAvailable() == 0;
-    if (!isShow) {
-      socket->abort();
-      return;
-    }
-    socket->write(kAnswer);
-    socket->disconnectFromServer();
+  auto* limit = new QTimer(socket);
+  limit->setSingleShot(true);
+  limit->setInterval(kAnswerMilliseconds);
+  QObject::connect(limit, &QTimer::timeout, socket, [socket] { socket->abort(); });
+  limit->start();
+  QObject::connect(socket, &QLocalSocket::readyRead, limit,
+                   [this, socket, limit] { ReadMessage(*socket, *limit); });
+  if (socket->bytesAvailable() > 0) ReadMessage(*socket, *limit);
+}
+
+void SingleInstance::ReadMessage(QLocalSocket& socket, QTimer& limit) {
+  if (!socket.canReadLine()) {
+    if (socket.bytesAvailable() > kLongestMessage) socket.abort();
+    return;
+  }
+  // Nothing that follows is listened to.
+  QObject::disconnect(&socket, &QLocalSocket::readyRead, &limit, nullptr);
+  const QByteArray line = socket.readLine();
+  const bool isOneLine = socket.bytesAvailable() == 0;
+  if (isOneLine && line == kShowMessage) {
+    socket.write(kAnswer);
+    socket.disconnectFromServer();
     if (onShow) onShow();
-  };
-  QObject::connect(socket, &QLocalSocket::readyRead, socket, read);
-  if (socket->bytesAvailable() > 0) read();
+    return;
+  }
+  std::function<CommandAnswer()> run;
+  if (isOneLine && onCommand) run = onCommand(line.chopped(1).toStdString());
+  if (run) {
+    RunCommand(socket, limit, std::move(run));
+  } else {
+    socket.abort();
+  }
+}
+
+// Events run meanwhile, in which the socket may go: none of its signals must be under way.
+void SingleInstance::RunCommand(QLocalSocket& socket, QTimer& limit,
+                                std::function<CommandAnswer()> run) {
+  limit.stop();
+  socket.write(kAnswer);
+  socket.flush();
+  const QPointer<QLocalSocket> peer(&socket);
+  QTimer::singleShot(0, server_.get(), [peer, run = std::move(run), &limit] {
+    const CommandAnswer answer = run();
+    if (!peer || peer->state() != QLocalSocket::ConnectedState) return;
+    peer->write(answer.success ? kDone : kFailed);
+    peer->write(QByteArray::fromStdString(answer.text));
+    peer->flush();
+    limit.start();  // it goes with its socket
+    peer->disconnectFromServer();
+  });
 }
 
 bool SingleInstance::ActivatePrevInstance() const {
   for (const std::string& place : places_) {
     QLocalSocket socket;
-    socket.connectToServer(QString::fromStdString(place));
-    if (!socket.waitForConnected(kAnswerMilliseconds)) continue;
-    socket.write(kShowMessage);
-    if (!socket.waitForBytesWritten(kAnswerMilliseconds)) continue;
-    while (!socket.canReadLine() && socket.waitForReadyRead(kAnswerMilliseconds)) {
-    }
-    if (socket.readLine() == kAnswer) return true;
+    if (Send(socket, place, kShowMessage, kAnswerMilliseconds)) return true;
   }
   return false;
+}
+
+std::optional<CommandAnswer> SingleInstance::Ask(const std::string& command) const {
+  for (const std::string& place : places_) {
+    QLocalSocket socket;
+    const QByteArray message = QByteArray::fromStdString(command + "\n");
+    if (!Send(socket, place, message, kBusyMilliseconds)) continue;
+    QByteArray answer = socket.readAll();
+    while (answer.size() <= kLongestAnswer && socket.waitForReadyRead(kLongestRunMilliseconds)) {
+      answer += socket.readAll();
+    }
+    answer.truncate(kLongestAnswer);
+    for (const QByteArray result : {kDone, kFailed}) {
+      if (!answer.startsWith(result)) continue;
+      return CommandAnswer{result == kDone, answer.mid(result.size()).toStdString()};
+    }
+    return CommandAnswer{false, socket.state() == QLocalSocket::ConnectedState
+                                    ? "The running program does not answer any more"
+                                    : "The running program has ended without an answer"};
+  }
+  return std::nullopt;
 }
 
 }  // namespace wattlark

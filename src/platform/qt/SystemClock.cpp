@@ -1,9 +1,8 @@
 #include "platform/qt/SystemClock.h"
 
-#include <time.h>
-
 #include <QDateTime>
 #include <chrono>
+#include <ctime>
 
 namespace wattlark {
 

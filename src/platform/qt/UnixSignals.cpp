@@ -1,11 +1,11 @@
 #include "platform/qt/UnixSignals.h"
 
 #include <fcntl.h>
-#include <signal.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <stdexcept>
 
 namespace wattlark {

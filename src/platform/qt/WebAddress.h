@@ -14,7 +14,10 @@ struct WebAddress {
 };
 
 /// Nothing for what is no such address. User name and password are taken as they stand, "@" in
-/// either of them and "/", "?" and "#" in the password included.
+/// either of them included, but for "%25", "%2F", "%3F" and "%23", which stand for "%", "/", "?"
+/// and
+/// "#". The last three are found in a password as they stand too, unless what stands before them
+/// looks like a host and its port.
 std::optional<WebAddress> ParseWebAddress(const std::string& address);
 
 }  // namespace wattlark

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QFontMetrics>
+#include <QLineEdit>
 #include <QWidget>
 #include <algorithm>
 
@@ -14,6 +15,14 @@ inline int ControlHeight(const QWidget& widget) {
   constexpr int kAroundText = 10;
   const int needed = QFontMetrics(widget.font()).height() + kAroundText;
   return std::max(kLeast, (needed + kStep - 1) / kStep * kStep);
+}
+
+/// Makes a box show dots for what is typed. Its text can then be pasted into it, but neither copied
+/// nor dragged out of it, and no input method learns it.
+inline void HidePassword(QLineEdit& box) {
+  box.setEchoMode(QLineEdit::Password);
+  box.setInputMethodHints(Qt::ImhHiddenText | Qt::ImhSensitiveData | Qt::ImhNoPredictiveText |
+                          Qt::ImhNoAutoUppercase);
 }
 
 }  // namespace wattlark

@@ -178,8 +178,9 @@ QIcon TrayIcon(std::string_view key) {
                                  }));
 }
 
+// The window system is handed every size at each start, and 128 pixels are the largest it shows.
 QIcon ApplicationIcon() {
-  return QIcon(new PictureEngine("application", Squares({16, 22, 24, 32, 48, 64, 128, 256}),
+  return QIcon(new PictureEngine("application", Squares({16, 22, 24, 32, 48, 64, 128}),
                                  [](const QSize& pixels, QIcon::Mode, QIcon::State) {
                                    return RenderPicture("wattlark", pixels);
                                  }));

@@ -106,15 +106,28 @@ PromptAnswer QtPrompts::Ask(const PromptMessage& message) {
   return AnswerOf(box.exec(), message.buttons);
 }
 
-std::optional<std::string> QtPrompts::ChooseSaveFile(const std::string& caption) {
-  const QString file = QFileDialog::getSaveFileName(Owner(), QString::fromStdString(caption),
-                                                    QString(), "Text files (*.txt);;All files (*)");
-  if (file.isEmpty()) return std::nullopt;
-  return QFile::encodeName(file).toStdString();
+std::optional<std::string> QtPrompts::ChooseSaveFile(const SaveFileQuestion& question) {
+  QString file = QFile::decodeName(question.file.c_str());
+  for (;;) {
+    file = QFileDialog::getSaveFileName(
+        Owner(), QString::fromStdString(question.caption), file,
+        QString::fromStdString(question.filter), nullptr,
+        question.appends ? QFileDialog::DontConfirmOverwrite : QFileDialog::Options());
+    if (file.isEmpty()) return std::nullopt;
+    const bool isAgreed = !question.appends || QFile::exists(file) ||
+                          Ask({file.toStdString() + "\nThis file does not exist. Create the file?",
+                               question.caption, PromptIcon::Exclamation, PromptButtons::YesNo,
+                               PromptAnswer::Yes}) == PromptAnswer::Yes;
+    if (isAgreed) return QFile::encodeName(file).toStdString();
+  }
 }
 
 bool QtPrompts::SignIn(const std::string& caption, std::string& userName, std::string& password) {
   return signIn && signIn(caption, userName, password, Owner());
+}
+
+UpdateAnswer QtPrompts::OfferUpdate(const UpdateOffer& offer) {
+  return offerUpdate ? offerUpdate(offer, Owner()) : UpdateAnswer::RemindLater;
 }
 
 }  // namespace wattlark

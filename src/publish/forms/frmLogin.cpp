@@ -39,9 +39,7 @@ frmLogin::frmLogin(const std::string& caption, const std::string& userName,
   setWindowTitle(QString::fromStdString(caption));
   txtUserName_ = Field("txtUserName", "User name", userName);
   txtPassword_ = Field("txtPassword", "Password", password);
-  txtPassword_->setEchoMode(QLineEdit::Password);
-  txtPassword_->setInputMethodHints(Qt::ImhHiddenText | Qt::ImhSensitiveData |
-                                    Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase);
+  HidePassword(*txtPassword_);
 
   auto* fields = new QFormLayout;
   fields->setHorizontalSpacing(kGap);

@@ -1,0 +1,68 @@
+#include "platform/qt/SerialDeviceProblem.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <QFileInfo>
+#include <cerrno>
+#include <system_error>
+
+namespace wattlark {
+
+namespace {
+
+std::string OpenProblem(const std::string& path, const std::string& advice,
+                        const QSerialPort& port) {
+  switch (port.error()) {
+    case QSerialPort::DeviceNotFoundError:
+      return MissingDeviceText(path, advice);
+    case QSerialPort::PermissionError:  // access was granted before: someone else has it
+      return "In use: another program has " + path + " open (" + port.errorString().toStdString() +
+             "). End that program";
+    case QSerialPort::UnsupportedOperationError:
+      return "Not a serial device, or it cannot be set to these serial settings: " + path;
+    default:
+      return "Cannot open " + path + ": " + port.errorString().toStdString();
+  }
+}
+
+}  // namespace
+
+std::string MissingDeviceText(const std::string& path, const std::string& advice) {
+  return "No such device: " + (path.empty() ? "no serial device is connected" : path) + ". " +
+         advice;
+}
+
+std::string SerialPathProblem(const std::string& path, const std::string& advice) {
+  if (path.empty()) return MissingDeviceText(path, advice);
+  struct stat file {};
+  if (stat(path.c_str(), &file) != 0) {
+    if (errno == ENOENT || errno == ENOTDIR) return MissingDeviceText(path, advice);
+    return "Cannot look at " + path + ": " + std::generic_category().message(errno);
+  }
+  if (!S_ISCHR(file.st_mode)) return "Not a serial device: " + path;
+  if (faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0 && errno == EACCES) {
+    return "Permission denied: " + path +
+           ". Add your user to the group dialout: sudo usermod -aG dialout $USER, then log in "
+           "again";
+  }
+  return {};
+}
+
+QString CanonicalDevice(const std::string& path) {
+  const QString canonical = QFileInfo(QString::fromStdString(path)).canonicalFilePath();
+  return canonical.isEmpty() ? QString::fromStdString(path) : canonical;
+}
+
+std::string OpenSerialDevice(QSerialPort& port, const std::string& path,
+                             const std::string& advice) {
+  std::string problem = SerialPathProblem(path, advice);
+  if (!problem.empty()) return problem;
+  // The lock that programs share is named after the device: all its names must give the same one.
+  port.setPortName(CanonicalDevice(path));
+  if (!port.open(QIODevice::ReadOnly)) problem = OpenProblem(path, advice, port);
+  return problem;
+}
+
+}  // namespace wattlark

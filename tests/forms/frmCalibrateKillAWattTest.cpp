@@ -1,0 +1,148 @@
+#include <gmock/gmock.h>
+
+#include <QScrollBar>
+#include <QTest>
+
+#include "config/forms/frmCalibrateKillAWatt.h"
+#include "twins/HandClock.h"
+
+namespace wattlark {
+namespace {
+
+struct frmCalibrateKillAWattTest : testing::Test {
+  frmCalibrateKillAWattTest() {
+    meter.SetName("Kitchen");
+    form.SetKillAWatt(meter);
+    form.show();
+    QApplication::setActiveWindow(&form);
+  }
+  /// A second with a frame of the meter in it, or none.
+  void Second(bool isSending = true) {
+    clock.Advance(1000);
+    if (isSending) meter.AddReading(120.06, -0.04, 1510, clock.now, clock.ticks);
+    // The wizard's timer is the test's.
+    QMetaObject::invokeMethod(form.findChild<QTimer*>("tmrUpdate"), "timeout");
+  }
+  template <typename Control = QPushButton>
+  Control& Get(const char* name) {
+    auto* control = form.findChild<Control*>(name);
+    if (control == nullptr) throw std::runtime_error(name);
+    return *control;
+  }
+  QScrollBar& Bar(const char* name) { return Get<QScrollBar>(name); }
+  QString Text(const char* name) { return Get<QLabel>(name).text(); }
+  void Click(const char* name) { Get(name).click(); }
+  bool HasStartingValues() const {
+    return meter.VoltageScaler() == 0.6 && meter.CurrentOffset() == 498 &&
+           meter.CurrentScaler() == 1 / 15.5;
+  }
+  void AdjustEverything() {
+    for (const char* bar : {"scrVoltageScaler", "scrCurrentOffset", "scrCurrentScaler"}) {
+      Bar(bar).setValue(10);
+    }
+  }
+
+  RegionalSettings region = RegionalSettings::UnitedStates();
+  HandClock clock;
+  clsKillAWatt meter;
+  frmCalibrateKillAWatt form{{region, clock}};
+};
+
+TEST_F(frmCalibrateKillAWattTest, ComesAliveWithTheMeterAndKeepsTheFocusOffCancel) {
+  EXPECT_EQ(Text("lblName"), "Kitchen");
+  EXPECT_EQ(form.windowTitle(), "Calibrate Kill-A-Watt - Step 1 of 3");
+  const auto expect = [this](const char* volts, const char* amps, const char* watts, bool enabled) {
+    EXPECT_EQ(Text("lblVolts"), volts);
+    EXPECT_EQ(Text("lblAmps"), amps);
+    EXPECT_EQ(Text("lblWatts"), watts);
+    for (const char* bar : {"scrVoltageScaler", "scrCurrentOffset", "scrCurrentScaler"}) {
+      EXPECT_EQ(Bar(bar).isEnabled(), enabled) << bar;
+    }
+    EXPECT_EQ(Get("cmdNext").isEnabled(), enabled);
+    EXPECT_EQ(Get("cmdBack").isEnabled(), enabled && form.Step() != 1);
+    EXPECT_TRUE(Get("cmdCancel").isEnabled());
+    EXPECT_FALSE(Get("cmdCancel").hasFocus());
+  };
+  expect("--- Volts", "--- Amps", "--- Watts", false);
+  EXPECT_TRUE(Get<QTimer>("tmrUpdate").isActive());
+  EXPECT_EQ(Get<QTimer>("tmrUpdate").interval(), 1000);
+  Second();
+  expect("120.1 Volts", "0.0 Amps", "1,510.0 Watts", true);
+  EXPECT_TRUE(Bar("scrVoltageScaler").hasFocus());
+  Click("cmdNext");
+  expect("120.1 Volts", "0.0 Amps", "1,510.0 Watts", true);
+  Get("cmdBack").setFocus();
+  for (int i = 0; i < 5; ++i) Second(false);
+  expect("--- Volts", "--- Amps", "--- Watts", false);
+  Second();
+  expect("120.1 Volts", "0.0 Amps", "1,510.0 Watts", true);
+  EXPECT_TRUE(Get("cmdBack").hasFocus());
+}
+
+TEST_F(frmCalibrateKillAWattTest, GoesThroughTheStepsWithTheKeyboard) {
+  Second();
+  for (int i = 0; i < 10; ++i) QTest::keyClick(&Bar("scrVoltageScaler"), Qt::Key_Down);
+  EXPECT_NEAR(meter.VoltageScaler(), 0.54, 1e-15);
+  EXPECT_EQ(Text("lblVoltageScaler"), "0.54 volts/bit");
+  QTest::keyClick(&form, Qt::Key_Return);
+  EXPECT_EQ(form.windowTitle(), "Calibrate Kill-A-Watt - Step 2 of 3");
+  EXPECT_EQ(Get("cmdNext").text(), "Next");
+  ASSERT_TRUE(Bar("scrCurrentOffset").hasFocus());
+  QTest::keyClick(&Bar("scrCurrentOffset"), Qt::Key_Up);
+  EXPECT_EQ(meter.CurrentOffset(), 497);
+  EXPECT_EQ(Text("lblCurrentOffset"), "497 counts");
+  QTest::keyClick(&form, Qt::Key_Return);
+  EXPECT_EQ(form.windowTitle(), "Calibrate Kill-A-Watt - Step 3 of 3");
+  EXPECT_EQ(Get("cmdNext").text(), "Save");
+  ASSERT_TRUE(Bar("scrCurrentScaler").hasFocus());
+  Bar("scrCurrentScaler").setValue(-100);
+  EXPECT_EQ(meter.CurrentScaler(), 1.25 / 15.5);
+  EXPECT_EQ(Text("lblCurrentScaler"), "0.0806451612903226 amps/bit");
+
+  form.SetStep(0);
+  EXPECT_EQ(form.Step(), 1);
+  EXPECT_EQ(Get("cmdNext").text(), "Next");
+  EXPECT_EQ(Bar("scrVoltageScaler").value(), 10) << "a step revisited shows what was set";
+  form.SetStep(5);
+  EXPECT_EQ(form.Step(), 3);
+  QTest::keyClick(&form, Qt::Key_Return);
+  EXPECT_FALSE(form.isVisible());
+  EXPECT_FALSE(form.Cancelled());
+  EXPECT_NEAR(meter.VoltageScaler(), 0.54, 1e-15);
+  EXPECT_EQ(meter.CurrentOffset(), 497);
+  EXPECT_EQ(meter.CurrentScaler(), 1.25 / 15.5);
+}
+
+class frmCalibrateKillAWattCancelTest : public frmCalibrateKillAWattTest,
+                                        public testing::WithParamInterface<int> {};
+
+TEST_P(frmCalibrateKillAWattCancelTest, RestoresTheMeterFromTheButtonAndByEscape) {
+  Second();
+  AdjustEverything();
+  form.SetStep(GetParam());
+  EXPECT_FALSE(HasStartingValues());
+  if (GetParam() == 2) {
+    QTest::keyClick(&form, Qt::Key_Escape);
+  } else {
+    for (int i = 0; i < 5; ++i) Second(false);
+    Click("cmdCancel");
+  }
+  EXPECT_TRUE(HasStartingValues());
+  EXPECT_TRUE(form.Cancelled());
+  EXPECT_FALSE(form.isVisible());
+}
+
+INSTANTIATE_TEST_SUITE_P(Steps, frmCalibrateKillAWattCancelTest, testing::Values(1, 2, 3));
+
+TEST_F(frmCalibrateKillAWattTest, ClosedByItsFrameLeavesWhatWasSet) {
+  Second();
+  AdjustEverything();
+  form.close();
+  EXPECT_FALSE(form.isVisible());
+  EXPECT_FALSE(form.Cancelled());
+  EXPECT_NEAR(meter.VoltageScaler(), 0.54, 1e-15);
+  EXPECT_EQ(meter.CurrentOffset(), 508);
+}
+
+}  // namespace
+}  // namespace wattlark

@@ -1,0 +1,299 @@
+#include <gmock/gmock.h>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QClipboard>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScreen>
+#include <QTest>
+#include <QTimer>
+#include <memory>
+#include <set>
+
+#include "config/forms/frmOptions.h"
+#include "config/modRegistry.h"
+#include "twins/MemoryRegistry.h"
+#include "twins/ScriptedPrompts.h"
+
+namespace wattlark {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+struct frmOptionsTest : testing::Test {
+  frmOptionsTest() {
+    LoadAppSettings(store, text, "/logs/wattlark.csv", settings);
+    settings.PortNum = 5;
+    settings.ServiceState = 4;
+    settings.Mils = 0.2;
+    settings.GooglePassword = "geheim";
+    settings.TwitterPassword = "secret";
+  }
+
+  void Open() {
+    const auto list = [this] { return connected; };
+    form = std::make_unique<frmOptions>(frmOptions::Context{
+        {settings, registry, text, regional, prompts, &devices, "/opt/wattlark", [] {}},
+        PortDeviceList::Ports{
+            devices, list,
+            [this](const std::string& path) { return path == "/dev/busy" ? "In use" : ""; }},
+        [] {}});
+    form->show();
+    QApplication::setActiveWindow(form.get());
+  }
+  template <typename Control = QLineEdit>
+  Control& Get(const QString& name) {
+    auto* control = form->findChild<Control*>(name);
+    if (control == nullptr) throw std::runtime_error(name.toStdString());
+    return *control;
+  }
+  QString Note(const QString& field) {
+    const auto& note = Get<QLabel>(field + "Note");
+    EXPECT_EQ(note.text(), Get<QWidget>(field).accessibleDescription());
+    return note.isHidden() ? "" : note.text();
+  }
+  void ShowTab(int index) { Get<QTabWidget>("tabOptions").setCurrentIndex(index); }
+  /// As a user would: by its text.
+  void Choose(const QString& list, const QString& entry) {
+    auto& box = Get<QComboBox>(list);
+    const int index = box.findText(entry);
+    ASSERT_NE(index, -1) << entry.toStdString();
+    box.setCurrentIndex(index);
+    emit box.activated(index);
+  }
+  void Click(const QString& button) { Get<QPushButton>(button).click(); }
+
+  RegionalSettings regional = RegionalSettings::UnitedStates();
+  StoreText text{regional};
+  AppSettings settings;
+  MemoryRegistry registry;
+  modRegistry store{registry};
+  std::vector<SerialDevice> connected{{"/dev/serial/by-id/usb-A", "/dev/ttyUSB0", "FT232R"}};
+  PortDevices devices{store, [this] { return connected; }};
+  ScriptedPrompts prompts;
+  std::unique_ptr<frmOptions> form;
+};
+
+TEST_F(frmOptionsTest, EveryControlEditsItsSetting) {
+  Open();
+  for (const char* box : {"chkShowAtLaunch", "chkRunAtStartup", "chkAutoUpdate", "chkDemoMode",
+                          "chkLogToCSV", "chkLogToPachube", "chkLogToGoogle", "chkLogToPowerMeter",
+                          "chkLogToTwitter", "chkAlarmsToTwitter"}) {
+    Get<QCheckBox>(box).toggle();
+  }
+  const std::pair<const char*, const char*> choices[] = {{"cboPortNum", "COM11:"},
+                                                         {"cboBaudRate", "115200"},
+                                                         {"cboParity", " E"},
+                                                         {"cboDataBits", " 7"},
+                                                         {"cboStopBits", "1.5"},
+                                                         {"cboServiceState", "WY"},
+                                                         {"cboCSVInterval", "1 minute"},
+                                                         {"cboPachubeInterval", "10 minutes"},
+                                                         {"cboGoogleInterval", "1 hour"},
+                                                         {"cboPowerMeterInterval", "15 minutes"},
+                                                         {"cboTwitterInterval", "6 hours"}};
+  for (const auto& [list, entry] : choices) Choose(list, entry);
+  Get("txtMils").setText("$0.3");
+  Get("txtCO2").setText("1.25");
+  const char* boxes[] = {"txtPachubeFeedURL",  "txtPachubeAPIKey",       "txtGoogleDocName",
+                         "txtGoogleUsername",  "txtGoogleWorksheetName", "txtGooglePassword",
+                         "txtTwitterMessage",  "txtPowerMeterAuthToken", "txtTwitterAlarmMessage",
+                         "txtTwitterUsername", "txtTwitterPassword"};
+  for (const char* box : boxes) Get(box).setText(QString(" ") + box);
+  Click("cmdOK");
+  EXPECT_FALSE(form->isVisible());
+  const AppSettings& s = settings;
+  EXPECT_THAT((std::vector<bool>{s.ShowAtLaunch, s.RunAtStartup, s.AutoUpdate, s.DemoMode,
+                                 s.LogToCSV, s.LogToPachube, s.LogToGoogle, s.LogToPowerMeter,
+                                 s.LogToTwitter, s.AlarmsToTwitter}),
+              ElementsAre(false, true, false, true, false, true, true, true, true, true));
+  EXPECT_THAT((std::vector<int>{s.PortNum, s.ServiceState, s.CSVInterval, s.PachubeInterval,
+                                s.GoogleInterval, s.PowerMeterInterval, s.TwitterInterval}),
+              ElementsAre(11, 50, 60, 600, 3600, 900, 6));
+  EXPECT_EQ(s.BaudRate + s.Parity + s.DataBits + s.StopBits, "115200E71.5");
+  EXPECT_EQ(s.Mils, 0.3);
+  EXPECT_EQ(s.CO2perKWh, 1.25);
+  EXPECT_EQ(s.PachubeFeedURL + s.PachubeAPIKey, " txtPachubeFeedURL txtPachubeAPIKey");
+  EXPECT_EQ(s.GoogleDocName + s.GoogleWorksheetName, " txtGoogleDocName txtGoogleWorksheetName");
+  EXPECT_EQ(s.GoogleUsername + s.GooglePassword, " txtGoogleUsername txtGooglePassword");
+  EXPECT_EQ(s.PowerMeterAuthInfo, " txtPowerMeterAuthToken");
+  EXPECT_EQ(s.TwitterMessage + s.TwitterAlarmMessage, " txtTwitterMessage txtTwitterAlarmMessage");
+  EXPECT_EQ(s.TwitterUsername + s.TwitterPassword, " txtTwitterUsername txtTwitterPassword");
+  Open();
+  EXPECT_EQ(Get<QComboBox>("cboStopBits").currentText(), "1.5");
+  EXPECT_EQ(Get("txtMils").text(), "$0.3000");
+}
+
+TEST_F(frmOptionsTest, AStateFillsTheElectricityFieldsOnceItIsChosen) {
+  Open();
+  EXPECT_EQ(Get<QComboBox>("cboServiceState").currentText(), "CA");
+  EXPECT_EQ(Get("txtMils").text(), "$0.2000");
+  Choose("cboServiceState", "CA");
+  EXPECT_EQ(Get("txtMils").text(), "$0.7000");
+  EXPECT_EQ(Get("txtCO2").text(), "0.1251");
+  Click("cmdCancel");
+  EXPECT_EQ(settings.Mils, 0.2);
+  EXPECT_FALSE(store.AppSectionExists("", "Settings"));
+}
+
+TEST_F(frmOptionsTest, PointsOutWhatIsNotTaken) {
+  settings.CSVInterval = 120;
+  Open();
+  EXPECT_EQ(Note("cboCSVInterval"), "The present setting is not in this list: choose an entry.");
+  Choose("cboCSVInterval", "1 hour");
+  EXPECT_EQ(Note("cboCSVInterval"), "");
+  Get("txtMils").setText("cheap");
+  EXPECT_EQ(Note("txtMils"), "This is no number: $0.2000 stays.");
+  Get("txtTwitterMessage").clear();
+  EXPECT_NE(Note("txtTwitterMessage"), "");
+  Click("cmdOK");
+  EXPECT_FALSE(form->isVisible());
+  EXPECT_THAT(prompts.asked, IsEmpty());
+}
+
+TEST_F(frmOptionsTest, TheDeviceOfEachPortIsChosen) {
+  Open();
+  auto& list = Get<QComboBox>("cboPortDevice");
+  EXPECT_EQ(list.currentText(), "/dev/serial/by-id/usb-A");
+  EXPECT_EQ(list.itemText(0), QString("FT232R \u2013 /dev/serial/by-id/usb-A"));
+  list.setEditText("busy");
+  EXPECT_NE(Note("cboPortDevice"), "");
+  Choose("cboPortNum", "COM1:");
+  EXPECT_EQ(list.currentText(), "/dev/ttyS0");
+  EXPECT_EQ(Note("cboPortDevice"), "");
+  list.setFocus();
+  list.lineEdit()->setText("/dev/busy");
+  QTest::keyClick(&list, Qt::Key_Tab);
+  EXPECT_EQ(Note("cboPortDevice"), "In use");
+  connected.push_back({"", "/dev/ttyACM0", ""});
+  list.showPopup();
+  EXPECT_EQ(list.count(), 2);
+  EXPECT_EQ(list.currentText(), "/dev/busy");
+  list.hidePopup();
+  Choose("cboPortDevice", QString("FT232R \u2013 /dev/serial/by-id/usb-A"));
+  EXPECT_EQ(list.currentText(), "/dev/serial/by-id/usb-A");
+  Click("cmdOK");
+  EXPECT_EQ(devices.Path(1), "/dev/serial/by-id/usb-A");
+  EXPECT_EQ(store.GetAppSetting("", "PortDevices", "COM5", "none"), "none") << "no path";
+}
+
+TEST_F(frmOptionsTest, TheButtonChoosesTheCSVFile) {
+  settings.CSVFilename = "/logs/" + std::string(60, 'x') + "/wattlark.csv";
+  Open();
+  EXPECT_EQ(Get("txtCSVFilename").text(), "/logs/.../wattlark.csv");
+  Click("cmdSetCSVFilename");
+  ASSERT_EQ(prompts.choosers.size(), 1u);
+  EXPECT_EQ(prompts.choosers[0].caption, "Save Log File");
+  EXPECT_EQ(prompts.choosers[0].filter, "CSV (Comma Separated Value) File (*.csv)");
+  EXPECT_EQ(prompts.choosers[0].file, settings.CSVFilename);
+  EXPECT_TRUE(prompts.choosers[0].appends);
+  EXPECT_EQ(Get("txtCSVFilename").text(), "/logs/.../wattlark.csv") << "cancelled";
+  prompts.chosenFile = "/logs/new.csv";
+  Click("cmdSetCSVFilename");
+  EXPECT_EQ(Get("txtCSVFilename").text(), "/logs/new.csv");
+  EXPECT_NE(settings.CSVFilename, "/logs/new.csv");
+  Click("cmdOK");
+  EXPECT_EQ(settings.CSVFilename, "/logs/new.csv");
+  EXPECT_TRUE(settings.CSVFileChanged);
+}
+
+TEST_F(frmOptionsTest, TextsThatNobodyTouchesKeepTheirBytes) {
+  settings.TwitterMessage = "a\xFF\nb";
+  Open();
+  Click("cmdOK");
+  EXPECT_EQ(settings.TwitterMessage, "a\xFF\nb");
+}
+
+TEST_F(frmOptionsTest, PasswordsAreNeverGivenAway) {
+  Open();
+  QApplication::clipboard()->setText("before");
+  const std::pair<int, const char*> passwords[] = {{3, "txtGooglePassword"},
+                                                   {5, "txtTwitterPassword"}};
+  for (const auto& [tab, name] : passwords) {
+    ShowTab(tab);
+    QLineEdit& box = Get(name);
+    EXPECT_FALSE(box.displayText().contains(box.text().left(1))) << name;
+    box.setFocus();
+    for (const auto key : {Qt::Key_A, Qt::Key_C, Qt::Key_X}) {
+      QTest::keyClick(&box, key, Qt::ControlModifier);
+    }
+    EXPECT_EQ(QApplication::clipboard()->text(), "before") << name;
+  }
+}
+
+TEST_F(frmOptionsTest, TabGoesThroughEveryControlInOrder) {
+  Open();
+  const std::vector<std::vector<std::string>> orders = {
+      {"chkShowAtLaunch", "chkRunAtStartup", "chkAutoUpdate", "chkDemoMode", "cboPortNum",
+       "cboPortDevice", "cboBaudRate", "cboParity", "cboDataBits", "cboStopBits", "cboServiceState",
+       "txtMils", "txtCO2"},
+      {"chkLogToCSV", "cboCSVInterval", "txtCSVFilename", "cmdSetCSVFilename"},
+      {"chkLogToPachube", "cboPachubeInterval", "txtPachubeFeedURL", "txtPachubeAPIKey"},
+      {"chkLogToGoogle", "cboGoogleInterval", "txtGoogleDocName", "txtGoogleWorksheetName",
+       "txtGoogleUsername", "txtGooglePassword"},
+      {"chkLogToPowerMeter", "cboPowerMeterInterval", "txtPowerMeterAuthToken",
+       "cmdTestPowerMeter"},
+      {"chkLogToTwitter", "cboTwitterInterval", "txtTwitterMessage", "chkAlarmsToTwitter",
+       "txtTwitterAlarmMessage", "txtTwitterUsername", "txtTwitterPassword"}};
+  for (std::size_t tab = 0; tab < orders.size(); ++tab) {
+    ShowTab(static_cast<int>(tab));
+    Get<QWidget>(QString::fromStdString(orders[tab][0])).setFocus();
+    std::vector<std::string> order;
+    for (std::size_t i = 0; i < orders[tab].size() + 2; ++i) {
+      order.push_back(form->focusWidget()->objectName().toStdString());
+      QTest::keyClick(form->focusWidget(), Qt::Key_Tab);
+    }
+    std::vector<std::string> expected = orders[tab];
+    expected.insert(expected.end(), {"cmdOK", "cmdCancel"});
+    EXPECT_EQ(order, expected);
+  }
+}
+
+bool IsPartOfList(const QWidget& control) {
+  const QWidget* above = control.parentWidget();
+  while (above != nullptr && qobject_cast<const QComboBox*>(above) == nullptr) {
+    above = above->parentWidget();
+  }
+  return above != nullptr;
+}
+
+TEST_F(frmOptionsTest, EveryControlHasANameAndAKeyOfItsOwn) {
+  Open();
+  auto& tabs = Get<QTabWidget>("tabOptions");
+  for (int tab = 0; tab < tabs.count(); ++tab) {
+    std::set<QKeySequence> keys;
+    for (const QWidget* control : tabs.widget(tab)->findChildren<QWidget*>()) {
+      const auto* label = qobject_cast<const QLabel*>(control);
+      const auto* button = qobject_cast<const QAbstractButton*>(control);
+      if (label != nullptr && label->buddy() == nullptr) continue;
+      const QString caption = label != nullptr    ? label->text()
+                              : button != nullptr ? button->text()
+                                                  : QString();
+      if (!caption.isEmpty()) {
+        EXPECT_TRUE(keys.insert(QKeySequence::mnemonic(caption)).second) << caption.toStdString();
+      }
+      if (control->focusPolicy() == Qt::NoFocus || IsPartOfList(*control)) continue;
+      EXPECT_FALSE(control->accessibleName().isEmpty()) << control->objectName().toStdString();
+      EXPECT_GE(control->minimumHeight(), 26) << control->objectName().toStdString();
+    }
+    EXPECT_FALSE(keys.contains(QKeySequence())) << tab;
+  }
+}
+
+TEST_F(frmOptionsTest, StaysOnTheScreenWithALargeFont) {
+  const QFont before = QApplication::font();
+  QFont large = before;
+  large.setPointSize(40);
+  QApplication::setFont(large);
+  Open();
+  EXPECT_LE(form->width(), form->screen()->availableGeometry().width());
+  EXPECT_LE(form->height(), form->screen()->availableGeometry().height());
+  EXPECT_LE(Get<QPushButton>("cmdOK").geometry().bottom(), form->height());
+  QApplication::setFont(before);
+}
+
+}  // namespace
+}  // namespace wattlark

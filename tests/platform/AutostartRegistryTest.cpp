@@ -1,0 +1,105 @@
+#include <gmock/gmock.h>
+
+#include <QByteArray>
+#include <filesystem>
+
+#include "TemporaryFolder.h"
+#include "config/modRegistry.h"
+#include "platform/xdg/AutostartRegistry.h"
+#include "twins/MemoryRegistry.h"
+
+namespace wattlark {
+namespace {
+
+using testing::HasSubstr;
+
+struct AutostartRegistryTest : testing::Test {
+  TemporaryFolder folder;
+  std::string entry = folder.File("new/autostart/wattlark.desktop");
+  MemoryRegistry inner;
+  AutostartRegistry registry{inner, folder.File("new/autostart")};
+  modRegistry store{registry};
+
+  bool Set(const std::string& command) {
+    return store.SetStringValue(Hive::LocalMachine, RunAtLogOnKey, "Wattlark", command);
+  }
+  bool Delete() { return store.DeleteValue(Hive::LocalMachine, RunAtLogOnKey, "Wattlark"); }
+  bool IsThere() const { return std::filesystem::exists(entry); }
+};
+
+TEST_F(AutostartRegistryTest, TheRunValueIsAnAutostartEntry) {
+  ASSERT_TRUE(Set("\"/opt/Watt lark/wattlark\""));
+  EXPECT_EQ(FileBytes(entry),
+            "[Desktop Entry]\nType=Application\nName=Wattlark\n"
+            "Exec=\"/opt/Watt lark/wattlark\"\nIcon=wattlark\nTerminal=false\n");
+  RegistryValue value;
+  ASSERT_TRUE(inner.Read(Hive::LocalMachine, RunAtLogOnKey, "Wattlark"));
+  EXPECT_TRUE(Delete());
+  EXPECT_FALSE(IsThere());
+  EXPECT_FALSE(Delete());
+  // An entry that another profile made goes too.
+  WriteFile(entry, "");
+  EXPECT_TRUE(Delete());
+  EXPECT_FALSE(IsThere());
+}
+
+TEST_F(AutostartRegistryTest, OtherValuesAreOnlyStored) {
+  store.SaveAppSetting("", "Settings", "Wattlark", "x");
+  store.SetStringValue(Hive::CurrentUser, RunAtLogOnKey, "Wattlark", "x");
+  EXPECT_TRUE(inner.KeyExists(Hive::CurrentUser, RunAtLogOnKey));
+  EXPECT_FALSE(store.SetStringValue(Hive::LocalMachine, RunAtLogOnKey, "../x", "x"));
+  EXPECT_FALSE(std::filesystem::exists(folder.File("new")));
+}
+
+TEST_F(AutostartRegistryTest, FollowsTheTransaction) {
+  ASSERT_TRUE(registry.Begin());
+  Set("\"/a\"");
+  EXPECT_FALSE(IsThere());
+  registry.Rollback();
+  EXPECT_FALSE(IsThere());
+  registry.Begin();
+  Set("\"/a\"");
+  EXPECT_TRUE(registry.Commit());
+  EXPECT_TRUE(IsThere());
+  registry.Begin();
+  inner.failsCommit = true;
+  Delete();
+  EXPECT_FALSE(registry.Commit());
+  EXPECT_TRUE(IsThere());
+}
+
+TEST_F(AutostartRegistryTest, AnEntryThatCannotBeWrittenFailsNothingElse) {
+  WriteFile(folder.File("new"), "a file in the way");
+  EXPECT_FALSE(Set("\"/a\""));
+  registry.Begin();
+  Set("\"/a\"");
+  store.SaveAppSetting("", "Settings", "PortNum", "4");
+  EXPECT_TRUE(registry.Commit());
+  EXPECT_EQ(store.GetAppSetting("", "Settings", "PortNum", ""), "4");
+}
+
+TEST(AutostartEntry, QuotesTheProgram) {
+  const auto exec = [](const std::string& command) {
+    const std::string text = AutostartEntry("Wattlark", command);
+    const std::size_t start = text.find("Exec=") + 5;
+    return text.substr(start, text.find('\n', start) - start);
+  };
+  EXPECT_EQ(exec("/usr/bin/wattlark"), R"("/usr/bin/wattlark")");
+  EXPECT_EQ(exec(R"("/50%/a")"), R"("/50%%/a")");
+  EXPECT_EQ(exec(R"("/$a/`b`/"c")"), R"("/\\$a/\\`b\\`/\\"c")");
+  EXPECT_EQ(exec(R"("/a\b")"), R"("/a\\\\b")");
+  EXPECT_EQ(exec("\"/a\nExec=evil\""), R"("/a\nExec=evil")");
+}
+
+TEST(AutostartFolder, IsInTheUsersConfiguration) {
+  const QByteArray before = qgetenv("XDG_CONFIG_HOME");
+  const std::string home = qgetenv("HOME").toStdString();
+  qputenv("XDG_CONFIG_HOME", "/some/where");
+  EXPECT_EQ(AutostartFolder(), "/some/where/autostart");
+  qputenv("XDG_CONFIG_HOME", "relative");
+  EXPECT_EQ(AutostartFolder(), home + "/.config/autostart");
+  qputenv("XDG_CONFIG_HOME", before);
+}
+
+}  // namespace
+}  // namespace wattlark
