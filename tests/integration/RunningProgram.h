@@ -1,13 +1,13 @@
 #pragma once
 
 #include <fcntl.h>
-#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <functional>
 #include <stdexcept>
 #include <string>
@@ -69,6 +69,7 @@ class RunningProgram {
     output_ = -1;
   }
 
+  pid_t Process() const { return process_; }
   void Signal(int signal) const { ::kill(process_, signal); }
   bool IsRunning() { return process_ > 0 && !Reap(WNOHANG); }
   /// The exit status; 128 and the signal when one ended the program, -1 when it does not end.

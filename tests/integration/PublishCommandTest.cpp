@@ -1,0 +1,251 @@
+#include <gmock/gmock.h>
+
+#include <QDateTime>
+#include <chrono>
+#include <ctime>
+
+#include "integration/HeadlessRun.h"
+#include "services/Services.h"
+
+namespace wattlark {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+/// A program over a profile that publishes to the test's own services.
+struct PublishCommand : HeadlessRun {
+  // The offset of this zone is not that of the machine that tests, and always the same.
+  PublishCommand() {
+    ::setenv("TZ", "Asia/Kolkata", 1);
+    ::tzset();
+  }
+  ~PublishCommand() override {
+    ::unsetenv("TZ");
+    ::tzset();
+  }
+
+  void Set(const std::string& name, const std::string& value) const {
+    RunningProgram set(Command({"setting", "set", name, value}));
+    ASSERT_EQ(set.Wait(), 0) << set.Messages();
+  }
+  void PointTo(const Services& services) const {
+    Set("ServiceEndpoints/ClientLoginURL", services.URL(Services::SignInPath));
+    Set("ServiceEndpoints/SpreadsheetsFeedURL", services.URL(Services::SpreadsheetsPath));
+    Set("ServiceEndpoints/TwitterUpdateURL", services.URL(Services::UpdatePath));
+    Set("ServiceEndpoints/PowerMeterFeedsURL", services.URL(Services::MeasurementsPath));
+    Set("PachubeFeedURL", services.URL(Services::FeedPath));
+    Set("PachubeAPIKey", Services::FeedKey);
+    Set("PowerMeterAuthInfo",
+        std::string("token=") + Services::DeviceToken + "&path=" + Services::DevicePath);
+    for (const std::string service : {"Google", "Twitter"}) {
+      Set(service + "Username", Services::UserName);
+      Set(service + "Password", Services::Password);
+    }
+    Set("LogToCSV", "False");
+    Set("CSVFilename", folder.File("log.csv"));
+  }
+  /// Readings of the last quarter of an hour, as if the program had run.
+  void HaveHistory() const {
+    const std::string history = folder.File("history");
+    std::string lines;
+    QDateTime time = QDateTime::currentDateTime().addSecs(-900);
+    for (int second = 0; second < 900; second += 5, time = time.addSecs(5)) {
+      const std::string start =
+          time.toString("yyyy-MM-ddTHH:mm:ss ").toStdString() + std::to_string(second * 1000);
+      lines += start + " rx " + BurstText(5) + "\n" + start + " tick\n";
+    }
+    WriteFile(history, lines);
+    RunningProgram replay(Command({"replay", "--save", history}));
+    ASSERT_EQ(replay.Wait(), 0) << replay.Messages();
+  }
+  void WaitForReading(RunningProgram& program) {
+    SendBurst();
+    ASSERT_TRUE(WaitUntil([&] { return !program.Output().empty(); })) << program.Messages();
+  }
+  struct Result {
+    int status;
+    std::string output;
+    std::string messages;
+  };
+  Result Publish(const std::string& destination) const {
+    RunningProgram command(Command({"publish", destination}));
+    const int status = command.Wait();
+    return {status, command.Output(), command.Messages()};
+  }
+};
+
+class PublishingProgram : public PublishCommand, public testing::WithParamInterface<const char*> {
+ protected:
+  std::vector<std::string> ProgramCommand() const {
+    std::vector<std::string> command = RunCommand();
+    command[0] = GetParam();
+    return command;
+  }
+};
+
+TEST_P(PublishingProgram, PublishesToEachDestination) {
+  const Services services;
+  AddKitchen();
+  PointTo(services);
+  HaveHistory();
+  RunningProgram program(ProgramCommand());
+  ASSERT_TRUE(WaitUntil([&] { return FileBytes(capture).find(" tick") != std::string::npos; }))
+      << program.Messages();
+  SendBurst();
+  struct Case {
+    const char* destination;
+    const char* output;
+  };
+  const Case cases[] = {{"csv", "CSV file: Updated "},
+                        {"pachube", "Pachube: Updated "},
+                        {"google", "Google Docs: Updated "},
+                        {"powermeter", "Google PowerMeter: Updated "},
+                        {"twitter", "Twitter: Status updated "}};
+  for (const Case& c : cases) {
+    const Result result = Publish(c.destination);
+    EXPECT_EQ(result.status, 0) << c.destination << ": " << result.messages << program.Messages();
+    EXPECT_THAT(result.output, StartsWith(c.output));
+    EXPECT_THAT(result.messages, IsEmpty());
+  }
+  EXPECT_THAT(FileBytes(folder.File("log.csv")), StartsWith("Timestamp, Kitchen\r\n"));
+  std::string body;
+  for (const ServiceRequest& request : services.Requests()) {
+    EXPECT_EQ(request.problem, "") << request.target;
+    if (request.target.find("durMeasurement") != std::string::npos) body = request.body;
+  }
+  // The time sent is UTC, whatever the zone.
+  const std::size_t end = body.find("</meter:endTime>");
+  ASSERT_NE(end, std::string::npos) << body;
+  const auto sent = QDateTime::fromString(QString::fromStdString(body.substr(end - 24, 24)),
+                                          "yyyy-MM-ddTHH:mm:ss.zzzZ");
+  const QDateTime now = QDateTime::currentDateTimeUtc();
+  EXPECT_LT(std::abs(QDateTime(sent.date(), sent.time(), Qt::UTC).secsTo(now)), 60) << body;
+  EXPECT_EQ(program.End(SIGTERM), 0) << program.Messages();
+}
+
+TEST_P(PublishingProgram, EndsAtOnceWhenItIsToldToWhileAServerStalls) {
+  Services services;
+  services.Behave(Behaviour::Stalled);
+  AddKitchen();
+  PointTo(services);
+  RunningProgram program(ProgramCommand());
+  ASSERT_TRUE(WaitUntil([&] { return Publish("csv").status == 0; }));
+  RunningProgram command(Command({"publish", "pachube"}));
+  ASSERT_TRUE(WaitUntil([&] { return !services.Requests().empty(); }));
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(program.End(SIGTERM), 0);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+  EXPECT_EQ(command.Wait(), 1);
+  EXPECT_THAT(command.Messages(), Not(IsEmpty()));
+}
+
+INSTANTIATE_TEST_SUITE_P(Both, PublishingProgram,
+                         testing::Values(WATTLARK_HEADLESS_PROGRAM, WATTLARK_PROGRAM),
+                         [](const auto& test) { return test.index == 0 ? "Headless" : "Window"; });
+
+TEST_F(PublishCommand, SaysWhyNothingWasPublished) {
+  Result result = Publish("pachube");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.messages, "No program that runs with the profile \"" + profile +
+                                 "\" answers. Start one first.\n");
+  AddKitchen();
+  RunningProgram program(RunCommand());
+  WaitForReading(program);
+  result = Publish("twitter");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.messages, HasSubstr("user name or password is missing"));
+  EXPECT_EQ(Publish("powermeter").messages,
+            "Wattlark: Invalid Google PowerMeter authentication info\n");
+  EXPECT_EQ(Publish("fax").status, 2);
+  Unplug();
+  ASSERT_TRUE(WaitUntil([&] { return !program.Messages().empty(); }));
+  EXPECT_EQ(Publish("csv").messages, "Unable to communicate on COM3\n");
+  EXPECT_EQ(program.End(SIGTERM), 0);
+}
+
+TEST_F(PublishCommand, RefusesACertificateThatNobodySigned) {
+  const Certificate certificate(folder.Path());
+  const Services services(&certificate);
+  AddKitchen();
+  PointTo(services);
+  HaveHistory();
+  RunningProgram program(RunCommand());
+  WaitForReading(program);
+  EXPECT_EQ(Publish("pachube").messages, "Pachube: Error Returned >> \n");
+  EXPECT_EQ(Publish("google").messages, "Google: Invalid response >> \n");
+  EXPECT_EQ(Publish("powermeter").messages, "Google: Error Returned - \n");
+  EXPECT_EQ(Publish("twitter").messages, "Twitter: Invalid or no response\n");
+  EXPECT_THAT(services.Requests(), IsEmpty());
+  EXPECT_EQ(program.End(SIGTERM), 0);
+}
+
+TEST_F(PublishCommand, KeepsSecretsToItself) {
+  Services services;
+  services.Behave(Behaviour::Echo);
+  AddKitchen();
+  PointTo(services);
+  HaveHistory();
+  RunningProgram program(RunCommand());
+  WaitForReading(program);
+  std::string shown;
+  for (const char* destination : {"pachube", "google", "powermeter", "twitter"}) {
+    const Result result = Publish(destination);
+    EXPECT_EQ(result.status, 1) << destination;
+    shown += result.messages;
+  }
+  // The sign-in succeeds, and then the row is refused in words that hold its token.
+  services.Behave(Behaviour::Echo, Services::RowsPath);
+  shown += Publish("google").messages;
+  EXPECT_THAT(shown, HasSubstr("<gsx:timestamp"));
+  shown += program.Messages() + program.Output() + FileBytes(capture);
+  for (const char* file : {"/cmdline", "/environ", "/comm", "/status"}) {
+    shown += FileBytes("/proc/" + std::to_string(program.Process()) + file);
+  }
+  const QByteArray credentials = QByteArray(Services::UserName) + ":" + Services::Password;
+  for (const std::string& secret :
+       {std::string(Services::Password), std::string(Services::FeedKey),
+        std::string(Services::DeviceToken), std::string(Services::SessionToken),
+        credentials.toBase64().toStdString()}) {
+    EXPECT_THAT(shown, Not(HasSubstr(secret)));
+  }
+  EXPECT_EQ(program.End(SIGTERM), 0);
+}
+
+TEST_F(PublishCommand, AnAlarmIsTweetedAndTheBytesThatComeMeanwhileAreRead) {
+  Services services;
+  services.Behave(Behaviour::Stalled);
+  AddKitchen({"--alarm", "on", "--alarm-upper", "10", "--alarm-duration", "0"});
+  PointTo(services);
+  Set("AlarmsToTwitter", "True");
+  Set("TwitterAlarmMessage", "%N!");
+  RunningProgram program(RunCommand());
+  WaitForReading(program);
+  // The time above the limit counts in whole seconds.
+  auto last = std::chrono::steady_clock::now();
+  ASSERT_TRUE(WaitUntil([&] {
+    if (std::chrono::steady_clock::now() - last > std::chrono::milliseconds(1100)) {
+      receiver->Write(Burst(5));
+      last = std::chrono::steady_clock::now();
+    }
+    return !services.Requests().empty();
+  }));
+  const std::size_t read = FileBytes(capture).size();
+  receiver->Write(Burst(6));
+  receiver->Write(Burst(5));
+  // The program answers while it waits; the readings stay in the port.
+  EXPECT_EQ(Publish("csv").status, 0);
+  EXPECT_EQ(FileBytes(capture).size(), read);
+  services.Behave(Behaviour::Right);
+  // Once ticks go on, what waits is read with what comes next.
+  ASSERT_TRUE(WaitUntil([&] { return FileBytes(capture).size() > read; }));
+  SendBurst();
+  EXPECT_THAT(FileBytes(capture), HasSubstr(BurstText(6) + BurstText(5)));
+  EXPECT_EQ(services.Requests()[0].body, "status=Kitchen!");
+  EXPECT_EQ(program.End(SIGTERM), 0) << program.Messages();
+}
+
+}  // namespace
+}  // namespace wattlark
