@@ -61,6 +61,15 @@ bool IsElementName(std::string_view text) {
   return true;
 }
 
+/// The Latin capitals of Vietnamese, Romanian, Welsh and others, which folding for comparisons
+/// leaves alone because stores hold folded names. Each stands right before its small letter.
+bool IsRareCapital(char32_t c) {
+  const auto between = [c](char32_t first, char32_t last) { return c >= first && c <= last; };
+  if (between(0x1CD, 0x1DC)) return c % 2 == 1;
+  return c % 2 == 0 && (between(0x1DE, 0x1EF) || between(0x1F8, 0x21F) || between(0x222, 0x233) ||
+                        between(0x1E00, 0x1E95) || between(0x1EA0, 0x1EFF));
+}
+
 /// Lower case that keeps the final sigma, which folding for comparisons does not.
 std::string LowerCase(std::string_view text) {
   constexpr std::string_view kFinalSigma = "ς";
@@ -68,10 +77,17 @@ std::string LowerCase(std::string_view text) {
   for (;;) {
     const std::size_t sigma = text.find(kFinalSigma);
     lower += FoldCase(text.substr(0, sigma));
-    if (sigma == std::string_view::npos) return lower;
+    if (sigma == std::string_view::npos) break;
     lower += kFinalSigma;
     text.remove_prefix(sigma + kFinalSigma.size());
   }
+  std::string_view rest = lower;
+  while (!rest.empty()) {
+    const char32_t c = TakeCharacter(rest);
+    if (c == 0) break;
+    if (IsRareCapital(c)) ++lower[lower.size() - rest.size() - 1];
+  }
+  return lower;
 }
 
 std::string Element(const std::string& name, const std::string& content) {

@@ -16,6 +16,8 @@ std::string GoogleColumn(std::string_view meterName);
 
 /// The Atom entry of one row: the time stamp and every meter's average demand over `GoogleInterval`
 /// or its last reading, in watts; an empty element without a value. Lines are joined by CR LF.
+/// Meters whose names make the same column each have an element: which of them the sheet keeps is
+/// the service's choice.
 std::string GoogleRow(const AppSettings& settings, const MeterCollection& meters,
                       const RegionalSettings& regional, DateTime timestamp, bool useAverage);
 

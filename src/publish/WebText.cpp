@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <functional>
 
 #include "support/modText.h"
 
@@ -10,7 +11,6 @@ namespace wattlark {
 namespace {
 
 constexpr std::size_t kLongestQuote = 64 * 1024;
-constexpr std::size_t kShortestSecret = 4;
 constexpr std::string_view kMask = "****";
 
 bool IsControl(char c) {
@@ -22,7 +22,7 @@ bool IsContinuation(char c) {
 }
 
 std::string Mask(std::string text, const std::string& secret) {
-  if (secret.size() < kShortestSecret) return text;
+  if (secret.empty()) return text;
   std::string masked;
   std::size_t position = 0;
   for (;;) {
@@ -34,11 +34,41 @@ std::string Mask(std::string text, const std::string& secret) {
   return position == 0 ? text : masked.append(text, position);
 }
 
+std::string PercentEncode(std::string_view text, std::string_view digits, std::string_view blank) {
+  std::string encoded;
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    const bool isPlain = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') ||
+                         (c >= 'a' && c <= 'z') || c == '-' || c == '.' || c == '_' || c == '~';
+    if (isPlain) {
+      encoded += c;
+    } else if (c == ' ') {
+      encoded += blank;
+    } else {
+      encoded.append({'%', digits[byte >> 4], digits[byte & 0xF]});
+    }
+  }
+  return encoded;
+}
+
+/// The longest first: the plain form may be a piece of the others.
+std::string MaskEveryForm(std::string text, const std::string& secret) {
+  std::vector<std::string> forms{secret, EscapeXml(secret)};
+  for (const std::string_view digits : {"0123456789ABCDEF", "0123456789abcdef"}) {
+    for (const std::string_view blank : {"%20", "+"}) {
+      forms.push_back(PercentEncode(secret, digits, blank));
+    }
+  }
+  std::ranges::sort(forms, std::ranges::greater{}, &std::string::size);
+  for (const std::string& form : forms) text = Mask(std::move(text), form);
+  return text;
+}
+
 }  // namespace
 
 std::string QuoteResponse(std::string_view response, const std::vector<std::string>& secrets) {
   std::string quote(response);
-  for (const std::string& secret : secrets) quote = Mask(std::move(quote), secret);
+  for (const std::string& secret : secrets) quote = MaskEveryForm(std::move(quote), secret);
   if (quote.size() > kLongestQuote) {
     std::size_t end = kLongestQuote;
     // A character has at most four bytes; longer runs are no text anyway.

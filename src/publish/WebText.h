@@ -9,8 +9,8 @@
 namespace wattlark {
 
 /// A web server's response as an error message quotes it: up to 64 KiB of it, cut at a whole
-/// character, with control characters other than CR and LF as blanks, and each of the `secrets`
-/// that has four bytes or more as "****".
+/// character, with control characters other than CR and LF as blanks, and each of the `secrets` as
+/// "****", also where a server gives it back escaped for XML or percent-encoded.
 std::string QuoteResponse(std::string_view response, const std::vector<std::string>& secrets = {});
 
 /// The text for the content of an XML element or a quoted attribute value. Control characters that

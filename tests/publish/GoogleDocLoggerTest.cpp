@@ -192,6 +192,8 @@ TEST(GoogleColumn, IsTheNameInLowerCaseWithoutBlanks) {
       {"_x", "_x"},
       {"Küche ÄÖÜ", "kücheäöü"},
       {"ΦΩς", "φως"},
+      {"Încălzire ȘȚ șț", "încălzireșțșț"},
+      {"Nhà BẾP ỸỲ ẞ ǍǛǜ", "nhàbếpỹỳẞǎǜǜ"},
       {"Кухня", "кухня"},
       {"台所", "台所"},
       {"𠀀", "𠀀"},

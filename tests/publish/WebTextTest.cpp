@@ -33,7 +33,9 @@ TEST(QuoteResponse, CutsAboveTheBoundAtAWholeCharacter) {
 
 TEST(QuoteResponse, MasksSecrets) {
   EXPECT_EQ(QuoteResponse("key=secret&again=secret.", {"secret"}), "key=****&again=****.");
-  EXPECT_EQ(QuoteResponse("token and key", {"key", "", "token"}), "**** and key");
+  EXPECT_EQ(QuoteResponse("token and key", {"key", "", "token"}), "**** and ****");
+  EXPECT_EQ(QuoteResponse("a&b é, a&amp;b é, a%26b%20%C3%A9, a%26b+%c3%a9", {"a&b é"}),
+            "****, ****, ****, ****");
   // Also one that the bound would cut in two.
   const std::string filler(65533, 'x');
   EXPECT_EQ(QuoteResponse(filler + "secret", {"secret"}), filler + "***");

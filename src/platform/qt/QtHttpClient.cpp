@@ -1,6 +1,7 @@
 #include "platform/qt/QtHttpClient.h"
 
 #include <QIODevice>
+#include <QNetworkAccessManager>
 #include <QNetworkRequest>
 #include <QSslError>
 #include <algorithm>
@@ -143,11 +144,12 @@ void QtHttpClient::Execute(const std::string& url, const std::string& operation,
 }
 
 void QtHttpClient::Start() {
+  if (!manager_) manager_ = std::make_unique<QNetworkAccessManager>();
   if (operation_ == "GET") {
-    reply_ = manager_.get(outgoing_);
+    reply_ = manager_->get(outgoing_);
   } else {
     auto* body = new BodyForOnce(outgoingBody_);
-    reply_ = operation_ == "PUT" ? manager_.put(outgoing_, body) : manager_.post(outgoing_, body);
+    reply_ = operation_ == "PUT" ? manager_->put(outgoing_, body) : manager_->post(outgoing_, body);
     body->setParent(reply_);
   }
   reply_->setReadBufferSize(kReadAhead);

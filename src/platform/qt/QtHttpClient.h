@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QByteArray>
-#include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
 #include <QObject>
@@ -12,6 +11,8 @@
 #include <string>
 
 #include "platform/HttpClient.h"
+
+class QNetworkAccessManager;
 
 namespace wattlark {
 
@@ -50,7 +51,7 @@ class QtHttpClient final : public QObject, public HttpClient {
   void PostEnd();
   void EndRequest();
 
-  QNetworkAccessManager manager_;
+  std::unique_ptr<QNetworkAccessManager> manager_;  ///< from the first request on
   QTimer timer_;
   QNetworkReply* reply_ = nullptr;
   QNetworkRequest outgoing_;
