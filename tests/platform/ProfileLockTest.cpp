@@ -80,6 +80,22 @@ TEST(ProfileLock, IsNotHandedOnToAProgramThatWasStarted) {
   ::waitpid(child, nullptr, 0);
 }
 
+TEST(ProfileLock, CanBeHadInAFolderThatCanOnlyBeRead) {
+  const TemporaryFolder folder;
+  for (const char* name : {"withoutLock", "withLock"}) {
+    const std::string profile = folder.File(name);
+    std::filesystem::create_directory(profile);
+    if (profile.ends_with("withLock")) WriteFile(profile + "/lock", "");
+    std::filesystem::permissions(profile, std::filesystem::perms(0555));
+    const WithoutRoot user;
+    ProfileLock first(profile);
+    ProfileLock second(profile);
+    EXPECT_TRUE(first.TryAcquire()) << first.Problem();
+    EXPECT_FALSE(second.TryAcquire());
+    EXPECT_EQ(second.Problem(), "");
+  }
+}
+
 TEST(ProfileLock, SaysWhyThereCanBeNone) {
   const TemporaryFolder folder;
   WriteFile(folder.File("file"), "");

@@ -5,8 +5,9 @@
 
 namespace wattlark {
 
-/// Keeps a profile folder for one process: an exclusive lock on its file "lock". The system
-/// releases it however the process ends; the file itself stays.
+/// Keeps a profile folder for one process: an exclusive lock on its file "lock", or on the folder
+/// when that file is missing and cannot be created. The system releases it however the process
+/// ends; the file itself stays.
 class ProfileLock {
  public:
   explicit ProfileLock(std::string profileFolder) : folder_(std::move(profileFolder)) {}

@@ -30,14 +30,15 @@ class KeySnapshot {
     values_.push_back({std::move(name), std::move(value), false});
   }
 
-  /// False when the value has to be read from the file; else `value` is the stored one or nothing
-  /// when there is none.
-  bool Take(Hive hive, const std::string& path, const std::string& name,
-            std::optional<RegistryValue>& value) {
+  /// Whether it is of this key and young enough to be used.
+  bool Covers(Hive hive, const std::string& path) const {
     const auto age = std::chrono::steady_clock::now() - time_;
-    if (!isFilled_ || age > std::chrono::milliseconds(100) || hive != hive_ || path != path_) {
-      return false;
-    }
+    return isFilled_ && age <= std::chrono::milliseconds(100) && hive == hive_ && path == path_;
+  }
+  /// False when the value has to be read from the file; else `value` is the stored one or nothing
+  /// when there is none. Whatever its age: a process may be held up right after it has looked.
+  bool Take(const std::string& name, std::optional<RegistryValue>& value) {
+    if (!isFilled_) return false;
     // Values are mostly read in the order in which they were written.
     for (std::size_t step = 0; step < values_.size(); ++step, ++next_) {
       if (next_ >= values_.size()) next_ = 0;

@@ -6,125 +6,185 @@
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <optional>
 #include <set>
 #include <system_error>
 #include <utility>
 #include <vector>
 
 #include "platform/RegistryPath.h"
-#include "platform/sqlite/SqliteDatabase.h"
+#include "platform/sqlite/LeafPages.h"
+#include "platform/sqlite/SqliteRegistry.h"
+#include "support/modText.h"
 
 namespace wattlark {
 
 namespace {
 
 struct KeyRow {
-  Hive hive;
+  Hive hive = Hive::CurrentUser;
+  std::string folded;
   std::string path;
 };
 
-/// The file's whole pages. SQLite would fill up a page that was cut off with zeros, and the values
-/// on it would come out wrong instead of missing.
-std::vector<unsigned char> WholePages(const std::string& file) {
-  constexpr std::size_t kLargest = std::size_t{1} << 28;
-  std::error_code ignored;
-  std::ifstream stream(file, std::ios::binary);
-  if (!stream || std::filesystem::file_size(file, ignored) > kLargest) return {};
-  std::vector<unsigned char> bytes{std::istreambuf_iterator<char>(stream), {}};
-  if (bytes.size() < 100) return {};
-  const std::size_t stored = (std::size_t{bytes[16]} << 8) + bytes[17];
-  const std::size_t pageSize = stored == 1 ? 65536 : stored;
-  if (pageSize >= 512) bytes.resize(bytes.size() / pageSize * pageSize);
-  return bytes;
+struct ValueRow {
+  std::int64_t key = 0;
+  std::string folded;
+  std::string name;
+  RegistryValue value;
+};
+
+/// What an index says of a value.
+struct ValueEntry {
+  std::int64_t key = 0;
+  std::string folded;
+};
+
+bool HasType(const SqliteStatement& row, int column, int type) {
+  return row.Type(column) == type;
 }
 
-/// Runs `row` for the rows of a query up to the first damaged one. A damaged tree can lead in
-/// circles, so that no more rows are taken than the file has room for.
-template <typename Row>
-void Scan(const SqliteDatabase& database, const char* sql, std::size_t limit, Row row) {
-  SqliteStatement statement(database, sql);
-  for (std::size_t i = 0; i < limit && statement.Step() == SQLITE_ROW; ++i) row(statement);
-}
-
-// A scan ends at the first damaged page. Table and index lie on different pages, and each is walked
-// from both ends, so that one damaged page hides no more than its own rows.
-
-std::map<std::int64_t, KeyRow> ReadKeys(const SqliteDatabase& database, std::size_t limit) {
-  std::map<std::int64_t, KeyRow> keys;
-  for (const char* sql : {
-           "SELECT id, hive, path FROM key NOT INDEXED ORDER BY id",
-           "SELECT id, hive, path FROM key NOT INDEXED ORDER BY id DESC",
-           "SELECT id, hive, folded FROM key INDEXED BY key_path ORDER BY hive, folded",
-           "SELECT id, hive, folded FROM key INDEXED BY key_path ORDER BY hive DESC, folded DESC",
-       }) {
-    Scan(database, sql, limit, [&keys](const SqliteStatement& row) {
-      const std::int64_t hive = row.Integer(1);
-      std::string path = NormalRegistryPath(row.Text(2));
-      if ((hive != 0 && hive != 1) || path.empty()) return;
-      keys.try_emplace(row.Integer(0), KeyRow{static_cast<Hive>(hive), std::move(path)});
+/// The rows and index entries of a store. Most of what a row says of itself stands in the file
+/// three times: folded and as it was written in the row, and folded in an index. Two that agree
+/// outvote a third one that was damaged.
+class StoreContents {
+ public:
+  explicit StoreContents(LeafPages& pages) {
+    pages.Read([this](const SqliteStatement& row) { AddRow(row); },
+               [this](const SqliteStatement& entry) { AddEntry(entry); });
+    for (auto& [id, key] : keys_) {
+      const auto entry = keyEntries_.find(id);
+      if (FoldCase(key.path) == key.folded || entry == keyEntries_.end()) continue;
+      if (FoldCase(key.path) != entry->second) key.path = entry->second;
+    }
+    for (const auto& [id, folded] : keyEntries_) {
+      keys_.try_emplace(id, KeyRow{Hive::CurrentUser, folded, folded});
+    }
+    std::erase_if(keys_, [](const auto& key) {
+      return key.second.path.empty() || NormalRegistryPath(key.second.path) != key.second.path;
     });
   }
-  return keys;
-}
 
-std::set<std::int64_t> ReadValueIds(const SqliteDatabase& database, std::size_t limit) {
-  std::set<std::int64_t> ids;
-  for (const char* sql : {
-           "SELECT id FROM value NOT INDEXED ORDER BY id",
-           "SELECT id FROM value NOT INDEXED ORDER BY id DESC",
-           "SELECT id FROM value INDEXED BY value_name ORDER BY key, folded",
-           "SELECT id FROM value INDEXED BY value_name ORDER BY key DESC, folded DESC",
-       }) {
-    Scan(database, sql, limit, [&ids](const SqliteStatement& row) { ids.insert(row.Integer(0)); });
+  std::size_t RowCount() const { return keys_.size() + values_.size(); }
+
+  Salvage WriteTo(Registry& into) {
+    Salvage salvage;
+    if (keys_.empty()) return salvage;
+    if (!into.Begin()) return {0, 0, into.ErrorText()};
+    for (const auto& [id, key] : keys_) {
+      if (into.CreateKey(key.hive, key.path)) ++salvage.keys;
+    }
+    // Rows that contradict their index come last, so that they take no other row's place.
+    for (const bool contradicted : {false, true}) {
+      for (auto& [id, row] : values_) {
+        if (IsContradicted(id, row) == contradicted && Place(id, row) && Write(row, into)) {
+          ++salvage.values;
+        }
+      }
+    }
+    if (!into.Commit()) return {0, 0, into.ErrorText()};
+    return salvage;
   }
-  return ids;
+
+ private:
+  void AddRow(const SqliteStatement& row) {
+    const std::int64_t id = row.Integer(0);
+    if (!HasType(row, 1, SQLITE_INTEGER)) return;
+    if (HasType(row, 2, SQLITE_TEXT) && HasType(row, 3, SQLITE_TEXT) &&
+        HasType(row, 4, SQLITE_INTEGER) && HasType(row, 5, SQLITE_BLOB)) {
+      const auto type = SqliteRegistry::TypeFromNumber(row.Integer(4));
+      const auto bytes = row.Bytes(5);
+      if (!type) return;
+      values_.try_emplace(
+          id, ValueRow{
+                  row.Integer(1), row.Text(2), row.Text(3), {*type, {bytes.begin(), bytes.end()}}});
+    } else if (HasType(row, 2, SQLITE_INTEGER) && HasType(row, 3, SQLITE_TEXT) &&
+               HasType(row, 4, SQLITE_TEXT) && (row.Integer(1) == 0 || row.Integer(1) == 1)) {
+      keys_.try_emplace(id, KeyRow{static_cast<Hive>(row.Integer(1)), row.Text(3), row.Text(4)});
+    }
+  }
+
+  void AddEntry(const SqliteStatement& entry) {
+    if (!HasType(entry, 0, SQLITE_INTEGER) || !HasType(entry, 1, SQLITE_TEXT) ||
+        !HasType(entry, 2, SQLITE_INTEGER)) {
+      return;
+    }
+    // The first column is the hive of a key, or the key of a value, which is never 0.
+    if (entry.Integer(0) == static_cast<int>(Hive::CurrentUser)) {
+      keyEntries_.try_emplace(entry.Integer(2), entry.Text(1));
+    } else {
+      valueEntries_.try_emplace(entry.Integer(2), ValueEntry{entry.Integer(0), entry.Text(1)});
+    }
+  }
+
+  bool IsContradicted(std::int64_t id, const ValueRow& row) const {
+    if (FoldCase(row.name) != row.folded) return true;
+    const auto entry = valueEntries_.find(id);
+    return entry != valueEntries_.end() &&
+           (entry->second.key != row.key || entry->second.folded != row.folded);
+  }
+
+  /// Gives the row the name and the key that most of the file speaks for; false when there is no
+  /// such key, or another row has that place.
+  bool Place(std::int64_t id, ValueRow& row) {
+    const auto entry = valueEntries_.find(id);
+    const bool hasEntry = entry != valueEntries_.end();
+    if (FoldCase(row.name) != row.folded && hasEntry &&
+        FoldCase(row.name) != entry->second.folded) {
+      row.name = entry->second.folded;
+    }
+    if (Claim(row.key, row.name)) return true;
+    if (!hasEntry || !Claim(entry->second.key, row.name)) return false;
+    row.key = entry->second.key;
+    return true;
+  }
+  bool Claim(std::int64_t key, const std::string& name) {
+    return keys_.contains(key) && claimed_.emplace(key, FoldCase(name)).second;
+  }
+
+  bool Write(const ValueRow& row, Registry& into) const {
+    const KeyRow& key = keys_.at(row.key);
+    return into.Write(key.hive, key.path, row.name, row.value);
+  }
+
+  std::map<std::int64_t, KeyRow> keys_;
+  std::map<std::int64_t, ValueRow> values_;
+  std::map<std::int64_t, std::string> keyEntries_;
+  std::map<std::int64_t, ValueEntry> valueEntries_;
+  std::set<std::pair<std::int64_t, std::string>> claimed_;
+};
+
+std::string ReadFile(const std::string& file) {
+  constexpr std::size_t kLargest = std::size_t{1} << 28;
+  std::error_code error;
+  std::ifstream stream(file, std::ios::binary);
+  if (!stream || std::filesystem::file_size(file, error) > kLargest || error) return {};
+  return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-bool IsType(std::int64_t number) {
-  return (number >= 1 && number <= 5) || number == static_cast<int>(RegistryType::MultiString);
+/// The size that the header names, then the one that a new store has.
+std::vector<std::size_t> PageSizes(const std::string& bytes) {
+  constexpr std::size_t kUsual = 4096;
+  constexpr std::size_t kHeader = 100;
+  if (bytes.size() < kHeader) return {};
+  const auto byte = [&bytes](std::size_t at) { return static_cast<unsigned char>(bytes[at]); };
+  const std::size_t stored = (std::size_t{byte(16)} << 8) + byte(17);
+  const std::size_t size = stored == 1 ? 65536 : stored;
+  if (size < 512 || (size & (size - 1)) != 0 || size == kUsual) return {kUsual};
+  return {size, kUsual};
 }
 
 }  // namespace
 
 Salvage SalvageStore(const std::string& file, Registry& into) {
-  Salvage salvage;
-  std::vector<unsigned char> pages = WholePages(file);
-  const auto size = static_cast<sqlite3_int64>(pages.size());
-  SqliteDatabase database;
-  if (pages.empty() || database.Open(":memory:", SQLITE_OPEN_READWRITE, 0) != SQLITE_OK ||
-      sqlite3_deserialize(database.Handle(), "main", pages.data(), size, size,
-                          SQLITE_DESERIALIZE_READONLY) != SQLITE_OK) {
-    return salvage;
+  const std::string bytes = ReadFile(file);
+  std::optional<StoreContents> best;
+  for (const std::size_t pageSize : PageSizes(bytes)) {
+    LeafPages pages(bytes, pageSize);
+    StoreContents contents(pages);
+    if (!best || contents.RowCount() > best->RowCount()) best = std::move(contents);
   }
-  // Without this a file that is shorter than its header says is refused as a whole.
-  database.Execute("PRAGMA writable_schema = ON");
-
-  const std::size_t limit = pages.size();
-  const std::map<std::int64_t, KeyRow> keys = ReadKeys(database, limit);
-  if (keys.empty() || !into.Begin()) {
-    if (!keys.empty()) salvage.problem = into.ErrorText();
-    return salvage;
-  }
-  for (const auto& [id, key] : keys) {
-    if (into.CreateKey(key.hive, key.path)) ++salvage.keys;
-  }
-  SqliteStatement find(database, "SELECT key, name, type, data FROM value WHERE id = ?1");
-  for (const std::int64_t id : ReadValueIds(database, limit)) {
-    find.Bind(1, id);
-    if (find.Step() == SQLITE_ROW && IsType(find.Integer(2))) {
-      const auto key = keys.find(find.Integer(0));
-      const auto bytes = find.Bytes(3);
-      const RegistryValue value{static_cast<RegistryType>(find.Integer(2)),
-                                {bytes.begin(), bytes.end()}};
-      if (key != keys.end() &&
-          into.Write(key->second.hive, key->second.path, find.Text(1), value)) {
-        ++salvage.values;
-      }
-    }
-    find.Reset();
-  }
-  if (!into.Commit()) return {0, 0, into.ErrorText()};
-  return salvage;
+  return best ? best->WriteTo(into) : Salvage();
 }
 
 }  // namespace wattlark

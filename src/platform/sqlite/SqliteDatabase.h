@@ -45,6 +45,8 @@ class SqliteStatement {
   int Step();
   void Reset();
 
+  /// SQLITE_INTEGER, SQLITE_TEXT, ...: what is stored, before it is asked for as something else.
+  int Type(int column) const { return sqlite3_column_type(statement_.get(), column); }
   std::int64_t Integer(int column) const;
   std::string Text(int column) const;
   std::span<const std::uint8_t> Bytes(int column) const;

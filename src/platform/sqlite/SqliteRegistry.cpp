@@ -30,7 +30,16 @@ constexpr std::int64_t HiveNumber(Hive hive) {
   return static_cast<std::int64_t>(hive);
 }
 
-std::optional<RegistryType> TypeFromNumber(std::int64_t number) {
+std::optional<RegistryValue> ValueAt(const SqliteStatement& row, int typeColumn, int dataColumn) {
+  const std::optional<RegistryType> type = SqliteRegistry::TypeFromNumber(row.Integer(typeColumn));
+  if (!type) return std::nullopt;
+  const auto bytes = row.Bytes(dataColumn);
+  return RegistryValue{*type, {bytes.begin(), bytes.end()}};
+}
+
+}  // namespace
+
+std::optional<RegistryType> SqliteRegistry::TypeFromNumber(std::int64_t number) {
   switch (const auto type = static_cast<RegistryType>(number)) {
     case RegistryType::String:
     case RegistryType::ExpandString:
@@ -43,15 +52,6 @@ std::optional<RegistryType> TypeFromNumber(std::int64_t number) {
   return std::nullopt;
 }
 
-std::optional<RegistryValue> ValueAt(const SqliteStatement& row, int typeColumn, int dataColumn) {
-  const std::optional<RegistryType> type = TypeFromNumber(row.Integer(typeColumn));
-  if (!type) return std::nullopt;
-  const auto bytes = row.Bytes(dataColumn);
-  return RegistryValue{*type, {bytes.begin(), bytes.end()}};
-}
-
-}  // namespace
-
 int SqliteRegistry::CreateTables(SqliteDatabase& database) {
   const int result = database.Execute(kSchema);
   if (result != SQLITE_OK && database.InTransaction()) database.Execute("ROLLBACK");
@@ -63,7 +63,8 @@ int SqliteRegistry::Attach(SqliteDatabase database, const std::string& name,
   // A save of everything should stay in memory until its commit.
   database.Execute("PRAGMA cache_size = -16384");
   database.Execute("PRAGMA synchronous = FULL");
-  database.Execute("PRAGMA secure_delete = FAST");
+  // A password that was changed leaves no trace, and a salvage of the file finds no deleted meter.
+  database.Execute("PRAGMA secure_delete = ON");
   std::unique_ptr<SqliteRegistry> attached(new SqliteRegistry(std::move(database), name));
   const int result = attached->PrepareStatements();
   if (result == SQLITE_OK) registry = std::move(attached);
@@ -236,9 +237,9 @@ std::optional<RegistryValue> SqliteRegistry::Read(Hive hive, const std::string& 
   const std::string& foldedPath = FoldedPath(hive, path);
   std::optional<RegistryValue> value;
   if (!inTransaction_) {
-    if (snapshot_.Take(hive, foldedPath, folded, value)) return value;
+    if (snapshot_.Covers(hive, foldedPath) && snapshot_.Take(folded, value)) return value;
     TakeSnapshot(hive, foldedPath);
-    snapshot_.Take(hive, foldedPath, folded, value);
+    snapshot_.Take(folded, value);
     return value;
   }
   readValue_.Bind(1, HiveNumber(hive)).Bind(2, foldedPath).Bind(3, folded);

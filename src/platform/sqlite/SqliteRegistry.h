@@ -25,6 +25,8 @@ class SqliteRegistry final : public Registry {
   static constexpr std::int64_t kApplicationId = 0x574C4B52;
   static constexpr std::int64_t kSchemaVersion = 1;
 
+  /// The type that is stored as this number; nothing when it is none of them.
+  static std::optional<RegistryType> TypeFromNumber(std::int64_t number);
   /// Creates the tables in a database without any. The result is a SQLite code.
   static int CreateTables(SqliteDatabase& database);
   /// Takes over a connection to a store with its tables; `registry` stays empty unless the result

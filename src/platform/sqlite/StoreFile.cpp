@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "platform/sqlite/SqliteRegistry.h"
+#include "support/modText.h"
 
 namespace wattlark {
 
@@ -16,6 +17,20 @@ bool Query(const SqliteDatabase& database, const char* sql, SqliteStatement& row
   if (result == SQLITE_ROW) return true;
   condition = ConditionFromError(result);
   return false;
+}
+
+/// Whether every name agrees with its folded form: SQLite compares only the folded ones, with its
+/// indexes, and a meter under a wrong name would neither be loaded nor survive the next save.
+bool HasSoundNames(const SqliteDatabase& database) {
+  for (const char* sql : {"SELECT folded, path FROM key", "SELECT folded, name FROM value"}) {
+    SqliteStatement row(database, sql);
+    int result = SQLITE_OK;
+    while ((result = row.Step()) == SQLITE_ROW) {
+      if (FoldCase(row.Text(1)) != row.Text(0)) return false;
+    }
+    if (result != SQLITE_DONE) return false;
+  }
+  return true;
 }
 
 }  // namespace
@@ -37,10 +52,13 @@ StoreCondition ConditionFromError(int result) {
 StoreCondition ExamineStore(const SqliteDatabase& database) {
   StoreCondition condition = StoreCondition::Unreadable;
   SqliteStatement tables;
+  SqliteStatement ownTables;
   SqliteStatement application;
   SqliteStatement version;
   SqliteStatement check;
   if (!Query(database, "SELECT count(*) FROM sqlite_schema", tables, condition) ||
+      !Query(database, "SELECT count(*) FROM sqlite_schema WHERE name IN ('key', 'value_name')",
+             ownTables, condition) ||
       !Query(database, "PRAGMA application_id", application, condition) ||
       !Query(database, "PRAGMA user_version", version, condition)) {
     return condition;
@@ -50,9 +68,9 @@ StoreCondition ExamineStore(const SqliteDatabase& database) {
   if (!Query(database, "PRAGMA integrity_check(1)", check, condition)) return condition;
   if (check.Text(0) != "ok") return StoreCondition::Damaged;
   if (tables.Integer(0) == 0) return StoreCondition::Empty;
-  if (!ours) return StoreCondition::Foreign;
-  return version.Integer(0) == SqliteRegistry::kSchemaVersion ? StoreCondition::Usable
-                                                              : StoreCondition::Damaged;
+  if (!ours && ownTables.Integer(0) != 2) return StoreCondition::Foreign;
+  const bool sound = ours && version.Integer(0) == SqliteRegistry::kSchemaVersion;
+  return sound && HasSoundNames(database) ? StoreCondition::Usable : StoreCondition::Damaged;
 }
 
 std::unique_ptr<Registry> MemoryStore() {
