@@ -10,6 +10,7 @@
 namespace wattlark {
 namespace {
 
+namespace fs = std::filesystem;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
@@ -179,7 +180,7 @@ TEST_F(PublishCommand, RefusesACertificateThatNobodySigned) {
   EXPECT_EQ(Publish("powermeter").messages, "Google: Error Returned - \n");
   EXPECT_EQ(Publish("twitter").messages, "Twitter: Invalid or no response\n");
   EXPECT_THAT(services.Requests(), IsEmpty());
-  EXPECT_EQ(program.End(SIGTERM), 0);
+  EXPECT_EQ(program.End(SIGTERM), 0) << program.Messages();
 }
 
 TEST_F(PublishCommand, KeepsSecretsToItself) {
@@ -200,10 +201,23 @@ TEST_F(PublishCommand, KeepsSecretsToItself) {
   services.Behave(Behaviour::Echo, Services::RowsPath);
   shown += Publish("google").messages;
   EXPECT_THAT(shown, HasSubstr("<gsx:timestamp"));
-  shown += program.Messages() + program.Output() + FileBytes(capture);
+  EXPECT_EQ(Publish("csv").status, 0);
+  shown += program.Messages() + program.Output();
   for (const char* file : {"/cmdline", "/environ", "/comm", "/status"}) {
     shown += FileBytes("/proc/" + std::to_string(program.Process()) + file);
   }
+  std::string store;
+  for (const auto& entry : fs::recursive_directory_iterator(folder.Path())) {
+    if (entry.is_symlink() || !entry.is_regular_file()) continue;
+    const bool isStore = entry.path().filename().string().starts_with("wattlark.db");
+    (isStore ? store : shown) += FileBytes(entry.path());
+  }
+  for (const std::string& file : {profile + "/wattlark.db", capture}) {
+    EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+  }
+  EXPECT_EQ(fs::status(profile).permissions(), fs::perms::owner_all);
+  // It is found where it belongs.
+  EXPECT_THAT(store, HasSubstr(Services::Password));
   const QByteArray credentials = QByteArray(Services::UserName) + ":" + Services::Password;
   for (const std::string& secret :
        {std::string(Services::Password), std::string(Services::FeedKey),
@@ -211,7 +225,7 @@ TEST_F(PublishCommand, KeepsSecretsToItself) {
         credentials.toBase64().toStdString()}) {
     EXPECT_THAT(shown, Not(HasSubstr(secret)));
   }
-  EXPECT_EQ(program.End(SIGTERM), 0);
+  EXPECT_EQ(program.End(SIGTERM), 0) << program.Messages();
 }
 
 TEST_F(PublishCommand, AnAlarmIsTweetedAndTheBytesThatComeMeanwhileAreRead) {
