@@ -1,5 +1,6 @@
 #include "publish/WebRequestRunner.h"
 
+#include <memory>
 #include <stdexcept>
 #include <utility>
 
@@ -65,27 +66,28 @@ WebRequestState WebRequestRunner::ExecuteAndWait(const WebRequest& request) {
     state_.ProgressText = previousText;
     throw;
   }
-  Outcome outcome;
-  outcome.state.Done = false;
-  waiting_ = &outcome;
+  // On the heap: optimising, gcc 12 does not see that a wait ends only once nothing points here.
+  const auto outcome = std::make_unique<Outcome>();
+  outcome->state.Done = false;
+  waiting_ = outcome.get();
   try {
-    while (!outcome.state.Done) {
-      if (!pump_.ProcessEvents() && !outcome.state.Done) throw PublishStopped();
+    while (!outcome->state.Done) {
+      if (!pump_.ProcessEvents() && !outcome->state.Done) throw PublishStopped();
     }
   } catch (...) {
     // An event that ends this request may come while it is cancelled, or never.
-    if (waiting_ == &outcome) {
+    if (waiting_ == outcome.get()) {
       waiting_ = nullptr;
       client_.Cancel();
       state_.Done = true;
     }
     throw;
   }
-  if (outcome.isTooLong) {
+  if (outcome->isTooLong) {
     throw std::runtime_error("The response is longer than " +
                              std::to_string(LongestResponse / (1024 * 1024)) + " MiB");
   }
-  return std::move(outcome.state);
+  return std::move(outcome->state);
 }
 
 void WebRequestRunner::OnState(HttpState state) {
