@@ -145,14 +145,17 @@ std::string ConsoleTable(const ProfileData& profile, const RegionalSettings& reg
   return text;
 }
 
+std::string ConsoleDate(DateTime now) {
+  const std::int64_t milliseconds = now.Milliseconds();
+  return now.PlusMilliseconds(-(((milliseconds % 1000) + 1000) % 1000)).ToIso();
+}
+
 std::string ConsoleLine(const clsKillAWatt& meter, DateTime now) {
   static const RegionalSettings kPlain = RegionalSettings::UnitedStates();
   const auto number = [](double value, int decimals) {
     return FormatNumberAuto(kPlain, value, decimals, "---", false);
   };
-  const std::int64_t milliseconds = now.Milliseconds();
-  const DateTime second = now.PlusMilliseconds(-(((milliseconds % 1000) + 1000) % 1000));
-  const std::string start = second.ToIso() + " " + PrintableText(meter.Name()) + " ";
+  const std::string start = PrintableText(meter.Name()) + " ";
   if (!meter.IsReceiving(now)) return start + "no data";
   const double usage = meter.Statistics().Usage(Today);
   return start + number(meter.ShownWatts(), 1) + " W " + number(meter.ShownVolts(), 1) + " V " +

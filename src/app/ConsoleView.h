@@ -20,9 +20,11 @@ struct ConsoleSize {
 std::string ConsoleTable(const ProfileData& profile, const RegionalSettings& regional,
                          bool isFlowing, DateTime now, ConsoleSize size);
 
-/// One meter in one line, in a form that no regional settings change, without a line end:
-/// "2026-11-16T20:10:01 Kitchen 612.4 W 120.1 V 5.10 A today 3.200 kWh", and
-/// "2026-11-16T20:10:01 Kitchen no data" while it is silent.
+/// The date of a line of readings, whatever the regional settings: "2026-11-16T20:10:01".
+std::string ConsoleDate(DateTime now);
+
+/// One meter in one line, in a form that no regional settings change, without its date and a line
+/// end: "Kitchen 612.4 W 120.1 V 5.10 A today 3.200 kWh", and "Kitchen no data" while it is silent.
 std::string ConsoleLine(const clsKillAWatt& meter, DateTime now);
 
 }  // namespace wattlark

@@ -3,11 +3,13 @@
 #include <limits.h>
 #include <poll.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <string>
 
 namespace wattlark {
 
@@ -15,6 +17,15 @@ bool ConsoleStream::IsTerminal() const {
   if (isatty(descriptor_) == 0) return false;
   const char* terminal = std::getenv("TERM");
   return terminal != nullptr && *terminal != '\0' && std::string_view(terminal) != "dumb";
+}
+
+// The variable names the stream by its device and file: a child of a service inherits it although
+// its output may go elsewhere.
+bool ConsoleStream::IsJournal() const {
+  const char* journal = std::getenv("JOURNAL_STREAM");
+  struct stat file {};
+  return journal != nullptr && fstat(descriptor_, &file) == 0 &&
+         std::to_string(file.st_dev) + ":" + std::to_string(file.st_ino) == journal;
 }
 
 ConsoleSize ConsoleStream::Size() const {

@@ -16,6 +16,8 @@ class ConsoleStream {
 
   /// A terminal that understands cursor movements.
   bool IsTerminal() const;
+  /// The system's journal, which notes the time of every line itself.
+  bool IsJournal() const;
   /// The terminal's present size; the usual one for anything else.
   ConsoleSize Size() const;
   /// False when part of the text was dropped.

@@ -1,5 +1,7 @@
 #include "cli/HeadlessFace.h"
 
+#include <algorithm>
+
 namespace wattlark {
 
 namespace {
@@ -8,8 +10,12 @@ constexpr int kUpdateMilliseconds = 1000;
 
 }  // namespace
 
-HeadlessFace::HeadlessFace(Console& console, const SerialPort& serial, std::string profileFolder)
-    : console_(console), serial_(serial), profileFolder_(std::move(profileFolder)) {
+HeadlessFace::HeadlessFace(Console& console, ServiceReport& service, const SerialPort& serial,
+                           std::string profileFolder)
+    : console_(console),
+      service_(service),
+      serial_(serial),
+      profileFolder_(std::move(profileFolder)) {
   tmrUpdate_.setSingleShot(true);
   tmrUpdate_.setTimerType(Qt::PreciseTimer);
   tmrUpdate_.setInterval(kUpdateMilliseconds);
@@ -21,11 +27,11 @@ void HeadlessFace::Attach(Monitor& monitor) {
 }
 
 void HeadlessFace::OnError(const std::string& text, DateTime moment) {
-  console_.WriteMessage(FormatDateAndTime(monitor_->Regional(), moment) + ": " + text);
+  console_.WriteMessage(FormatDateAndTime(monitor_->Regional(), moment), text);
 }
 
 void HeadlessFace::OnAlarmNotice(const AlarmNotice& notice) {
-  console_.WriteMessage(FormatDateAndTime(monitor_->Regional(), notice.time) + ": " + notice.line);
+  console_.WriteMessage(FormatDateAndTime(monitor_->Regional(), notice.time), notice.line);
 }
 
 void HeadlessFace::OnReading(const clsKillAWatt& meter, DateTime time) {
@@ -35,8 +41,10 @@ void HeadlessFace::OnReading(const clsKillAWatt& meter, DateTime time) {
 void HeadlessFace::OnUpdateTimer(bool enabled) {
   if (enabled) {
     tmrUpdate_.start();
+    service_.OnTickEnds();
   } else {
     tmrUpdate_.stop();
+    service_.OnTickBegins();
   }
 }
 
@@ -44,6 +52,7 @@ void HeadlessFace::OnUpdateStatus() {
   if (isEnding_) return;
   const DateTime now = monitor_->Now();
   TellState();
+  service_.ShowStatus(StatusText(now));
   if (console_.IsTable()) {
     console_.ShowTable(ConsoleTable(monitor_->Profile(), monitor_->Regional(),
                                     monitor_->IsFlowing(), now, console_.Size()));
@@ -86,8 +95,22 @@ std::string HeadlessFace::StateText(State state) const {
   return {};
 }
 
+// Without readings, which would be another one every second.
+std::string HeadlessFace::StatusText(DateTime now) const {
+  if (toldState_ != State::Receiving) return toldText_;
+  const MeterCollection& meters = monitor_->Profile().Meters();
+  const auto sending =
+      std::ranges::count_if(meters, [now](const auto& meter) { return meter->IsReceiving(now); });
+  return std::to_string(sending) + " of " + std::to_string(meters.Count()) +
+         (meters.Count() == 1 ? " meter sends" : " meters send");
+}
+
 void HeadlessFace::PrintFirstReading(const clsKillAWatt& meter, DateTime time) {
-  if (printedMeters_.insert(&meter).second) console_.WriteLine(ConsoleLine(meter, time));
+  if (printedMeters_.insert(&meter).second) PrintLine(meter, time);
+}
+
+void HeadlessFace::PrintLine(const clsKillAWatt& meter, DateTime now) {
+  console_.WriteLine(ConsoleDate(now), ConsoleLine(meter, now));
 }
 
 void HeadlessFace::PrintDueLines(DateTime now) {
@@ -98,7 +121,7 @@ void HeadlessFace::PrintDueLines(DateTime now) {
   for (const auto& meter : meters) {
     if (isDue) {
       if (meter->HasReading()) printedMeters_.insert(meter.get());
-      console_.WriteLine(ConsoleLine(*meter, now));
+      PrintLine(*meter, now);
     } else if (meter->HasReading()) {
       PrintFirstReading(*meter, now);
     }

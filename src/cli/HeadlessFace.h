@@ -8,6 +8,7 @@
 
 #include "app/Monitor.h"
 #include "cli/Console.h"
+#include "cli/ServiceReport.h"
 
 namespace wattlark {
 
@@ -16,12 +17,16 @@ namespace wattlark {
 class HeadlessFace : public MonitorListener {
  public:
   /// `profileFolder` is for the advice that is given.
-  HeadlessFace(Console& console, const SerialPort& serial, std::string profileFolder);
+  HeadlessFace(Console& console, ServiceReport& service, const SerialPort& serial,
+               std::string profileFolder);
 
   /// To be called before the monitor runs; it must outlive the event loop.
   void Attach(Monitor& monitor);
   /// The program is ending: what was shown last stays, and the closing of the port is no event.
-  void EndUpdates() { isEnding_ = true; }
+  void EndUpdates() {
+    isEnding_ = true;
+    service_.OnStopping();
+  }
 
   void OnError(const std::string& text, DateTime moment) override;
   void OnAlarmNotice(const AlarmNotice& notice) override;
@@ -35,9 +40,12 @@ class HeadlessFace : public MonitorListener {
   void TellState();
   std::string StateText(State state) const;
   void PrintFirstReading(const clsKillAWatt& meter, DateTime time);
+  std::string StatusText(DateTime now) const;
+  void PrintLine(const clsKillAWatt& meter, DateTime now);
   void PrintDueLines(DateTime now);
 
   Console& console_;
+  ServiceReport& service_;
   const SerialPort& serial_;
   std::string profileFolder_;
   Monitor* monitor_ = nullptr;

@@ -23,7 +23,8 @@ int RunMonitor(QCoreApplication& application, const RunOptions& options, Program
 
   NoDesktop desktop;
   ConsolePrompts prompts(console);
-  HeadlessFace face(console, setup.Serial(), options.profileFolder);
+  ServiceReport service;
+  HeadlessFace face(console, service, setup.Serial(), options.profileFolder);
   Monitor& monitor = setup.MakeMonitor(desktop, prompts, face);
   face.Attach(monitor);
   const bool isLoaded = setup.Load([&] {
@@ -31,6 +32,7 @@ int RunMonitor(QCoreApplication& application, const RunOptions& options, Program
   });
   if (!isLoaded) return ExitRefused;
   setup.StartRunning();
+  service.OnReady();
   // From the event loop, so that a signal ends a wait for the server.
   QMetaObject::invokeMethod(
       &application, [&monitor] { monitor.CheckForUpdates(false); }, Qt::QueuedConnection);

@@ -1,0 +1,75 @@
+#include <gmock/gmock.h>
+
+#include <QCoreApplication>
+#include <QTest>
+#include <string>
+
+#include "cli/ServiceReport.h"
+#include "platform/NotifySocket.h"
+#include "platform/TemporaryFolder.h"
+
+namespace wattlark {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+// A program whose manager waits 80 ms for a sign of life.
+struct ServiceReportTest : testing::TestWithParam<bool> {
+  ServiceReportTest() { ::setenv("WATCHDOG_USEC", "80000", 1); }
+  ~ServiceReportTest() override {
+    ::unsetenv("WATCHDOG_USEC");
+    ::unsetenv("WATCHDOG_PID");
+  }
+
+  TemporaryFolder folder;
+  NotifySocket manager{(GetParam() ? "@" : "") + folder.File("notify")};
+  int argc = 0;
+  QCoreApplication application{argc, nullptr};
+};
+
+INSTANTIATE_TEST_SUITE_P(FileOrName, ServiceReportTest, testing::Bool());
+
+TEST_P(ServiceReportTest, TellsEachStateOnceAndInOneLine) {
+  ServiceReport report;
+  report.OnReady();
+  report.ShowStatus("Unable\r\nREADY=1");
+  report.ShowStatus("Unable\r\nREADY=1");
+  report.ShowStatus("2 of 3 meters send");
+  report.OnStopping();
+  EXPECT_THAT(manager.Messages(),
+              ElementsAre("READY=1", "STATUS=Unable", "STATUS=2 of 3 meters send", "STOPPING=1"));
+}
+
+TEST_P(ServiceReportTest, ATickThatIsNotCalledAnyMoreGivesNoSignOfLife) {
+  ServiceReport report;
+  report.OnTickBegins();
+  report.OnTickEnds();
+  report.OnTickBegins();
+  report.OnTickEnds();
+  EXPECT_THAT(manager.Messages(), ElementsAre("WATCHDOG=1"));
+  QTest::qWait(100);
+  EXPECT_THAT(manager.Messages(), ElementsAre("WATCHDOG=1"));
+}
+
+TEST_P(ServiceReportTest, ATickThatWaitsGivesSignsOfLife) {
+  ServiceReport report;
+  report.OnTickBegins();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return manager.Count("WATCHDOG=1") >= 3; }));
+}
+
+TEST_P(ServiceReportTest, NoSignsForAManagerThatWaitsForNone) {
+  ::setenv("WATCHDOG_PID", "1", 1);
+  ServiceReport ofAnotherProcess;
+  ::unsetenv("WATCHDOG_PID");
+  ::setenv("WATCHDOG_USEC", "soon", 1);
+  ServiceReport unreadable;
+  for (ServiceReport* report : {&ofAnotherProcess, &unreadable}) {
+    report->OnTickBegins();
+    report->OnTickEnds();
+  }
+  EXPECT_THAT(manager.Messages(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace wattlark
