@@ -7,15 +7,20 @@
 #include <iostream>
 #include <new>
 #include <string>
+#include <string_view>
 #include <system_error>
+#include <vector>
 
 #include "app/WebPublishers.h"
+#include "cli/Completion.h"
+#include "cli/CompletionValues.h"
 #include "cli/DefaultFiles.h"
 #include "cli/MeterCommands.h"
 #include "cli/PublishCommand.h"
 #include "cli/ReplayCommand.h"
 #include "cli/SettingCommands.h"
 #include "platform/qt/SystemRegional.h"
+#include "support/DisplayText.h"
 
 namespace wattlark {
 
@@ -42,6 +47,10 @@ class CommandLine {
 
   int Execute(int& argc, char** argv, const WindowRunner& runWindow,
               CommandEnvironment& environment) {
+    if (argc > 1 && argv[1] == std::string_view(CompleteArgument)) {
+      Complete({argv + 2, argv + argc}, environment);
+      return ExitOK;
+    }
     try {
       app_.parse(argc, argv);
       CheckRunOptions();
@@ -63,6 +72,16 @@ class CommandLine {
   }
 
  private:
+  // What the completion scripts of the shells ask for; no command for people.
+  void Complete(const std::vector<std::string>& words, CommandEnvironment& environment) const {
+    const auto values = [&](const CompletionQuestion& question) {
+      return CompletionValues(question, environment.regional);
+    };
+    for (const std::string& word : CompletionsOf(app_, words, values)) {
+      environment.output << PrintableText(word) << "\n";
+    }
+  }
+
   static CLI::Validator NotEmpty() {
     return {[](std::string& text) { return text.empty() ? "must not be empty" : std::string(); },
             ""};
