@@ -26,12 +26,9 @@ if(mainFound)
       WATTLARK_WEBSITE_URL="${WATTLARK_WEBSITE_URL}")
     target_link_libraries(wattlark PRIVATE wattlark_forms)
   endif()
-  install(TARGETS wattlark wattlark-headless)
 
-  # The programs look for their sound in their own folder, built and installed alike.
-  set(noticeSound "${PROJECT_SOURCE_DIR}/resources/notice.wav")
-  configure_file("${noticeSound}" "${CMAKE_CURRENT_BINARY_DIR}/notice.wav" COPYONLY)
-  install(FILES "${noticeSound}" TYPE BIN)
+  # Where the program looks for its sound first; an installed one finds it in its share folder.
+  configure_file("${PROJECT_SOURCE_DIR}/resources/notice.wav" "${CMAKE_CURRENT_BINARY_DIR}/notice.wav" COPYONLY)
 endif()
 
 add_subdirectory("${PROJECT_SOURCE_DIR}/tools/sim")

@@ -91,7 +91,7 @@ class Monitor {
   };
   struct Options {
     std::string csvFilenameDefault;
-    std::string noticeSoundFile;  ///< "notice.wav" in the program's folder
+    std::string noticeSoundFile;  ///< played with an alarm notice
     std::int32_t checkpointSeconds = 300;
     std::optional<bool> demoMode = {};    ///< for this run, whatever the stored setting says
     std::string versionFileAddress = {};  ///< unless the store names another one; empty for none

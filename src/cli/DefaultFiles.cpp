@@ -47,9 +47,18 @@ std::string ProgramFolder() {
   return fs::path(ProgramFile()).parent_path().string();
 }
 
+std::string NoticeSoundFile() {
+  const fs::path folder = ProgramFolder();
+  std::error_code ignored;
+  const fs::path own = folder / "notice.wav";
+  return fs::exists(own, ignored) ? own : folder.parent_path() / "share/wattlark/notice.wav";
+}
+
+// The administrator can write into the system's folder of programs, but it is no place for data.
 std::string DefaultCSVFilename(const std::string& profileFolder) {
-  const std::string programFolder = ProgramFolder();
-  return fs::path(IsWritable(programFolder) ? programFolder : profileFolder) / "wattlark.csv";
+  const std::string folder = ProgramFolder();
+  const bool isOwn = IsWritable(folder) && fs::path(folder).filename() != "bin";
+  return fs::path(isOwn ? folder : profileFolder) / "wattlark.csv";
 }
 
 }  // namespace wattlark

@@ -11,8 +11,11 @@ std::string DefaultProfileFolder();
 std::string ProgramFile();
 /// The folder that holds the running program; empty when the system does not tell.
 std::string ProgramFolder();
+/// The sound of an alarm notice: "notice.wav" in the program's folder, or in "share/wattlark"
+/// beside that folder where the program is installed.
+std::string NoticeSoundFile();
 /// The default of the setting `CSVFilename`: "wattlark.csv" in the program's folder, or in the
-/// profile's where the program's cannot be written.
+/// profile's where the program's cannot be written or holds the programs of the system.
 std::string DefaultCSVFilename(const std::string& profileFolder);
 
 }  // namespace wattlark

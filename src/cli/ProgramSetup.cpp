@@ -100,7 +100,7 @@ std::string ProgramSetup::FinishSaving(bool unloaded) {
 Monitor::Options ProgramSetup::MonitorOptions() const {
   Monitor::Options result;
   result.csvFilenameDefault = DefaultCSVFilename(options_.profileFolder);
-  result.noticeSoundFile = ProgramFolder() + "/notice.wav";
+  result.noticeSoundFile = NoticeSoundFile();
   if (options_.demo) result.demoMode = true;
   result.versionFileAddress = WATTLARK_VERSION_FILE_URL;
   return result;

@@ -31,7 +31,7 @@ TEST_F(AutostartRegistryTest, TheRunValueIsAnAutostartEntry) {
   ASSERT_TRUE(Set("\"/opt/Watt lark/wattlark\""));
   EXPECT_EQ(FileBytes(entry),
             "[Desktop Entry]\nType=Application\nName=Wattlark\n"
-            "Exec=\"/opt/Watt lark/wattlark\"\nIcon=wattlark\nTerminal=false\n");
+            "Exec=\"/opt/Watt lark/wattlark\"\nIcon=org.wattlark.Wattlark\nTerminal=false\n");
   RegistryValue value;
   ASSERT_TRUE(inner.Read(Hive::LocalMachine, RunAtLogOnKey, "Wattlark"));
   EXPECT_TRUE(Delete());

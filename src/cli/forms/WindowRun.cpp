@@ -18,6 +18,7 @@
 #include "platform/qt/UnixSignals.h"
 #include "platform/qtwidgets/QtDesktop.h"
 #include "platform/qtwidgets/QtPrompts.h"
+#include "platform/xdg/DesktopID.h"
 #include "publish/forms/frmLogin.h"
 #include "update/forms/frmSoftwareUpdate.h"
 
@@ -193,7 +194,8 @@ int RunWindow(int& argc, char** argv, const RunOptions& options) {
   OpenMissingStreams();
   QApplication application(argc, argv);
   QApplication::setApplicationName("wattlark");
-  QApplication::setDesktopFileName("wattlark");
+  // Desktops find the program's name and icon by it.
+  QApplication::setDesktopFileName(DesktopID);
   QApplication::setQuitOnLastWindowClosed(false);
   // What the desktop's own file dialogs do in the background ends the program otherwise.
   QCoreApplication::setQuitLockEnabled(false);

@@ -10,6 +10,7 @@
 #include "config/modRegistry.h"
 #include "platform/RegistryPath.h"
 #include "platform/linux/PrivateFolder.h"
+#include "platform/xdg/DesktopID.h"
 #include "support/modText.h"
 
 namespace wattlark {
@@ -76,7 +77,7 @@ std::string AutostartFolder() {
 
 std::string AutostartEntry(const std::string& name, const std::string& command) {
   return "[Desktop Entry]\nType=Application\nName=" + Escaped(name) +
-         "\nExec=" + Escaped(Quoted(WithoutQuotes(command))) + "\nIcon=" + Escaped(FoldCase(name)) +
+         "\nExec=" + Escaped(Quoted(WithoutQuotes(command))) + "\nIcon=" + DesktopID +
          "\nTerminal=false\n";
 }
 
