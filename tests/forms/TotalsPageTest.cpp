@@ -25,6 +25,7 @@ TEST_F(TotalsPageTest, ShowsTheSevenPeriodsInEachUnit) {
   meter.Statistics().SetPeak(ToDate, 1840);
   meter.Statistics().SetPeakTime(ToDate, At("2026-11-14T18:22:09"));
   TotalsPage page(monitor_, selection_, prompts_);
+  page.Refresh();
   Show(page);
   const std::vector<std::string> labels{"Yesterday", "Today",   "This Week",  "This Month",
                                         "This Year", "To Date", "Since Reset"};

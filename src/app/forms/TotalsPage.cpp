@@ -38,7 +38,6 @@ TotalsPage::TotalsPage(Monitor& monitor, MeterSelection& selection, Prompts& pro
     Refresh();
   });
   connect(elaReset_, &QPushButton::clicked, this, [this] { Reset(); });
-  Refresh();
 }
 
 void TotalsPage::BuildLayout() {

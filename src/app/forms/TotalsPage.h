@@ -21,7 +21,8 @@ class TotalsPage : public QWidget {
   TotalsPage(Monitor& monitor, MeterSelection& selection, Prompts& prompts,
              QWidget* parent = nullptr);
 
-  /// Redraws the grid; without a meter it stays as it is.
+  /// Redraws the grid; without a meter it stays as it is. Empty until then: the start does not wait
+  /// for a page that is out of sight.
   void Refresh();
 
   /// Setting it acts like a click on that button; a value outside its row is ignored.
