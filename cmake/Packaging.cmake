@@ -30,10 +30,10 @@ foreach(package IN LISTS packages)
     DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/${package}" COMPONENT ${package})
 endforeach()
 
-install(FILES "${packaging}/wattlark-headless.service"
+install(FILES "${packaging}/wattlark.service"
   DESTINATION lib/systemd/system COMPONENT wattlark-headless)
 install(FILES "${packaging}/wattlark.sysusers"
-  DESTINATION lib/sysusers.d RENAME wattlark-headless.conf COMPONENT wattlark-headless)
+  DESTINATION lib/sysusers.d RENAME wattlark.conf COMPONENT wattlark-headless)
 
 install(FILES "${PROJECT_SOURCE_DIR}/resources/notice.wav"
   DESTINATION "${CMAKE_INSTALL_DATADIR}/wattlark" COMPONENT wattlark)
