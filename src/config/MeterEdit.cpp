@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 
+#include "support/Utf8.h"
 #include "support/modFormat.h"
 #include "support/modText.h"
 
@@ -43,14 +44,6 @@ std::optional<double> ReadLimit(const RegionalSettings& regional, const std::str
 
 std::string LimitProblem(const char* field) {
   return std::string(field) + ": Enter a number of watts.";
-}
-
-std::string Utf8(char32_t c) {
-  const auto tail = [c](int shift) { return static_cast<char>(0x80 | (c >> shift & 0x3F)); };
-  if (c < 0x80) return {static_cast<char>(c)};
-  if (c < 0x800) return {static_cast<char>(0xC0 | c >> 6), tail(0)};
-  if (c < 0x10000) return {static_cast<char>(0xE0 | c >> 12), tail(6), tail(0)};
-  return {static_cast<char>(0xF0 | (c >> 18 & 7)), tail(12), tail(6), tail(0)};
 }
 
 }  // namespace
@@ -152,9 +145,11 @@ bool ApplyMeterEdit(const MeterEdit& edit, MeterCollection& meters, clsKillAWatt
 }
 
 bool IsLimitCharacter(char32_t character, const RegionalSettings& regional) {
+  std::string typed;
+  AppendUtf8(typed, character);
   constexpr std::u32string_view kCharacters = U"+-.0123456789";
   return character == kBackspace || kCharacters.find(character) != std::u32string_view::npos ||
-         Utf8(character) == regional.decimalSeparator;
+         typed == regional.decimalSeparator;
 }
 
 }  // namespace wattlark

@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "publish/WebText.h"
+#include "support/Utf8.h"
 #include "support/modFormat.h"
 #include "support/modText.h"
 
@@ -36,19 +37,8 @@ bool IsIn(const Range (&ranges)[N], char32_t c) {
 
 /// Takes the first character off the text; 0, which no name holds, when it is not UTF-8.
 char32_t TakeCharacter(std::string_view& text) {
-  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-  const unsigned char lead = byte(0);
-  const std::size_t length = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-  if (lead >= 0xF8 || (lead >= 0x80 && lead < 0xC2) || length > text.size()) return 0;
-  char32_t c = length == 1 ? lead : lead & (0x7Fu >> length);
-  for (std::size_t i = 1; i < length; ++i) {
-    if ((byte(i) & 0xC0) != 0x80) return 0;
-    c = c << 6 | (byte(i) & 0x3Fu);
-  }
-  constexpr char32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
-  if (c < kSmallest[length]) return 0;
-  text.remove_prefix(length);
-  return c;
+  const Utf8Character character = TakeUtf8Character(text);
+  return character.isValid ? character.value : 0;
 }
 
 /// Whether the text can stand behind a prefix as the name of an XML element.

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "support/Utf8.h"
+
 namespace wattlark {
 
 namespace {
@@ -39,40 +41,7 @@ bool IsIn(const std::array<Range, N>& ranges, char32_t character) {
   });
 }
 
-struct Character {
-  std::string_view bytes;
-  char32_t value = 0;
-  bool isValid = false;
-};
-
-// Takes the next character off a text that is not empty; one byte where it is not UTF-8.
-Character TakeCharacter(std::string_view& text) {
-  const auto first = static_cast<unsigned char>(text.front());
-  const std::size_t length = first < 0x80             ? 1
-                             : (first & 0xE0) == 0xC0 ? 2
-                             : (first & 0xF0) == 0xE0 ? 3
-                             : (first & 0xF8) == 0xF0 ? 4
-                                                      : 0;
-  Character character{text.substr(0, 1), first, length == 1};
-  if (length > 1 && length <= text.size()) {
-    constexpr std::array<char32_t, 5> kSmallest = {0, 0, 0x80, 0x800, 0x10000};
-    char32_t value = first & (0x7Fu >> length);
-    bool continues = true;
-    for (std::size_t i = 1; i < length; ++i) {
-      const auto byte = static_cast<unsigned char>(text[i]);
-      continues = continues && (byte & 0xC0) == 0x80;
-      value = value << 6 | (byte & 0x3F);
-    }
-    const bool isSurrogate = value >= 0xD800 && value <= 0xDFFF;
-    if (continues && value >= kSmallest[length] && value <= 0x10FFFF && !isSurrogate) {
-      character = {text.substr(0, length), value, true};
-    }
-  }
-  text.remove_prefix(character.bytes.size());
-  return character;
-}
-
-std::size_t WidthOf(const Character& character) {
+std::size_t WidthOf(const Utf8Character& character) {
   if (IsIn(kCombining, character.value)) return 0;
   return IsIn(kWide, character.value) ? 2 : 1;
 }
@@ -82,7 +51,7 @@ std::size_t WidthOf(const Character& character) {
 std::string PrintableText(std::string_view utf8) {
   std::string text;
   while (!utf8.empty()) {
-    const Character character = TakeCharacter(utf8);
+    const Utf8Character character = TakeUtf8Character(utf8);
     if (character.isValid && !IsIn(kUnprintable, character.value)) {
       text += character.bytes;
     } else {
@@ -94,7 +63,7 @@ std::string PrintableText(std::string_view utf8) {
 
 std::size_t DisplayWidth(std::string_view utf8) {
   std::size_t width = 0;
-  while (!utf8.empty()) width += WidthOf(TakeCharacter(utf8));
+  while (!utf8.empty()) width += WidthOf(TakeUtf8Character(utf8));
   return width;
 }
 
@@ -104,7 +73,7 @@ std::string CutToWidth(std::string_view utf8, std::size_t columns) {
   std::string text;
   std::size_t width = 0;
   while (!utf8.empty()) {
-    const Character character = TakeCharacter(utf8);
+    const Utf8Character character = TakeUtf8Character(utf8);
     width += WidthOf(character);
     if (width > columns - 1) break;
     text += character.bytes;

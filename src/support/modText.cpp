@@ -5,6 +5,8 @@
 #include <cmath>
 #include <system_error>
 
+#include "support/Utf8.h"
+
 namespace wattlark {
 
 namespace {
@@ -106,15 +108,6 @@ char32_t SmallLetter(char32_t c) {
 
 constexpr unsigned char Byte(char c) {
   return static_cast<unsigned char>(c);
-}
-
-void AppendUtf8(std::string& text, char32_t c) {
-  if (c < 0x80) {
-    text += static_cast<char>(c);
-    return;
-  }
-  text += static_cast<char>(0xC0 | (c >> 6));
-  text += static_cast<char>(0x80 | (c & 0x3F));
 }
 
 }  // namespace
