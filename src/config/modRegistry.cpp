@@ -132,8 +132,7 @@ bool modRegistry::DeleteKey(Hive hive, const std::string& path) {
 
 void modRegistry::MigrateLegacySettings(const std::string& applicationName, bool overwrite) {
   if (AppSectionExists(applicationName, "") && !overwrite) return;
-  const std::string oldPath =
-      "Software\\VB and VBA Program Settings\\" + ApplicationOrTitle(applicationName);
+  const std::string oldPath = OlderSettingsKey + ApplicationOrTitle(applicationName);
   std::vector<std::string> sections;
   if (!EnumSubKeys(kUser, oldPath, sections)) return;
   for (const std::string& section : sections) {

@@ -9,6 +9,8 @@ namespace wattlark {
 
 inline constexpr const char* ApplicationTitle = "Wattlark";
 inline constexpr const char* CompanyName = "Fennick Labs";
+/// Where, below the title, older releases kept their sections.
+inline constexpr const char* OlderSettingsKey = "Software\\VB and VBA Program Settings\\";
 /// Where, for the local machine, a value of the program's name makes the program start when the
 /// user logs on; it holds the program's file in double quotes.
 inline constexpr const char* RunAtLogOnKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";

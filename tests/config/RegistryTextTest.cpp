@@ -1,0 +1,235 @@
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "config/RegistryTextReader.h"
+#include "config/RegistryTextWriter.h"
+
+namespace wattlark {
+namespace {
+
+using namespace std::string_literals;
+using Bytes = std::vector<std::uint8_t>;
+using Kind = RegistryTextEntry::Kind;
+
+constexpr Hive kUser = Hive::CurrentUser;
+const std::string kHeader = "Windows Registry Editor Version 5.00\n";
+
+/// ASCII text as UTF-16LE.
+std::string Wide(const std::string& text) {
+  std::string wide;
+  for (const char c : text) wide += {c, '\0'};
+  return wide;
+}
+
+struct Outcome {
+  std::vector<RegistryTextEntry> entries;
+  std::string problem;
+};
+
+Outcome Read(const std::string& text) {
+  Outcome outcome;
+  std::istringstream input(text);
+  outcome.problem = ReadRegistryText(
+      input, "FILE", [&](RegistryTextEntry entry) { outcome.entries.push_back(std::move(entry)); });
+  return outcome;
+}
+
+/// The one value of a key, written by its lines.
+RegistryTextEntry ReadValue(const std::string& lines) {
+  const Outcome outcome = Read(kHeader + "[HKEY_CURRENT_USER\\K]\n" + lines);
+  EXPECT_EQ(outcome.problem, "") << lines;
+  EXPECT_EQ(outcome.entries.size(), 2u) << lines;
+  return outcome.entries.size() == 2 ? outcome.entries[1] : RegistryTextEntry();
+}
+
+std::string Write(const NamedRegistryValue& value) {
+  std::ostringstream output;
+  RegistryTextWriter(output).WriteKey(kUser, "K", {value});
+  return output.str();
+}
+
+struct Form {
+  const char* what;
+  NamedRegistryValue value;
+  std::string lines;  ///< as written, ASCII
+};
+
+RegistryValue Text(const std::string& text) {
+  return {RegistryType::String, Bytes(text.begin(), text.end())};
+}
+
+class RegistryTextForm : public testing::TestWithParam<Form> {};
+
+TEST_P(RegistryTextForm, IsWrittenSoAndReadBack) {
+  const auto& [what, value, lines] = GetParam();
+  const std::string text =
+      "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\K]\r\n" + lines + "\r\n\r\n";
+  EXPECT_EQ(Write(value), "\xFF\xFE" + Wide(text)) << what;
+  for (const std::string& read : {"\xFF\xFE" + Wide(text), "\xEF\xBB\xBF" + text, text}) {
+    const Outcome outcome = Read(read);
+    EXPECT_EQ(outcome.problem, "") << what;
+    ASSERT_EQ(outcome.entries.size(), 2u) << what;
+    EXPECT_EQ(outcome.entries[0].path, "K");
+    EXPECT_EQ(outcome.entries[1].name, value.name) << what;
+    EXPECT_EQ(outcome.entries[1].value, value.value) << what;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Values, RegistryTextForm,
+    testing::Values(
+        Form{"plain", {"a", Text("b\0"s)}, "\"a\"=\"b\""},
+        Form{"empty", {"a", Text("\0"s)}, "\"a\"=\"\""},
+        Form{"unnamed", {"", Text("b\0"s)}, "@=\"b\""},
+        Form{"named @", {"@", Text("b\0"s)}, "\"@\"=\"b\""},
+        Form{"escapes", {R"(\"=)", Text("C:\\\"x\";\0"s)}, R"("\\\"="="C:\\\"x\";")"},
+        Form{"blanks", {" a\t", Text(" ] \t\0"s)}, "\" a\t\"=\" ] \t\""},
+        Form{"line end", {"a", Text("x\ny\0"s)}, "\"a\"=hex(1):78,00,0a,00,79,00,00,00"},
+        Form{"no NUL", {"a", Text("x")}, "\"a\"=hex(1):78,00"},
+        Form{"no byte", {"a", Text("")}, "\"a\"=hex(1):"},
+        Form{"NUL within", {"a", Text("x\0y\0"s)}, "\"a\"=hex(1):78,00,00,00,79,00,00,00"},
+        Form{"no UTF-8", {"a", Text("\xFFx\0"s)}, "\"a\"=hex(1):ff,dc,78,00,00,00"},
+        Form{
+            "cut UTF-8", {"a", Text("\xE2\x82\n\xC3\xBC")}, "\"a\"=hex(1):e2,dc,82,dc,0a,00,fc,00"},
+        Form{"beyond 16 bits",
+             {"a", {RegistryType::ExpandString, {0xF0, 0x9F, 0x94, 0x8C}}},
+             "\"a\"=hex(2):3d,d8,0c,dd"},
+        Form{"list",
+             {"a", {RegistryType::MultiString, {'x', 0, 'y', 0, 0}}},
+             "\"a\"=hex(7):78,00,00,00,79,00,00,00,00,00"},
+        Form{"number",
+             {"a", {RegistryType::DWord, {0xEF, 0xCD, 0xAB, 0x01}}},
+             "\"a\"=dword:01abcdef"},
+        Form{"cut number", {"a", {RegistryType::DWord, {1, 2}}}, "\"a\"=hex(4):01,02"},
+        Form{"big number",
+             {"a", {RegistryType::DWordBigEndian, {1, 2, 3, 4}}},
+             "\"a\"=hex(5):01,02,03,04"},
+        Form{"bytes", {"a", {RegistryType::Binary, {0, 0xFF}}}, "\"a\"=hex:00,ff"},
+        Form{"no bytes", {"a", {RegistryType::Binary, {}}}, "\"a\"=hex:"},
+        // 77 characters and the "\" fill a line: 8 for name and "hex:", 23 bytes of 3.
+        Form{"two lines",
+             {"a", {RegistryType::Binary, Bytes(24, 7)}},
+             "\"a\"=hex:07,07,07,07,07,07,07,07,07,07,07,07,07,07,07,07,07,07,07,07,07,07,07,\\\r\n"
+             "  07"}),
+    [](const auto& form) {
+      std::string name = form.param.what;
+      for (char& c : name) c = std::isalnum(static_cast<unsigned char>(c)) != 0 ? c : '_';
+      return name;
+    });
+
+TEST(RegistryText, NamesThatNoLineCanHoldComeBack) {
+  for (const std::string& name : {"a\nb"s, "\r"s, "a\0b"s, "\xFF]"s, "Küche\xC3"s, "\U0001F50C"s}) {
+    std::ostringstream output;
+    RegistryTextWriter(output, {"two\nlines"}).WriteKey(kUser, name, {{name, Text("x\0"s)}});
+    const Outcome outcome = Read(output.str());
+    EXPECT_EQ(outcome.problem, "");
+    ASSERT_EQ(outcome.entries.size(), 2u);
+    EXPECT_EQ(outcome.entries[0].path, name);
+    EXPECT_EQ(outcome.entries[1].name, name);
+  }
+}
+
+TEST(RegistryText, ReadsWhatOthersWrite) {
+  const struct {
+    const char* lines;
+    RegistryType type;
+    std::string bytes;
+  } cases[] = {
+      {"  \"n\" = \"x\" ; remark \n", RegistryType::String, "x\0"s},
+      {"\"n\"=\"one \r\ntwo\nthree\"\r\n", RegistryType::String, "one \r\ntwo\nthree\0"s},
+      {"\"n\"=\"Küche\"", RegistryType::String, "Küche\0"s},
+      {"\"n\"=DWORD:A", RegistryType::DWord, "\x0A\0\0\0"s},
+      {"\"n\"=hex:1, 2 ,\\ \n  0A,\\\n\tFf\n", RegistryType::Binary, "\x01\x02\x0A\xFF"},
+      {"\"n\"=hex:\\\n01", RegistryType::Binary, "\x01"},
+      {"\"n\"=hex(3):01", RegistryType::Binary, "\x01"},
+      {"\"n\"=hex(00000004):01,00,00,00", RegistryType::DWord, "\1\0\0\0"s},
+      // A high surrogate alone is kept as the three bytes of its number.
+      {"\"n\"=hex(1):00,d8,41,00", RegistryType::String, "\xED\xA0\x80\x41"},
+  };
+  for (const auto& c : cases) {
+    const RegistryTextEntry entry = ReadValue(c.lines);
+    EXPECT_EQ(entry.name, "n");
+    EXPECT_EQ(entry.problem, "");
+    EXPECT_EQ(entry.value, (RegistryValue{c.type, Bytes(c.bytes.begin(), c.bytes.end())}))
+        << c.lines;
+  }
+}
+
+TEST(RegistryText, KeysAndDeletions) {
+  const Outcome outcome = Read(
+      "Windows Registry Editor Version 5.00\r\n\r\n; a remark\r\n"
+      "[HKEY_CURRENT_USER\\A\\b]c]\r\n\"x\"=-\r\n@=-\r\n\r\n"
+      "[-hkey_local_machine\\Gone]  \r\n[HKEY_CLASSES_ROOT\\.x]");
+  EXPECT_EQ(outcome.problem, "");
+  ASSERT_EQ(outcome.entries.size(), 5u);
+  const auto expect = [&](std::size_t i, Kind kind, std::optional<Hive> hive, const char* path,
+                          const char* name, std::size_t line) {
+    const RegistryTextEntry& entry = outcome.entries[i];
+    EXPECT_EQ(entry.kind, kind) << i;
+    EXPECT_EQ(entry.hive, hive) << i;
+    EXPECT_EQ(entry.path, path) << i;
+    EXPECT_EQ(entry.name, name) << i;
+    EXPECT_EQ(entry.line, line) << i;
+  };
+  expect(0, Kind::Key, kUser, "A\\b]c", "", 4);
+  expect(1, Kind::ValueDeletion, kUser, "A\\b]c", "x", 5);
+  expect(2, Kind::ValueDeletion, kUser, "A\\b]c", "", 6);
+  expect(3, Kind::KeyDeletion, Hive::LocalMachine, "Gone", "", 8);
+  expect(4, Kind::Key, std::nullopt, ".x", "", 9);
+}
+
+TEST(RegistryText, SaysWhichValuesCannotBeStored) {
+  EXPECT_EQ(ReadValue("\"n\"=hex(b):01").problem, "values of the type hex(b) cannot be stored");
+  EXPECT_EQ(ReadValue("\"n\"=hex(1):78").problem, "the last character of the text is cut off");
+  EXPECT_NE(ReadValue(R"("n"="C:\temp")").problem, "");
+}
+
+struct Malformed {
+  std::string text;  ///< behind the header line and a key
+  std::string problem;
+};
+
+TEST(RegistryText, MalformedLinesAreToldWithTheirNumber) {
+  const std::string start = kHeader + "[HKEY_CURRENT_USER\\K]\n";
+  const Malformed cases[] = {
+      {"", "FILE:1: the file is empty"},
+      {"REGEDIT4\n",
+       "FILE:1: this is the format of older systems: export the registry again in "
+       "version 5.00"},
+      {"\n" + kHeader, "FILE:1: the first line is not \"Windows Registry Editor Version 5.00\""},
+      {"\xFE\xFF\0W"s,
+       "FILE:1: the text is UTF-16 with the bytes in the wrong order: save it as UTF-16LE or "
+       "UTF-8"},
+      {"\xFF\xFE" + Wide(kHeader) + "x", "FILE:2: the last character is cut off"},
+      {kHeader + "\"a\"=\"b\"", "FILE:2: the value stands under no key"},
+      {kHeader + "[-HKEY_CURRENT_USER\\K]\n@=\"b\"", "FILE:3: the value stands under no key"},
+      {kHeader + "[HKEY_CURRENT_USER\\K", "FILE:2: the \"]\" at the end of the key is missing"},
+      {kHeader + "[]",
+       "FILE:2: \"\" is no key: it does not begin with HKEY_CURRENT_USER or another root of the "
+       "registry"},
+      {start + "\xFF", "FILE:3: the line is neither UTF-8 nor UTF-16LE text"},
+      {start + "\n# x", "FILE:4: \"# x\" is no key, value or comment"},
+      {start + "\"a\"\n", "FILE:3: the \"=\" behind the name is missing"},
+      {start + "\"a\"=\n", "FILE:3: \"\" is no value: \"text\", dword:, hex: or -"},
+      {start + "\"a\"=\"b\" c", "FILE:3: \"c\" behind the value has no meaning"},
+      {start + "\"a\"=\"b\n\n", "FILE:3: the quotation mark at the end of the text is missing"},
+      {start + "\"a\"=\"b\n\"c\"=\"d\"", "FILE:4: \"c\"=\"d\"\" behind the value has no meaning"},
+      {start + "\"a\"=-x", "FILE:3: \"x\" behind the value has no meaning"},
+      {start + "\"a\"=dword:", "FILE:3: \"dword:\" is followed by up to eight hexadecimal digits"},
+      {start + "\"a\"=dword:123456789", "FILE:3: \"9\" behind the value has no meaning"},
+      {start + "\"a\"=hex(x):", "FILE:3: the type in \"hex(...)\" is no number"},
+      {start + "\"a\"=hex(1)", "FILE:3: the \":\" behind \"hex\" is missing"},
+      {start + "\"a\"=hex:0g", "FILE:3: \"g\" behind the value has no meaning"},
+      {start + "\"a\"=hex:,00", "FILE:3: \",00\" is no byte of two hexadecimal digits"},
+      {start + "\"a\"=hex:00,", "FILE:3: the byte behind the last \",\" is missing"},
+      {start + "\"a\"=hex:00,\\\n  x", "FILE:4: \"x\" is no byte of two hexadecimal digits"},
+      {start + "\"a\"=hex:00,\\", "FILE:4: the value goes on in no line"},
+  };
+  for (const auto& [text, problem] : cases) EXPECT_EQ(Read(text).problem, problem) << text;
+}
+
+}  // namespace
+}  // namespace wattlark
