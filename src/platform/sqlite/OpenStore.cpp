@@ -5,13 +5,13 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <string_view>
 #include <utility>
 
 #include "platform/linux/PrivateFolder.h"
 #include "platform/sqlite/SalvageStore.h"
+#include "platform/sqlite/SetAside.h"
 #include "platform/sqlite/SqliteDatabase.h"
 #include "platform/sqlite/SqliteRegistry.h"
 #include "platform/sqlite/StoreFile.h"
@@ -22,11 +22,6 @@ namespace {
 
 std::string SystemError() {
   return std::strerror(errno);
-}
-
-bool Exists(const std::string& path) {
-  struct stat status {};
-  return ::lstat(path.c_str(), &status) == 0;
 }
 
 bool MayAccess(const std::string& path, int mode) {
@@ -51,24 +46,6 @@ std::string PrepareFile(const std::string& folder, const std::string& file) {
     ::chmod(file.c_str(), status.st_mode & 0700);
   }
   return {};
-}
-
-/// Renames the file and what belongs to it to a free name, which is the result; empty, with the
-/// reason in errno, when that fails.
-std::string SetAside(const std::string& file) {
-  // The journal goes first: left behind, it would be played back into the new store.
-  constexpr const char* kParts[] = {"-journal", "-wal", "-shm", ""};
-  for (int number = 1;; ++number) {
-    const std::string target = file + ".damaged-" + std::to_string(number);
-    bool isFree = true;
-    for (const char* part : kParts) isFree = isFree && !Exists(target + part);
-    if (!isFree) continue;
-    for (const char* part : kParts) {
-      if (!Exists(file + part)) continue;
-      if (std::rename((file + part).c_str(), (target + part).c_str()) != 0) return {};
-    }
-    return target;
-  }
 }
 
 StoreOpening InMemory(const std::string& message) {
@@ -138,7 +115,7 @@ class StoreOpener {
   }
 
   StoreOpening Replace(const std::string& reason, bool salvages) {
-    const std::string aside = replaced_ ? std::string() : SetAside(file_);
+    const std::string aside = replaced_ ? std::string() : SetAside(file_, "damaged");
     if (aside.empty()) {
       StoreOpening opening =
           InMemory(reason + " It could not be moved out of the way: " + SystemError() + ".");

@@ -49,6 +49,12 @@ std::string SqliteDatabase::Problem() const {
   }
 }
 
+int CopyDatabase(const SqliteDatabase& source, SqliteDatabase& target) {
+  sqlite3_backup* backup = sqlite3_backup_init(target.Handle(), "main", source.Handle(), "main");
+  sqlite3_backup_step(backup, -1);
+  return sqlite3_backup_finish(backup);
+}
+
 int SqliteStatement::Prepare(const SqliteDatabase& database, const char* sql) {
   sqlite3_stmt* statement = nullptr;
   const int result = sqlite3_prepare_v3(database.Handle(), sql, -1, SQLITE_PREPARE_PERSISTENT,

@@ -31,6 +31,10 @@ class SqliteDatabase {
   std::unique_ptr<sqlite3, Closer> connection_;
 };
 
+/// Copies everything, as it is at one moment, over what `target` holds. The result is a SQLite
+/// code.
+int CopyDatabase(const SqliteDatabase& source, SqliteDatabase& target);
+
 /// One prepared statement. Texts and bytes that are bound must live until `Reset`.
 class SqliteStatement {
  public:
