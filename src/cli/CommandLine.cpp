@@ -19,6 +19,7 @@
 #include "cli/PublishCommand.h"
 #include "cli/ReplayCommand.h"
 #include "cli/SettingCommands.h"
+#include "cli/StoreCommands.h"
 #include "platform/qt/SystemRegional.h"
 #include "support/DisplayText.h"
 
@@ -35,7 +36,7 @@ class CommandLine {
     app_.set_version_flag("--version", kVersionText);
     app_.footer(
         "Data goes to standard output, messages to standard error.\n"
-        "Exit status: 0 done, 1 refused or failed, 2 bad arguments or a bad capture.");
+        "Exit status: 0 done, 1 refused or failed, 2 bad arguments or a bad file of input.");
     app_.require_subcommand(0, 1);
     AddProfileOption(app_);
     DefineRun();
@@ -43,6 +44,7 @@ class CommandLine {
     DefineMeter();
     DefineSetting();
     DefinePublish();
+    DefineStore();
   }
 
   int Execute(int& argc, char** argv, const WindowRunner& runWindow,
@@ -185,6 +187,37 @@ class CommandLine {
         ->option_text(" ");
   }
 
+  void DefineStore() {
+    CLI::App* store = AddCommand(app_, "store", "Move or keep settings and statistics");
+    store->require_subcommand(1);
+    const auto add = [this, store](const char* name, const char* description, const char* file) {
+      CLI::App* command = AddCommand(*store, name, description);
+      command->add_option("FILE", file_, file)->required()->check(NotEmpty())->option_text(" ");
+      return command;
+    };
+    const auto addForce = [this](CLI::App* command) {
+      command->add_flag("--force", replaces_, "Replace a file that is there already");
+    };
+    storeExport_ = add("export",
+                       "Write settings and statistics, with passwords as the store has them, in "
+                       "the text format of the registry editor; a program may be running",
+                       "The file, for you alone to read (mode 0600); - is standard output");
+    addForce(storeExport_);
+    storeImport_ = add("import",
+                       "Take over settings and statistics from such a file, or from an export of a "
+                       "Windows registry. As with the registry editor, its values replace those of "
+                       "the same name and all others stay. All of it is taken or nothing; what "
+                       "belongs to other programs is left out",
+                       "The file, UTF-16 or UTF-8; - is standard input");
+    storeImport_->add_flag("--replace", replaces_, "Remove first what the profile has stored");
+    storeBackup_ = add("backup", "Copy the store as it is now; a program may be running",
+                       "The copy, with passwords, for you alone to read (mode 0600)");
+    addForce(storeBackup_);
+    storeRestore_ =
+        add("restore", "Put a copy in the place of the store, which is kept under another name",
+            "The copy, made by backup");
+  }
+
   /// A command is no run: it has no use for the options of one.
   void CheckRunOptions() const {
     const auto commands = app_.get_subcommands();
@@ -209,6 +242,10 @@ class CommandLine {
     if (*settingSet_) return SetSetting(profile_, name_, value_, environment);
     if (*settingList_) return ListSettings(profile_, json_, environment);
     if (*publish_) return RunPublish(profile_, name_, environment);
+    if (*storeExport_) return ExportStore(profile_, file_, replaces_, environment);
+    if (*storeImport_) return ImportStore(profile_, file_, replaces_, environment);
+    if (*storeBackup_) return BackUpStore(profile_, file_, replaces_, environment);
+    if (*storeRestore_) return RestoreStore(profile_, file_, environment);
     run_.profileFolder = profile_;
     const bool showsWindow = runWindow && !run_.headless && HasDisplay();
     return showsWindow ? runWindow(argc, argv, run_) : RunHeadless(argc, argv, run_);
@@ -235,6 +272,10 @@ class CommandLine {
   CLI::App* settingSet_ = nullptr;
   CLI::App* settingList_ = nullptr;
   CLI::App* publish_ = nullptr;
+  CLI::App* storeExport_ = nullptr;
+  CLI::App* storeImport_ = nullptr;
+  CLI::App* storeBackup_ = nullptr;
+  CLI::App* storeRestore_ = nullptr;
 
   std::string profile_;
   RunOptions run_;
@@ -242,7 +283,9 @@ class CommandLine {
   NewMeter meter_;
   std::string name_;
   std::string value_;
+  std::string file_;
   bool json_ = false;
+  bool replaces_ = false;
 };
 
 }  // namespace

@@ -8,17 +8,20 @@
 
 namespace wattlark {
 
+bool LockForChanges(ProfileLock& lock, const std::string& profileFolder, std::ostream& messages) {
+  if (lock.TryAcquire()) return true;
+  if (lock.Problem().empty()) {
+    TellUser(messages, "A running program has the profile \"" + profileFolder +
+                           "\" open. End it before the profile is changed.");
+  } else {
+    TellUser(messages, "The profile cannot be changed: " + lock.Problem() + ".");
+  }
+  return false;
+}
+
 bool ProfileStore::OpenForChanges(std::ostream& messages) {
   lock_.emplace(folder_);
-  if (!lock_->TryAcquire()) {
-    if (lock_->Problem().empty()) {
-      TellUser(messages, "A running program has the profile \"" + folder_ +
-                             "\" open. End it before the profile is changed.");
-    } else {
-      TellUser(messages, "The profile cannot be changed: " + lock_->Problem() + ".");
-    }
-    return false;
-  }
+  if (!LockForChanges(*lock_, folder_, messages)) return false;
   StoreOpening opening = OpenStore(folder_);
   if (!opening.message.empty()) TellUser(messages, opening.message);
   if (!opening.savesChanges || !Take(std::move(opening.registry))) return false;

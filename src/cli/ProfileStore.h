@@ -11,6 +11,10 @@
 
 namespace wattlark {
 
+/// Takes the profile for this process. False, with the reason in `messages`, when that fails, as it
+/// does while a program runs with it.
+bool LockForChanges(ProfileLock& lock, const std::string& profileFolder, std::ostream& messages);
+
 /// The store of a profile folder as a command has it open.
 class ProfileStore {
  public:

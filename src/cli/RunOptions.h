@@ -17,7 +17,7 @@ struct RunOptions {
 enum ExitStatus {
   ExitOK = 0,
   ExitRefused = 1,   ///< the command could not be carried out; standard error says why
-  ExitBadInput = 2,  ///< bad arguments or a bad capture
+  ExitBadInput = 2,  ///< bad arguments, a bad capture or registry text
 };
 
 /// Runs the program without a window until it is told to stop: a table that refreshes in place on a

@@ -1,5 +1,6 @@
 #include "config/StoreTransfer.h"
 
+#include <algorithm>
 #include <map>
 #include <optional>
 #include <set>
@@ -142,6 +143,11 @@ std::string StoreImport::Read(std::istream& input, const std::string& name) {
     return name + ":" + std::to_string(entry.line) + ": " + entry.problem;
   }
   return problem;
+}
+
+std::size_t StoreImport::Values() const {
+  return static_cast<std::size_t>(
+      std::ranges::count(entries_, Kind::Value, &RegistryTextEntry::kind));
 }
 
 std::string StoreImport::Apply(Registry& store, const RegionalSettings& regional,

@@ -29,6 +29,8 @@ class StoreImport {
 
   /// Whether there is nothing for this program.
   bool IsEmpty() const { return entries_.empty(); }
+  /// Values that it brings.
+  std::size_t Values() const;
   /// Keys of other programs, which are left out.
   std::size_t OtherKeys() const { return otherKeys_; }
   bool IsFromOlderLocation() const { return isOlder_; }

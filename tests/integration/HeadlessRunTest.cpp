@@ -68,6 +68,30 @@ TEST_F(HeadlessRun, KilledLosesNothingThatWasSaved) {
   EXPECT_GT(KitchenEnergy(), saved);
 }
 
+TEST_F(HeadlessRun, IsBackedUpWhileItRunsAndRestoredAfterwards) {
+  AddKitchen();
+  {
+    RunningProgram program(RunCommand());
+    TakeTwoBursts(program);
+    ASSERT_EQ(program.End(SIGTERM), 0);
+  }
+  const double saved = KitchenEnergy();
+  const std::string backup = folder.File("backup");
+  const auto store = [&](const char* command) {
+    RunningProgram run(Command({"store", command, backup}));
+    return run.Wait();
+  };
+  RunningProgram program(RunCommand());
+  TakeTwoBursts(program);
+  EXPECT_EQ(store("backup"), 0);
+  EXPECT_EQ(store("restore"), 1);
+  TakeTwoBursts(program);
+  EXPECT_EQ(program.End(SIGTERM), 0) << program.Messages();
+  EXPECT_GT(KitchenEnergy(), saved);
+  EXPECT_EQ(store("restore"), 0);
+  EXPECT_EQ(KitchenEnergy(), saved);
+}
+
 TEST_F(HeadlessRun, ASecondInstanceIsRefusedAndTheFirstHearsOfIt) {
   AddKitchen();
   RunningProgram first(RunCommand());

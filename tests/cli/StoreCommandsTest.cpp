@@ -1,0 +1,210 @@
+#include <sys/stat.h>
+
+#include "cli/CommandTest.h"
+#include "config/modRegistry.h"
+#include "platform/FileSizeLimit.h"
+#include "platform/linux/ProfileLock.h"
+#include "platform/sqlite/OpenStore.h"
+
+namespace wattlark {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::string_literals;
+
+constexpr Hive kUser = Hive::CurrentUser;
+const std::string kStart =
+    "Windows Registry Editor Version 5.00\n[HKEY_CURRENT_USER\\Software\\Fennick Labs\\Wattlark\\"
+    "Settings]\n";
+
+class StoreCommands : public CommandTest {
+ protected:
+  static int Mode(const std::string& file) {
+    struct stat status {};
+    return ::stat(file.c_str(), &status) == 0 ? static_cast<int>(status.st_mode & 07777) : -1;
+  }
+  /// Nothing of the profile, or of the file named, is other than before.
+  void ExpectRefused(const std::vector<std::string>& arguments, const std::string& message,
+                     int status = ExitRefused, const std::string& input = "") const {
+    const auto before = ProfileExists() ? ProfileFiles() : std::map<std::string, std::string>();
+    const std::string bytes = FileBytes(file_);
+    const CommandResult result = RunHere(arguments, input);
+    EXPECT_EQ(result.status, status) << message;
+    EXPECT_EQ(result.output, "");
+    EXPECT_NE(result.messages.find(message), std::string::npos) << result.messages;
+    EXPECT_EQ(ProfileExists() ? ProfileFiles() : decltype(before)(), before);
+    EXPECT_EQ(FileBytes(file_), bytes);
+  }
+
+  std::string file_ = folder_.File("moved");
+};
+
+TEST_F(StoreCommands, ExportImportExportGivesTheSameFile) {
+  AddKitchen();
+  const std::string path = modRegistry::AppKeyPath("", "Hostile");
+  std::vector<std::uint8_t> everyByte;
+  for (int byte = 0; byte < 256; ++byte) everyByte.push_back(static_cast<std::uint8_t>(byte));
+  const std::vector<NamedRegistryValue> values = {
+      {"text", {RegistryType::String, everyByte}},
+      {"line\r\nend \"\\ ]", {RegistryType::String, {'a', '\r', '\n', 0}}},
+      {"nul\0x"s, {RegistryType::ExpandString, {'%', 0xC3, '%'}}},
+      {"not\xFFutf8", {RegistryType::MultiString, {'a', 0, 'b', 0, 0}}},
+      {"\xED\xA0\x80", {RegistryType::String, {0xED, 0xB0, 0x80, 0}}},
+      {"", {RegistryType::Binary, everyByte}},
+      {"@", {RegistryType::DWord, {1, 2, 3}}},
+      {"number", {RegistryType::DWord, {1, 2, 3, 4}}},
+      {"big", {RegistryType::DWordBigEndian, {1, 2, 3, 4}}},
+      {"long", {RegistryType::String, std::vector<std::uint8_t>(100'000, 'x')}},
+  };
+  const std::string deep = path + "\\[-x]\\\n\\\xF0\x9F";
+  {
+    StoreOpening opening = OpenStore(profile_);
+    for (const auto& [name, value] : values) {
+      ASSERT_TRUE(opening.registry->Write(kUser, path, name, value));
+    }
+    ASSERT_TRUE(opening.registry->CreateKey(kUser, deep));
+  }
+  ExpectDone({"store", "export", file_});
+  EXPECT_EQ(Mode(file_), 0600);
+  const std::string exported = FileBytes(file_);
+  EXPECT_EQ(RunHere({"store", "export", "-"}).output, exported);
+
+  profile_ = folder_.File("other");
+  regional_.shortDate = "dd.MM.yyyy";
+  EXPECT_EQ(RunHere({"store", "import", "-"}, exported).status, ExitOK);
+  EXPECT_EQ(RunHere({"store", "export", "-"}).output, exported);
+  StoreOpening opening = OpenStore(profile_);
+  const auto stored = opening.registry->Values(kUser, path);
+  ASSERT_EQ(stored.size(), values.size());
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    EXPECT_EQ(stored[i].name, values[i].name);
+    EXPECT_EQ(stored[i].value, values[i].value) << values[i].name;
+  }
+  EXPECT_TRUE(opening.registry->KeyExists(kUser, deep));
+}
+
+TEST_F(StoreCommands, FilesAreReplacedOnlyWithForce) {
+  AddKitchen();
+  for (const char* command : {"export", "backup"}) {
+    WriteFile(file_, "mine");
+    ::chmod(file_.c_str(), 0644);
+    ExpectRefused({"store", command, file_}, "is there already: --force replaces it.");
+    ExpectDone({"store", command, "--force", file_});
+    EXPECT_NE(FileBytes(file_), "mine");
+    EXPECT_EQ(Mode(file_), 0600);
+    for (const char* own : {"/wattlark.db", "/wattlark.db-journal", "/../profile/lock"}) {
+      ExpectRefused({"store", command, "--force", profile_ + own}, "the profile itself uses");
+    }
+    ExpectRefused({"store", command, "--force", folder_.Path()}, "is not a file");
+    ExpectRefused({"store", command, folder_.File("missing/x")}, "No such file or directory");
+  }
+}
+
+TEST_F(StoreCommands, FullDiskLeavesNoHalfFile) {
+  AddKitchen();
+  for (const char* command : {"export", "backup"}) {
+    const FileSizeLimit full;
+    const CommandResult result = RunHere({"store", command, file_});
+    EXPECT_EQ(result.status, ExitRefused);
+    EXPECT_NE(result.messages, "");
+  }
+  std::size_t entries = 0;
+  for ([[maybe_unused]] const auto& entry : fs::directory_iterator(folder_.Path())) ++entries;
+  EXPECT_EQ(entries, 1u);
+}
+
+TEST_F(StoreCommands, NothingIsWrittenOfNothing) {
+  ExpectRefused({"store", "export", file_}, "has nothing to export");
+  ExpectRefused({"store", "backup", file_}, "There is no settings store");
+  EXPECT_FALSE(ProfileExists());
+  EXPECT_FALSE(fs::exists(file_));
+}
+
+TEST_F(StoreCommands, BadTextsChangeNothing) {
+  ExpectRefused({"store", "import", file_}, file_ + ": No such file", ExitBadInput);
+  WriteFile(file_, kStart + "\"PortNum\"=\"5\"\n\"Mils\"=\n");
+  ExpectRefused({"store", "import", file_}, file_ + ":4: \"\" is no value", ExitBadInput);
+  const std::string unreadable =
+      "Windows Registry Editor Version 5.00\n[HKEY_CURRENT_USER\\Software\\Fennick Labs\\Wattlark"
+      "\\TotalKillAWatt]\n\"Timestamp\"=\"23.11.2026 1:00:00\"\n";
+  ExpectRefused({"store", "import", "-"}, "cannot be read", ExitRefused, unreadable);
+  EXPECT_FALSE(ProfileExists());
+  AddKitchen();
+  ExpectRefused({"store", "import", "-"}, "standard input:3: ", ExitBadInput, kStart + "?\n");
+  ExpectRefused({"store", "import", "-"}, "cannot be read", ExitRefused, unreadable);
+  ExpectRefused({"store", "import", "-"}, "only 1 key of other programs", ExitRefused,
+                "Windows Registry Editor Version 5.00\n[HKEY_CURRENT_USER\\K]\n@=\"x\"\n");
+}
+
+TEST_F(StoreCommands, ImportTellsWhatNeedsTheUser) {
+  AddKitchen();
+  const CommandResult result =
+      RunHere({"store", "import", "-"},
+              kStart +
+                  "\"CSVFilename\"=\"C:\\\\log.csv\"\n[HKEY_CURRENT_USER\\Software\\Fennick "
+                  "Labs\\Wattlark\\KillAWatts\\Fridge]\n\"XBeeAddress\"=\"5\"\n"
+                  "[HKEY_CURRENT_USER\\K]\n");
+  EXPECT_EQ(result.status, ExitOK);
+  EXPECT_EQ(result.output, "2 values imported\n");
+  EXPECT_EQ(result.messages,
+            "The meter \"Fridge\" is left out: another one has its XBee address.\n"
+            "The CSV log \"C:\\log.csv\" is no file of this computer: choose one with wattlark "
+            "setting set CSVFilename PATH\n"
+            "1 key of other programs left out.\n");
+}
+
+TEST_F(StoreCommands, RestoreBringsBackTheBackupAndKeepsTheStore) {
+  ExpectDone({"setting", "set", "PortNum", "4"});
+  ExpectDone({"store", "backup", file_});
+  EXPECT_EQ(Mode(file_), 0600);
+  ExpectDone({"setting", "set", "PortNum", "5"});
+  const std::string before = FileBytes(profile_ + "/wattlark.db");
+  for (const char* aside : {"/wattlark.db.replaced-1", "/wattlark.db.replaced-2"}) {
+    const CommandResult result = RunHere({"store", "restore", file_});
+    EXPECT_EQ(result.status, ExitOK);
+    EXPECT_EQ(result.messages, "The store before is kept as \"" + profile_ + aside + "\".\n");
+    EXPECT_EQ(Mode(profile_ + aside), 0600);
+    EXPECT_EQ(Setting("PortNum"), "4\n");
+  }
+  EXPECT_EQ(FileBytes(profile_ + "/wattlark.db.replaced-1"), before);
+  profile_ = folder_.File("new");
+  ExpectDone({"store", "restore", file_});
+  EXPECT_EQ(Setting("PortNum"), "4\n");
+}
+
+TEST_F(StoreCommands, RestoreTakesNoOtherFile) {
+  ExpectDone({"setting", "set", "PortNum", "4"});
+  ExpectDone({"store", "backup", file_});
+  const std::string sound = FileBytes(file_);
+  ExpectRefused({"store", "restore", folder_.File("missing")}, "There is no settings store");
+  ExpectRefused({"store", "restore", folder_.Path()}, "is not a file");
+  ExpectRefused({"store", "restore", profile_ + "/wattlark.db"}, "the profile itself");
+  const auto expectRefused = [&](const std::string& bytes, const std::string& message) {
+    WriteFile(file_, bytes);
+    ExpectRefused({"store", "restore", file_}, message);
+  };
+  expectRefused("", "is empty");
+  expectRefused("Windows Registry Editor Version 5.00\r\n", "is damaged, or is no settings store");
+  expectRefused(sound.substr(0, sound.size() - 4096), "is damaged, or is no settings store");
+  std::string other = sound;
+  other[63] = 2;  // the version of the tables, a big-endian number at byte 60
+  expectRefused(other, "was written by a newer version of the program");
+  other = sound;
+  other[71] = 'x';  // the program that the database belongs to, at byte 68
+  expectRefused(other, "is a database of another program");
+}
+
+TEST_F(StoreCommands, RunningProgramKeepsItsStore) {
+  AddKitchen();
+  ExpectDone({"store", "backup", file_});
+  ProfileLock running(profile_);
+  ASSERT_TRUE(running.TryAcquire());
+  ExpectRefused({"store", "restore", file_}, "A running program has the profile");
+  ExpectRefused({"store", "import", "-"}, "A running program has the profile", ExitRefused,
+                kStart + "\"PortNum\"=\"5\"\n");
+  ExpectDone({"store", "backup", "--force", file_});
+  ExpectDone({"store", "export", "--force", file_});
+}
+
+}  // namespace
+}  // namespace wattlark
