@@ -190,32 +190,35 @@ class CommandLine {
   void DefineStore() {
     CLI::App* store = AddCommand(app_, "store", "Move or keep settings and statistics");
     store->require_subcommand(1);
-    const auto add = [this, store](const char* name, const char* description, const char* file) {
+    const auto add = [this, store](const char* name, const char* description, const char* file,
+                                   const std::string& details) {
       CLI::App* command = AddCommand(*store, name, description);
       command->add_option("FILE", file_, file)->required()->check(NotEmpty())->option_text(" ");
+      command->footer(details + "\n\n" + command->get_footer());
       return command;
     };
     const auto addForce = [this](CLI::App* command) {
       command->add_flag("--force", replaces_, "Replace a file that is there already");
     };
-    storeExport_ = add("export",
-                       "Write settings and statistics, with passwords as the store has them, in "
-                       "the text format of the registry editor; a program may be running",
-                       "The file, for you alone to read (mode 0600); - is standard output");
+    const std::string written =
+        "The file holds passwords as the store has them; only you can read it (mode 0600).\n"
+        "A program may be running: it saves every five minutes, and what it last saved counts.";
+    storeExport_ = add("export", "Write settings and statistics as text, to move or read them",
+                       "The file to write; - is standard output",
+                       "The text has the format of the registry editor, version 5.00.\n" + written);
     addForce(storeExport_);
-    storeImport_ = add("import",
-                       "Take over settings and statistics from such a file, or from an export of a "
-                       "Windows registry. As with the registry editor, its values replace those of "
-                       "the same name and all others stay. All of it is taken or nothing; what "
-                       "belongs to other programs is left out",
-                       "The file, UTF-16 or UTF-8; - is standard input");
+    storeImport_ = add(
+        "import", "Take over settings and statistics from such a text",
+        "The file, UTF-16 or UTF-8; - is standard input",
+        "An export of a Windows registry will do as well, of an older release too.\n"
+        "As with the registry editor, values replace those of the same name and all others stay.\n"
+        "Either all of it is taken over or nothing; what belongs to other programs is left out.");
     storeImport_->add_flag("--replace", replaces_, "Remove first what the profile has stored");
-    storeBackup_ = add("backup", "Copy the store as it is now; a program may be running",
-                       "The copy, with passwords, for you alone to read (mode 0600)");
+    storeBackup_ =
+        add("backup", "Copy the store, to keep it", "The file to write; restore reads it", written);
     addForce(storeBackup_);
-    storeRestore_ =
-        add("restore", "Put a copy in the place of the store, which is kept under another name",
-            "The copy, made by backup");
+    storeRestore_ = add("restore", "Put such a copy in the place of the store", "The copy",
+                        "The store that is there now is kept under another name.");
   }
 
   /// A command is no run: it has no use for the options of one.

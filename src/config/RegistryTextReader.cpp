@@ -93,7 +93,8 @@ void SetType(RegistryTextEntry& entry, std::uint32_t number) {
   }
   std::array<char, 8> digits{};
   const auto end = std::to_chars(digits.begin(), digits.end(), number, 16).ptr;
-  entry.problem = "values of the type hex(" + std::string(digits.begin(), end) + ") cannot be stored";
+  entry.problem =
+      "values of the type hex(" + std::string(digits.begin(), end) + ") cannot be stored";
 }
 
 class RegistryTextReader {

@@ -41,16 +41,16 @@ std::vector<std::string> Tree(Registry& store, const std::string& path) {
     tree.push_back(std::move(open.back()));
     open.pop_back();
     const std::vector<std::string> names = store.SubKeys(kUser, tree.back());
-    for (auto name = names.rbegin(); name != names.rend(); ++name) {
-      open.push_back(tree.back() + "\\" + *name);
-    }
+    std::for_each(names.rbegin(), names.rend(),
+                  [&](const std::string& name) { open.push_back(tree.back() + "\\" + name); });
   }
   return tree;
 }
 
 void DeleteTree(Registry& store, const std::string& path) {
   const std::vector<std::string> tree = Tree(store, path);
-  for (auto key = tree.rbegin(); key != tree.rend(); ++key) store.DeleteKey(kUser, *key);
+  std::for_each(tree.rbegin(), tree.rend(),
+                [&](const std::string& key) { store.DeleteKey(kUser, key); });
 }
 
 bool Carry(const RegistryTextEntry& entry, Registry& store) {
