@@ -21,11 +21,14 @@ std::string Named(const std::string& file) {
   return "\"" + file + "\"";
 }
 
+std::string FolderOf(const std::string& file) {
+  const std::string folder = fs::path(file).parent_path();
+  return folder.empty() ? "." : folder;
+}
+
 /// A rename lasts only once its folder is on the disk.
 void SyncFolder(const std::string& file) {
-  const std::string folder = fs::path(file).parent_path();
-  const int descriptor =
-      ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  const int descriptor = ::open(FolderOf(file).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (descriptor < 0) return;
   ::fsync(descriptor);
   ::close(descriptor);
@@ -56,6 +59,8 @@ std::string PrivateFile::Problem(bool replaces) const {
 }
 
 std::string PrivateFile::Create() {
+  descriptor_ = ::open(FolderOf(file_).c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
+  if (descriptor_ >= 0) return {};
   std::string name = file_ + ".new-XXXXXX";
   descriptor_ = ::mkostemp(name.data(), O_CLOEXEC);
   if (descriptor_ < 0) return CannotWrite();
@@ -71,6 +76,20 @@ std::string PrivateFile::Write(std::string_view bytes) {
     bytes.remove_prefix(static_cast<std::size_t>(written));
   }
   return {};
+}
+
+/// Gives a file without a name a temporary one.
+bool PrivateFile::Name() {
+  const std::string source = "/proc/self/fd/" + std::to_string(descriptor_);
+  for (int number = 1; temporary_.empty(); ++number) {
+    const std::string name = file_ + ".new-" + std::to_string(number);
+    if (::linkat(AT_FDCWD, source.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0) {
+      temporary_ = name;
+    } else if (errno != EEXIST) {
+      return false;
+    }
+  }
+  return true;
 }
 
 bool PrivateFile::Rename(bool replaces) const {
@@ -89,7 +108,7 @@ bool PrivateFile::Rename(bool replaces) const {
 }
 
 std::string PrivateFile::Keep(bool replaces) {
-  if (::fsync(descriptor_) != 0 || !Rename(replaces)) return CannotWrite();
+  if (::fsync(descriptor_) != 0 || !Name() || !Rename(replaces)) return CannotWrite();
   temporary_.clear();
   SyncFolder(file_);
   return {};

@@ -7,8 +7,8 @@
 namespace wattlark {
 
 /// A new file for its user alone (mode 0600) that stands under its name only when it is whole and
-/// on the disk: until then it has a temporary name in the same folder. Operations answer an empty
-/// text, or in words why they failed.
+/// on the disk: until then it has no name, or a temporary one in the same folder where the file
+/// system knows no files without. Operations answer an empty text, or in words why they failed.
 class PrivateFile {
  public:
   /// A link is followed to the file that it names.
@@ -21,16 +21,14 @@ class PrivateFile {
   /// Why the file could not be kept, as far as that can be told by now.
   std::string Problem(bool replaces) const;
   std::string Create();
-  /// Appends; the file may also be written under its temporary name by others.
+  /// Appends.
   std::string Write(std::string_view bytes);
   /// Gives the file its name. Without `replaces`, one that is there already stays, and this fails.
   std::string Keep(bool replaces);
 
-  /// The temporary name.
-  const std::string& TemporaryName() const { return temporary_; }
-
  private:
   std::string CannotWrite() const;
+  bool Name();
   bool Rename(bool replaces) const;
 
   std::string file_;

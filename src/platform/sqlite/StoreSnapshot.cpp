@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <memory>
 #include <system_error>
 
 #include "platform/linux/PrivateFile.h"
@@ -53,11 +54,12 @@ std::string Sentence(const std::string& problem) {
 /// Fills a new file with the store.
 std::string Fill(PrivateFile& file, const SqliteDatabase& database) {
   if (const std::string problem = file.Create(); !problem.empty()) return Sentence(problem);
-  SqliteDatabase target;
-  int result = target.Open(file.TemporaryName(), SQLITE_OPEN_READWRITE, 0);
-  if (result == SQLITE_OK) result = CopyDatabase(database, target);
-  return result == SQLITE_OK ? std::string()
-                             : "The store cannot be written: " + target.Problem() + ".";
+  sqlite3_int64 size = 0;
+  const std::unique_ptr<unsigned char, decltype(&sqlite3_free)> bytes(
+      sqlite3_serialize(database.Handle(), "main", &size, 0), sqlite3_free);
+  if (bytes == nullptr) return "There is not enough memory.";
+  return Sentence(
+      file.Write({reinterpret_cast<const char*>(bytes.get()), static_cast<std::size_t>(size)}));
 }
 
 /// Lets SQLite finish what a power cut has interrupted, so that the store needs no journal.
