@@ -90,7 +90,8 @@ struct Figures {
 };
 
 /// Marks every byte that a delimiter outside the frames that arrived may have claimed.
-std::vector<bool> ClaimedByFalseStarts(const NoisyStream& stream, const std::vector<bool>& arrived) {
+std::vector<bool> ClaimedByFalseStarts(const NoisyStream& stream,
+                                       const std::vector<bool>& arrived) {
   std::vector<bool> inside(stream.bytes.size());
   for (std::size_t i = 0; i < stream.frames.size(); ++i) {
     if (!arrived[i]) continue;

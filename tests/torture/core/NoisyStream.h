@@ -114,8 +114,8 @@ inline NoisyStream MakeNoisyStream(std::size_t count, double rate, Random& rando
         std::equal(frame.begin(), frame.begin() + 3, sent.begin())) {
       unsigned sum = 0;
       for (std::size_t i = 3; i + 1 < frame.size(); ++i) sum += frame[i];
-      stream.bypasses.push_back({stream.bytes.size() + frame.size() - 1,
-                                 static_cast<std::uint8_t>(0xFF - (sum & 0xFF))});
+      stream.bypasses.push_back(
+          {stream.bytes.size() + frame.size() - 1, static_cast<std::uint8_t>(0xFF - (sum & 0xFF))});
     }
     stream.bytes.insert(stream.bytes.end(), frame.begin(), frame.end());
   }
