@@ -363,5 +363,5 @@ int main(int argc, char** argv) {
   LeapDaysAndYearEnds(arguments, verdict);
   RandomSteps(arguments, verdict);
   DaylightChanges(arguments, verdict);
-  return verdict.ExitStatus();
+  return verdict.ExitStatus(arguments);
 }

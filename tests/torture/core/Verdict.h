@@ -10,7 +10,7 @@ namespace wattlark::torture {
 /// What the arguments of every torture ask for.
 struct Arguments {
   bool isLong = false;    ///< `--long`: the form whose figures are recorded
-  bool isBroken = false;  ///< `--broken`: with a fault built in, which the torture has to find
+  bool isBroken = false;  ///< `--broken`: with a fault built in, that has to be found
   bool areUsable = true;
 
   Arguments(int argc, char** argv) {
@@ -40,10 +40,11 @@ class Verdict {
     if (++failures_ <= kTold) std::printf("FAILED: %s\n", std::string(describe()).c_str());
   }
 
-  int ExitStatus() const {
+  /// 0 when nothing failed, or, of a broken variant, when something did.
+  int ExitStatus(const Arguments& arguments) const {
     std::printf("%llu checks, %llu failed\n", static_cast<unsigned long long>(checks_),
                 static_cast<unsigned long long>(failures_));
-    return failures_ == 0 && checks_ > 0 ? 0 : 1;
+    return (failures_ > 0) == arguments.isBroken && checks_ > 0 ? 0 : 1;
   }
 
  private:
