@@ -52,7 +52,7 @@ PreparedFrame Prepare(const Burst& burst) {
   const int middle = (least + most) / 2;
   std::int64_t sum = 0;  // in counts, exact
   for (std::size_t s = 1; s + 1 < voltage.size(); ++s)
-    sum += (voltage[s] - middle) * (current[s] - 498);
+    sum += std::int64_t{voltage[s] - middle} * (current[s] - 498);
   const long double watts =
       static_cast<long double>(sum) * 120 / 200 / 15.5L / static_cast<long double>(voltage.size());
   return {MeterFrame(burst.address, voltage, current), std::max(watts, 0.0L)};
