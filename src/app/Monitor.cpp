@@ -1,5 +1,6 @@
 #include "app/Monitor.h"
 
+#include <algorithm>
 #include <exception>
 
 #include "app/CaptureWriter.h"
@@ -12,6 +13,7 @@ namespace wattlark {
 namespace {
 
 constexpr std::uint32_t kReopenMilliseconds = 2000;
+constexpr std::int32_t kSaveAgainSeconds = 5;
 
 }  // namespace
 
@@ -184,7 +186,11 @@ void Monitor::RunTick(DateTime now, std::uint32_t ticks) {
   if (!ended_ && update_) update_->FindWhenDue(now, VersionFileAddress());
   if (ended_) return;  // the user left the program while a web server was waited for
   listener_.OnUpdateStatus();
-  if (static_cast<std::int32_t>(ticks - lastSaveTicks_) / 1000 >= options_.checkpointSeconds) {
+  // A save that failed is not put off as long as one that worked.
+  const std::int32_t interval = saveFailed_
+                                    ? std::min(kSaveAgainSeconds, options_.checkpointSeconds)
+                                    : options_.checkpointSeconds;
+  if (static_cast<std::int32_t>(ticks - lastSaveTicks_) / 1000 >= interval) {
     lastSaveTicks_ = ticks;
     SaveEverything();
   }

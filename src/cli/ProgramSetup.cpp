@@ -102,6 +102,7 @@ Monitor::Options ProgramSetup::MonitorOptions() const {
   result.csvFilenameDefault = DefaultCSVFilename(options_.profileFolder);
   result.noticeSoundFile = NoticeSoundFile();
   if (options_.demo) result.demoMode = true;
+  result.checkpointSeconds = options_.checkpointSeconds;
   result.versionFileAddress = WATTLARK_VERSION_FILE_URL;
   return result;
 }

@@ -6,11 +6,12 @@ namespace wattlark {
 
 /// What the command line says about a run of the program.
 struct RunOptions {
-  std::string profileFolder;  ///< never empty
-  std::string device;         ///< serial device of the present port number for this run, or empty
-  std::string recordFile;     ///< capture file to append to, or empty
-  bool demo = false;          ///< demo mode for this run; the stored setting stays
-  bool headless = false;      ///< no window, although there may be a display
+  std::string profileFolder;    ///< never empty
+  std::string device;           ///< serial device of the present port number for this run, or empty
+  std::string recordFile;       ///< capture file to append to, or empty
+  bool demo = false;            ///< demo mode for this run; the stored setting stays
+  bool headless = false;        ///< no window, although there may be a display
+  int checkpointSeconds = 300;  ///< between two saves while running, at least 1
 };
 
 /// Exit statuses of both programs.

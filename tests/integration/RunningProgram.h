@@ -70,7 +70,10 @@ class RunningProgram {
   }
 
   pid_t Process() const { return process_; }
-  void Signal(int signal) const { ::kill(process_, signal); }
+  /// Nothing once it has ended: -1 would mean every process there is.
+  void Signal(int signal) const {
+    if (process_ > 0) ::kill(process_, signal);
+  }
   bool IsRunning() { return process_ > 0 && !Reap(WNOHANG); }
   /// The exit status; 128 and the signal when one ended the program, -1 when it does not end.
   int Wait() {

@@ -346,7 +346,7 @@ void SpoilPages(const Torture& torture, Bed& bed) {
 }
 
 void SpoilHeader(const Torture& torture, Bed& bed) {
-  for (std::size_t offset = 0; offset < 100; offset += torture.isLong ? 1 : 8) {
+  for (std::size_t offset = 0; offset < 100; offset += torture.isLong ? 1 : 6) {
     // The number of the format: one that is higher than ours is a newer store, and left alone.
     if (offset >= 60 && offset < 64) continue;
     std::string bad = bed.Good();

@@ -5,8 +5,10 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <string_view>
+#include <thread>
 #include <utility>
 
 #include "platform/linux/PrivateFolder.h"
@@ -84,6 +86,11 @@ class StoreOpener {
       condition = created == SQLITE_OK ? StoreCondition::Usable : ConditionFromError(created);
     }
     StoreOpening opening;
+    // A file that the system would let us write, but SQLite would not, has a damaged header.
+    if (condition == StoreCondition::Usable && !readOnly &&
+        sqlite3_db_readonly(database.Handle(), "main") == 1) {
+      condition = StoreCondition::Damaged;
+    }
     if (condition == StoreCondition::Usable) {
       if (!readOnly) database.Execute("PRAGMA journal_mode = DELETE");
       const int attached =
@@ -105,6 +112,12 @@ class StoreOpener {
       case StoreCondition::Locked:
         return {nullptr, NamedStore(file_) + " is in use by another program.", false};
       case StoreCondition::Unreadable:
+        // A run that begins without its store saves nothing until its end: a moment's trouble of
+        // the disk is waited for.
+        if (++attempts_ < kAttempts) {
+          std::this_thread::sleep_for(kPause);
+          return Open();
+        }
         return InMemory(NamedStore(file_) + " cannot be opened: " + problem + ".");
       case StoreCondition::Foreign:
         return Replace("\"" + file_ + "\" is a database of another program.", false);
@@ -136,9 +149,13 @@ class StoreOpener {
     return opening;
   }
 
+  static constexpr int kAttempts = 3;
+  static constexpr std::chrono::milliseconds kPause{50};
+
   std::string folder_;
   std::string file_;
   int wait_;
+  int attempts_ = 0;
   bool replaced_ = false;  ///< a store was set aside already: a second one would mean a loop
 };
 

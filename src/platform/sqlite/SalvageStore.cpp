@@ -1,5 +1,6 @@
 #include "platform/sqlite/SalvageStore.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -25,6 +26,8 @@ struct KeyRow {
   Hive hive = Hive::CurrentUser;
   std::string folded;
   std::string path;
+  bool isFromIndex = false;  ///< the row is lost, the path is the folded one
+  bool operator==(const KeyRow&) const = default;
 };
 
 struct ValueRow {
@@ -32,6 +35,7 @@ struct ValueRow {
   std::string folded;
   std::string name;
   RegistryValue value;
+  bool operator==(const ValueRow&) const = default;
 };
 
 /// What an index says of a value.
@@ -52,33 +56,31 @@ class StoreContents {
   explicit StoreContents(LeafPages& pages) {
     pages.Read([this](const SqliteStatement& row) { AddRow(row); },
                [this](const SqliteStatement& entry) { AddEntry(entry); });
-    for (auto& [id, key] : keys_) {
-      const auto entry = keyEntries_.find(id);
-      if (FoldCase(key.path) == key.folded || entry == keyEntries_.end()) continue;
-      if (FoldCase(key.path) != entry->second) key.path = entry->second;
-    }
+    for (const auto& [id, rows] : keyRows_) AddKey(id, rows);
     for (const auto& [id, folded] : keyEntries_) {
-      keys_.try_emplace(id, KeyRow{Hive::CurrentUser, folded, folded});
+      keys_.try_emplace(id, KeyRow{Hive::CurrentUser, folded, folded, true});
     }
     std::erase_if(keys_, [](const auto& key) {
       return key.second.path.empty() || NormalRegistryPath(key.second.path) != key.second.path;
     });
   }
 
-  std::size_t RowCount() const { return keys_.size() + values_.size(); }
+  std::size_t RowCount() const { return keyRows_.size() + valueRows_.size(); }
 
   Salvage WriteTo(Registry& into) {
     Salvage salvage;
     if (keys_.empty()) return salvage;
     if (!into.Begin()) return {0, 0, into.ErrorText()};
     for (const auto& [id, key] : keys_) {
-      if (into.CreateKey(key.hive, key.path)) ++salvage.keys;
+      if (!key.isFromIndex && into.CreateKey(key.hive, key.path)) ++salvage.keys;
     }
     // Rows that contradict their index come last, so that they take no other row's place.
     for (const bool contradicted : {false, true}) {
-      for (auto& [id, row] : values_) {
-        if (IsContradicted(id, row) == contradicted && Place(id, row) && Write(row, into)) {
-          ++salvage.values;
+      for (auto& [id, rows] : valueRows_) {
+        for (ValueRow& row : rows) {
+          if (IsContradicted(id, row) == contradicted && Place(id, row) && Write(row, into)) {
+            ++salvage.values;
+          }
         }
       }
     }
@@ -87,6 +89,24 @@ class StoreContents {
   }
 
  private:
+  /// A page is read twice, and a damaged id may be another row's: equal rows count once.
+  template <typename Row>
+  static void Add(std::vector<Row>& rows, Row row) {
+    if (std::ranges::find(rows, row) == rows.end()) rows.push_back(std::move(row));
+  }
+
+  void AddKey(std::int64_t id, const std::vector<KeyRow>& rows) {
+    const auto entry = keyEntries_.find(id);
+    KeyRow key = rows.front();
+    if (entry != keyEntries_.end()) {
+      const auto sound = std::ranges::find(rows, entry->second, &KeyRow::folded);
+      if (sound != rows.end()) key = *sound;
+      const std::string folded = FoldCase(key.path);
+      if (folded != key.folded && folded != entry->second) key.path = entry->second;
+    }
+    keys_.emplace(id, std::move(key));
+  }
+
   void AddRow(const SqliteStatement& row) {
     const std::int64_t id = row.Integer(0);
     if (!HasType(row, 1, SQLITE_INTEGER)) return;
@@ -95,12 +115,12 @@ class StoreContents {
       const auto type = SqliteRegistry::TypeFromNumber(row.Integer(4));
       const auto bytes = row.Bytes(5);
       if (!type) return;
-      values_.try_emplace(
-          id, ValueRow{
-                  row.Integer(1), row.Text(2), row.Text(3), {*type, {bytes.begin(), bytes.end()}}});
+      Add(valueRows_[id],
+          ValueRow{
+              row.Integer(1), row.Text(2), row.Text(3), {*type, {bytes.begin(), bytes.end()}}});
     } else if (HasType(row, 2, SQLITE_INTEGER) && HasType(row, 3, SQLITE_TEXT) &&
                HasType(row, 4, SQLITE_TEXT) && (row.Integer(1) == 0 || row.Integer(1) == 1)) {
-      keys_.try_emplace(id, KeyRow{static_cast<Hive>(row.Integer(1)), row.Text(3), row.Text(4)});
+      Add(keyRows_[id], KeyRow{static_cast<Hive>(row.Integer(1)), row.Text(3), row.Text(4), false});
     }
   }
 
@@ -147,10 +167,11 @@ class StoreContents {
     return into.Write(key.hive, key.path, row.name, row.value);
   }
 
-  std::map<std::int64_t, KeyRow> keys_;
-  std::map<std::int64_t, ValueRow> values_;
+  std::map<std::int64_t, std::vector<KeyRow>> keyRows_;
+  std::map<std::int64_t, std::vector<ValueRow>> valueRows_;
   std::map<std::int64_t, std::string> keyEntries_;
   std::map<std::int64_t, ValueEntry> valueEntries_;
+  std::map<std::int64_t, KeyRow> keys_;
   std::set<std::pair<std::int64_t, std::string>> claimed_;
 };
 

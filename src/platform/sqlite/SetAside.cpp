@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdio>
 
 namespace wattlark {
@@ -41,7 +42,16 @@ std::string SetAside(const std::string& file, const std::string& reason) {
   std::string target = FreeNameAside(file, reason);
   const bool isDone =
       SetJournalAside(file, target) && std::rename(file.c_str(), target.c_str()) == 0;
-  return isDone ? target : std::string();
+  if (isDone) return target;
+  // Parted from its journal, a store that a power cut has interrupted would be damaged for good.
+  const int error = errno;
+  for (const char* journal : kJournals) {
+    if (Exists(target + journal) && !Exists(file + journal)) {
+      static_cast<void>(std::rename((target + journal).c_str(), (file + journal).c_str()));
+    }
+  }
+  errno = error;
+  return {};
 }
 
 }  // namespace wattlark

@@ -1,0 +1,353 @@
+// Power cuts and a failing disk, during a scripted minute: commands that set up a profile, a run of
+// the monitor that saves every few seconds, and commands again.
+#include <fcntl.h>
+#include <stdio.h>
+
+#include <filesystem>
+#include <random>
+#include <set>
+#include <sstream>
+
+#include "app/Monitor.h"
+#include "cli/CommandLine.h"
+#include "platform/TemporaryFolder.h"
+#include "platform/sqlite/OpenStore.h"
+#include "platform/sqlite/OpenStoreCopy.h"
+#include "torture/CutPower.h"
+#include "torture/FaultyDisk.h"
+#include "torture/Torture.h"
+#include "twins/Frames.h"
+#include "twins/HandClock.h"
+#include "twins/RecordingDesktop.h"
+#include "twins/RecordingListener.h"
+#include "twins/ScriptedPort.h"
+#include "twins/ScriptedPrompts.h"
+#include "twins/ScriptedRandom.h"
+
+namespace {
+
+/// How many renames work before one fails; -1 when none does.
+int workingRenames = -1;
+
+}  // namespace
+
+// Takes the place of the C library's: the program sets a store aside with it.
+extern "C" int rename(const char* from, const char* to) {
+  if (workingRenames >= 0 && workingRenames-- == 0) {
+    errno = EIO;
+    return -1;
+  }
+  return ::renameat(AT_FDCWD, from, AT_FDCWD, to);
+}
+
+namespace wattlark {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kCheckpointSeconds = 10;
+constexpr std::size_t kLongestWait = 17;  ///< a checkpoint, and five seconds to try again
+constexpr int kRunSeconds = 60;
+
+void Describe(Registry& registry, const std::string& path, std::string& text) {
+  for (const auto& value : registry.Values(Hive::CurrentUser, path)) {
+    text += path + "|" + value.name + "=" +
+            std::string(value.value.data.begin(), value.value.data.end()) + "\n";
+  }
+  for (const std::string& name : registry.SubKeys(Hive::CurrentUser, path)) {
+    Describe(registry, path.empty() ? name : path + "\\" + name, text);
+  }
+}
+
+/// All that a store holds; a text in angle brackets when it cannot be read.
+std::string Contents(const StoreOpening& opening) {
+  if (opening.registry == nullptr || !opening.message.empty()) return "<" + opening.message + ">";
+  std::string text;
+  Describe(*opening.registry, "", text);
+  return text;
+}
+
+/// How many values of meters a store has.
+std::size_t MeterValues(const std::string& contents) {
+  std::size_t count = 0;
+  for (std::size_t at = 0; (at = contents.find("\\KillAWatts\\", at)) != std::string::npos; ++at) {
+    ++count;
+  }
+  return count;
+}
+
+/// Plays the minute; `after` hears of each action once it is over.
+class Minute {
+ public:
+  Minute(std::string profile, std::function<void()> after)
+      : profile_(std::move(profile)), after_(std::move(after)) {}
+
+  /// What users were told by commands and at starts, and in runs.
+  std::vector<std::string> answers;
+  std::vector<std::string> errors;
+
+  void Play() {
+    Command({"meter", "add", "--name", "Kitchen", "--address", "5"});
+    Command({"meter", "add", "--name", "Office", "--address", "6"});
+    Command({"meter", "add", "--name", "Attic", "--address", "7"});
+    RunMonitor(kRunSeconds);
+    Command({"meter", "remove", "Office"});
+    Command({"setting", "set", "BaudRate", "19200"});
+    RunMonitor(kCheckpointSeconds);
+  }
+
+ private:
+  static Bytes Frame(std::uint16_t address, int second) {
+    std::vector<std::uint16_t> volts;
+    std::vector<std::uint16_t> amps;
+    for (int sample = 0; sample < 19; ++sample) {
+      const int swing = sample % 10 < 5 ? 1 : -1;
+      volts.push_back(static_cast<std::uint16_t>(512 + 200 * swing));
+      amps.push_back(static_cast<std::uint16_t>(498 + (20 + second) * swing));
+    }
+    return MeterFrame(address, volts, amps);
+  }
+
+  int TryCommand(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), {"wattlark", "--profile", profile_});
+    std::vector<char*> argv;
+    for (std::string& argument : arguments) argv.push_back(argument.data());
+    int argc = static_cast<int>(argv.size());
+    argv.push_back(nullptr);
+    std::istringstream in;
+    std::ostringstream out;
+    std::ostringstream told;
+    CommandEnvironment environment{in, out, told, RegionalSettings::UnitedStates()};
+    const int status = RunCommandLine(argc, argv.data(), {}, environment);
+    if (!told.str().empty()) answers.push_back(told.str());
+    after_();
+    return status;
+  }
+  /// Again when it is refused, as a user would.
+  void Command(const std::vector<std::string>& arguments) {
+    for (int attempt = 0; attempt < kPatience && TryCommand(arguments) != 0; ++attempt) {
+    }
+  }
+
+  void RunMonitor(int seconds) {
+    StoreOpening opening = OpenStore(profile_, 0);
+    for (int attempt = 0; attempt < kPatience && !opening.savesChanges; ++attempt) {
+      answers.push_back(opening.message);
+      opening = OpenStore(profile_, 0);
+    }
+    if (!opening.message.empty()) throw std::runtime_error(opening.message);
+    ScriptedPort port;
+    ScriptedRandom random{};
+    RecordingDesktop desktop;
+    ScriptedPrompts prompts;
+    RecordingListener listener;
+    Monitor::Options options{"log.csv", "notice.wav"};
+    options.checkpointSeconds = kCheckpointSeconds;
+    Monitor monitor({clock_, port, *opening.registry, random, desktop, prompts},
+                    RegionalSettings::UnitedStates(), options, listener);
+    if (!monitor.Load()) throw std::runtime_error("the profile could not be loaded");
+    monitor.StartRunning();
+    after_();
+    for (int second = 0; second < seconds; ++second) {
+      clock_.Advance(1000);
+      for (const std::uint16_t address : std::initializer_list<std::uint16_t>{5, 6, 7}) {
+        port.waiting = Frame(address, second);
+        monitor.ReceiveXBeeData();
+      }
+      monitor.UpdateCycle();
+      after_();
+    }
+    if (!monitor.Unload() && !monitor.SaveEverything()) listener.errors.push_back("not saved");
+    for (const auto& error : listener.errors) errors.push_back(error);
+    for (const auto& message : prompts.asked) errors.push_back(message.text);
+    opening.registry.reset();
+    after_();
+  }
+
+  static constexpr int kPatience = 100;
+
+  std::string profile_;
+  std::function<void()> after_;
+  HandClock clock_;
+};
+
+/// What the store holds after each action of an undisturbed minute.
+struct Course {
+  std::vector<std::string> states;
+  std::vector<std::size_t> ends;  ///< how long the disk's log was then
+  std::size_t operations = 0;
+};
+
+class DiskTorture {
+ public:
+  explicit DiskTorture(Torture& torture) : torture_(torture), random_(torture.seed) {
+    disk_.isRecording = true;
+    disk_.dropsSyncs = torture.isBroken;
+    const std::string profile = folder_.File("undisturbed");
+    disk_.FailFrom(0, 0, FaultyDisk::Fault::IOError);
+    Minute minute(profile, [&] {
+      course_.states.push_back(Look(profile));
+      course_.ends.push_back(disk_.log.size());
+    });
+    minute.Play();
+    course_.operations = disk_.Operations();
+    disk_.isRecording = false;
+    torture_.Expect(minute.answers.empty() && minute.errors.empty(),
+                    "an undisturbed minute speaks");
+    Torture::Tell("actions", course_.states.size());
+    Torture::Tell("operations of the disk", disk_.log.size());
+  }
+
+  void CutPowerEverywhere() {
+    using Fate = CutPower::Fate;
+    CutPower power;
+    std::size_t action = 0;
+    std::size_t cuts = 0;
+    const std::size_t step = torture_.isLong ? 1 : 29;
+    const int repeats = torture_.isLong ? 4 : 1;
+    for (std::size_t at = 0; at <= disk_.log.size(); ++at) {
+      while (action < course_.ends.size() && course_.ends[action] < at) ++action;
+      const bool isEnd = action < course_.ends.size() && course_.ends[action] == at;
+      if (at % step == 0 || isEnd) {
+        std::set<std::string> allowed = {action < course_.states.size() ? course_.states[action]
+                                                                        : course_.states.back()};
+        // Once an action is over, what it saved is there for good.
+        if (!isEnd) allowed.insert(action == 0 ? std::string() : course_.states[action - 1]);
+        const std::string where = "power cut after " + std::to_string(at) + " operations, action " +
+                                  std::to_string(action);
+        for (const Fate fate : {Fate::NothingUnsynced, Fate::EverythingUnsynced}) {
+          ExpectAfter(where, power.After(fate, random_), allowed);
+        }
+        for (int i = 0; i < repeats; ++i) {
+          ExpectAfter(where + ", some sectors", power.After(Fate::SomeSectors, random_), allowed);
+          ExpectAfter(where + ", torn", power.After(Fate::LastWriteTorn, random_), allowed);
+        }
+        cuts += 2 + static_cast<std::size_t>(2 * repeats);
+      }
+      if (at < disk_.log.size()) power.Apply(disk_.log[at]);
+    }
+    Torture::Tell("power cuts", cuts);
+  }
+
+  void FailEverywhere() {
+    using Fault = FaultyDisk::Fault;
+    std::size_t runs = 0;
+    disk_.swallowsFaults = torture_.isBroken;
+    const std::size_t step = torture_.isLong ? 1 : 211;
+    for (const Fault fault : {Fault::NoSpace, Fault::IOError, Fault::ShortWrite}) {
+      // Once, and for a while: everything a save does fails some times over.
+      for (const std::size_t count : {1, 60}) {
+        const std::size_t every = count == 1 ? step : step * 7;
+        for (std::size_t first = runs % every; first < course_.operations; first += every) {
+          ExpectSurvived(first, count, fault);
+          ++runs;
+        }
+      }
+    }
+    Torture::Tell("minutes with a failing disk", runs);
+    Torture::Tell("of these with a message", told_);
+    Torture::Tell("longest time without a save after a single failure, s", longestWait_);
+    torture_.Expect(longestWait_ <= kLongestWait, "a save that failed is tried again too late");
+  }
+
+  /// What cannot be set aside stays where it is, together with its journal.
+  void FailRenames() {
+    for (const int works : {0, 1}) {
+      const std::string profile = folder_.File("unnamed" + std::to_string(works));
+      fs::create_directories(profile + "/wattlark.db");
+      WriteFile(profile + "/wattlark.db/inside", "1");
+      WriteFile(profile + "/wattlark.db-journal", "2");
+      workingRenames = torture_.isBroken ? -1 : works;
+      {
+        const StoreOpening opening = OpenStore(profile, 0);
+        torture_.Expect(!opening.savesChanges && opening.registry != nullptr &&
+                            opening.message.find("could not be moved") != std::string::npos,
+                        "a rename that fails is not told: " + opening.message);
+        torture_.Expect(FileBytes(profile + "/wattlark.db/inside") == "1" &&
+                            FileBytes(profile + "/wattlark.db-journal") == "2",
+                        "a rename that fails parts a store from its journal");
+      }
+      const StoreOpening opening = OpenStore(profile, 0);
+      torture_.Expect(opening.savesChanges, "saving does not resume: " + opening.message);
+    }
+  }
+
+ private:
+  std::string Look(const std::string& profile) {
+    return disk_.Aside([&] { return Contents(OpenStoreCopy(profile, 0)); });
+  }
+
+  void ExpectAfter(const std::string& where, const CutPower::Files& files,
+                   const std::set<std::string>& allowed) {
+    const std::string profile = folder_.File("cut");
+    fs::remove_all(profile);
+    fs::create_directory(profile);
+    for (const auto& [name, bytes] : files) WriteFile(profile + "/" + name, bytes);
+    const std::string found = disk_.Aside([&] { return Contents(OpenStore(profile, 0)); });
+    if (found.starts_with("<")) {
+      torture_.Find(where + ": " + found);
+    } else {
+      torture_.Expect(allowed.contains(found), where + ": not the state before or after");
+    }
+  }
+
+  void ExpectSurvived(std::size_t first, std::size_t count, FaultyDisk::Fault fault) {
+    const std::string profile = folder_.File("failing");
+    fs::remove_all(profile);
+    const std::string what = "operation " + std::to_string(first) + " fails " +
+                             std::to_string(count) + " times, fault " +
+                             std::to_string(static_cast<int>(fault));
+    std::string last;
+    std::size_t waited = 0;
+    std::size_t operations = 0;
+    Minute minute(profile, [&] {
+      // Without an operation the store is as it was.
+      const bool isChanged = disk_.Operations() != operations;
+      operations = disk_.Operations();
+      const std::string found = isChanged ? Look(profile) : last;
+      torture_.Expect(!found.starts_with("<"), what + ": " + found);
+      // What was saved at another time is another state, but a whole one.
+      torture_.Expect(MeterValues(found) % MeterValues(course_.states.front()) == 0,
+                      what + ": half a meter is stored");
+      waited = found == last ? waited + 1 : 0;
+      if (count == 1) longestWait_ = std::max(longestWait_, waited);
+      last = found;
+    });
+    disk_.FailFrom(first, count, fault);
+    try {
+      minute.Play();
+    } catch (const std::exception& error) {
+      torture_.Find(what + ": it does not go on: " + error.what());
+    }
+    disk_.Mend();
+    torture_.Expect(last == course_.states.back(), what + ": saving does not resume");
+    told_ += minute.answers.empty() && minute.errors.empty() ? 0 : 1;
+    // Whoever tries again while the disk still fails is told again; within a run it is told once.
+    torture_.Expect(
+        minute.errors.size() <= 1 &&
+            (count > 1 || minute.answers.size() + minute.errors.size() <= 1),
+        what + ": told more than once: " + (minute.errors.empty() ? "" : minute.errors.back()));
+  }
+
+  Torture& torture_;
+  std::mt19937_64 random_;
+  TemporaryFolder folder_;
+  FaultyDisk disk_;
+  Course course_;
+  std::size_t told_ = 0;
+  std::size_t longestWait_ = 0;
+};
+
+void Run(Torture& torture) {
+  DiskTorture disk(torture);
+  disk.CutPowerEverywhere();
+  disk.FailEverywhere();
+  disk.FailRenames();
+}
+
+}  // namespace
+}  // namespace wattlark
+
+int main(int argc, char** argv) {
+  return wattlark::RunTorture(argc, argv, wattlark::Run);
+}

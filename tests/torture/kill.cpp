@@ -1,0 +1,234 @@
+// Killed at any moment: the program on a pseudo-terminal that the simulator feeds, saving every two
+// seconds, and the commands that add and remove meters. After each kill the store must open, hold
+// every meter, and no total may be less than what was read from the store before.
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <atomic>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <nlohmann/json.hpp>
+#include <random>
+#include <set>
+
+#include "app/ProfileData.h"
+#include "config/modRegistry.h"
+#include "integration/RunningProgram.h"
+#include "platform/TemporaryFolder.h"
+#include "platform/sqlite/OpenStoreCopy.h"
+#include "torture/Torture.h"
+#include "twins/HandClock.h"
+
+namespace wattlark {
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+using std::chrono::microseconds;
+using std::chrono::milliseconds;
+
+struct Counts {
+  std::atomic<int> runs{0};
+  std::atomic<int> commands{0};
+  std::atomic<int> insideSaves{0};
+  std::atomic<int> withCheckpoint{0};
+};
+
+/// One profile that is killed over and over, in a thread of its own.
+class Victim {
+ public:
+  Victim(Torture& torture, std::mutex& mutex, Counts& counts, std::uint64_t seed)
+      : torture_(torture), mutex_(mutex), counts_(counts), random_(seed) {
+    sim_ = std::make_unique<RunningProgram>(
+        std::vector<std::string>{WATTLARK_SIM_PROGRAM, "--link", device_, "--period", "0.1",
+                                 "--meter", "Kitchen:5:400", "--meter", "Office:6:90"});
+    WaitUntil([this] { return fs::exists(device_); });
+    for (const auto& [name, address] : {std::pair("Kitchen", "5"), std::pair("Office", "6")}) {
+      RunningProgram add(Program({"meter", "add", "--name", name, "--address", address}));
+      if (add.Wait() != 0) throw std::runtime_error("no meter: " + add.Messages());
+      meters_[name] = 0;
+    }
+  }
+
+  void KillProgram(bool insideSave) {
+    RunningProgram program(Program({"--device", device_, "--checkpoint", "2"}, torture_.isBroken));
+    const auto end = Clock::now() + (insideSave ? milliseconds(6000) : Below(4500));
+    const std::size_t wanted = random_() % 2;
+    std::size_t seen = 0;
+    bool wasSaving = false;
+    while (Clock::now() < end && program.IsRunning()) {
+      const bool isSaving = IsSaving();
+      if (isSaving && insideSave && seen >= wanted) {
+        // A save takes some milliseconds.
+        std::this_thread::sleep_for(microseconds(random_() % 8000));
+        break;
+      }
+      if (wasSaving && !isSaving) {
+        ++seen;
+        ReadCheckpoint();
+      }
+      wasSaving = isSaving;
+      std::this_thread::sleep_for(isSaving || insideSave ? microseconds(100) : microseconds(1000));
+    }
+    if (!program.IsRunning()) Find("the program ended by itself: " + program.Messages());
+    if (IsSaving()) ++counts_.insideSaves;
+    program.End(SIGKILL);
+    ++counts_.runs;
+    if (seen > 0) ++counts_.withCheckpoint;
+    if (program.Messages().find("damaged") != std::string::npos) Find(program.Messages());
+    ExpectStore("a kill of the program");
+  }
+
+  /// Adds or removes a meter; whether it is there afterwards is open, the others are.
+  void KillCommand() {
+    const bool adds = !extra_;
+    std::vector<std::string> arguments = {"meter", "remove", "Extra"};
+    if (adds) arguments = {"meter", "add", "--name", "Extra", "--address", "9"};
+    RunningProgram command(Program(arguments, torture_.isBroken));
+    const auto end = Clock::now() + Below(400);
+    const bool insideSave = random_() % 2 == 0;
+    while (Clock::now() < end && command.IsRunning()) {
+      if (insideSave && IsSaving()) {
+        std::this_thread::sleep_for(microseconds(random_() % 4000));
+        break;
+      }
+      std::this_thread::sleep_for(microseconds(50));
+    }
+    if (IsSaving()) ++counts_.insideSaves;
+    const bool isDone = !command.IsRunning();
+    if (command.End(SIGKILL) == 0 && isDone) extra_ = adds;
+    ++counts_.commands;
+    ExpectStore("a kill of meter " + arguments[1]);
+  }
+
+ private:
+  milliseconds Below(int limit) {
+    return milliseconds(static_cast<int>(random_() % static_cast<unsigned>(limit)));
+  }
+  std::vector<std::string> Program(std::vector<std::string> arguments,
+                                   bool isBroken = false) const {
+    arguments.insert(arguments.begin(), {WATTLARK_HEADLESS_PROGRAM, "--profile", profile_});
+    if (isBroken) {
+      arguments.insert(arguments.begin(), {"/usr/bin/env", "LD_PRELOAD=" WATTLARK_CARELESS_LIBRARY,
+                                           "ASAN_OPTIONS=verify_asan_link_order=0"});
+    }
+    return arguments;
+  }
+  bool IsSaving() const {
+    struct stat file {};
+    // The careless variant has no journal: what it writes is seen in the file itself.
+    if (torture_.isBroken) {
+      return ::stat((profile_ + "/wattlark.db").c_str(), &file) == 0 && IsYoung(file.st_mtim);
+    }
+    return ::stat((profile_ + "/wattlark.db-journal").c_str(), &file) == 0;
+  }
+  static bool IsYoung(const timespec& time) {
+    timespec now{};
+    ::clock_gettime(CLOCK_REALTIME, &now);
+    return (now.tv_sec - time.tv_sec) * 1000 + (now.tv_nsec - time.tv_nsec) / 1000000 < 10;
+  }
+  void Find(const std::string& fault) {
+    const std::lock_guard lock(mutex_);
+    torture_.Find(fault);
+  }
+
+  /// The totals by meter; nothing while the store is locked. A message is a store that is damaged.
+  std::optional<std::map<std::string, double>> ReadTotals(std::string& message) const {
+    const StoreOpening opening = OpenStoreCopy(profile_, 2000);
+    message = opening.message;
+    if (!message.empty() || opening.registry == nullptr) return std::nullopt;
+    const RegionalSettings regional = RegionalSettings::UnitedStates();
+    modRegistry store(*opening.registry);
+    ProfileData profile(regional);
+    opening.registry->Begin();
+    profile.Load(store, "log.csv", At("2026-11-16T20:10:00"));
+    opening.registry->Rollback();
+    std::map<std::string, double> totals;
+    for (const auto& meter : profile.Meters()) {
+      totals[meter->Name()] = meter->Statistics().Usage(ToDate);
+    }
+    for (const std::string& problem : profile.Problems()) message += problem;
+    return totals;
+  }
+
+  /// What is in the store now must be there after the kill.
+  void ReadCheckpoint() {
+    std::string message;
+    if (const auto totals = ReadTotals(message)) Compare(*totals, "a save");
+  }
+
+  void ExpectStore(const std::string& when) {
+    std::string message;
+    const auto totals = ReadTotals(message);
+    if (!totals || !message.empty()) {
+      Find("the store cannot be read after " + when + ": " + message);
+      return;
+    }
+    Compare(*totals, when);
+    extra_ = totals->contains("Extra");
+  }
+
+  void Compare(const std::map<std::string, double>& totals, const std::string& when) {
+    for (auto& [name, total] : meters_) {
+      const auto found = totals.find(name);
+      if (found == totals.end()) {
+        Find(name + " is lost after " + when);
+      } else if (found->second < total) {
+        Find(name + " falls from " + std::to_string(total) + " to " +
+             std::to_string(found->second) + " after " + when);
+      } else {
+        total = found->second;
+      }
+    }
+  }
+
+  Torture& torture_;
+  std::mutex& mutex_;
+  Counts& counts_;
+  std::mt19937_64 random_;
+  TemporaryFolder folder_;
+  std::string profile_ = folder_.File("profile");
+  std::string device_ = folder_.File("receiver");
+  std::unique_ptr<RunningProgram> sim_;
+  std::map<std::string, double> meters_;  ///< the most that was ever stored, Wh
+  bool extra_ = false;
+};
+
+void Run(Torture& torture) {
+  const int victims = torture.isLong ? 12 : 4;
+  const int kills = torture.isLong ? 2004 : 24;
+  std::mutex mutex;
+  Counts counts;
+  std::vector<std::thread> threads;
+  for (int number = 0; number < victims; ++number) {
+    threads.emplace_back([&, number] {
+      try {
+        Victim victim(torture, mutex, counts, torture.seed * 1000 + static_cast<unsigned>(number));
+        for (int i = 0; i < kills / victims; ++i) {
+          if (i % 3 == 2) {
+            victim.KillCommand();
+          } else {
+            victim.KillProgram(i % 3 == 0);
+          }
+        }
+      } catch (const std::exception& error) {
+        const std::lock_guard lock(mutex);
+        torture.Find(error.what());
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  Torture::Tell("kills of the running program", counts.runs);
+  Torture::Tell("of these with a checkpoint to compare with", counts.withCheckpoint);
+  Torture::Tell("kills of meter add and meter remove", counts.commands);
+  Torture::Tell("of all these inside a save", counts.insideSaves);
+}
+
+}  // namespace
+}  // namespace wattlark
+
+int main(int argc, char** argv) {
+  return wattlark::RunTorture(argc, argv, wattlark::Run);
+}

@@ -1,0 +1,239 @@
+// Unplugged: the device is lost and comes back, under its name or another that a link leads to, or
+// may not be opened for a while. The first reading comes at most three seconds after the return,
+// from the same process, which neither spins nor grows.
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <mutex>
+#include <random>
+#include <sstream>
+
+#include "integration/RunningProgram.h"
+#include "platform/TemporaryFolder.h"
+#include "torture/Torture.h"
+#include "twins/Frames.h"
+#include "twins/TestTerminal.h"
+
+namespace wattlark {
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+constexpr milliseconds kLimit{3000};
+
+struct Figures {
+  std::mutex mutex;
+  int losses = 0;
+  double slowest = 0;  ///< s from the return to the first reading
+  double total = 0;
+  double processorShare = 0;  ///< of one processor, the highest of a run
+  long growth = 0;            ///< kB of memory, the most of a run
+  long descriptorGrowth = 0;
+};
+
+/// A program whose device comes and goes, in a thread of its own.
+class Bench {
+ public:
+  Bench(Torture& torture, Figures& figures, std::uint64_t seed)
+      : torture_(torture), figures_(figures), random_(seed) {
+    PlugIn();
+    RunningProgram add(Command({"meter", "add", "--name", "Kitchen", "--address", "5"}));
+    if (add.Wait() != 0) throw std::runtime_error("no meter: " + add.Messages());
+  }
+
+  void Run(int cycles) {
+    RunningProgram program(Command({"--device", device_, "--record", capture_}));
+    if (!WaitUntil([&] { return SendAndSee(); })) {
+      throw std::runtime_error("no reading at all: " + program.Messages());
+    }
+    // What grows once, the texts of the first losses for one, is no growth.
+    const int settled = std::min(cycles / 4, 50);
+    long memory = 0;
+    long descriptors = 0;
+    const auto start = Clock::now();
+    const double processor = ProcessorSeconds(program.Process());
+    for (int cycle = 0; cycle < cycles; ++cycle) {
+      if (cycle == settled) {
+        memory = MemoryOf(program.Process());
+        descriptors = DescriptorsOf(program.Process());
+      }
+      LoseAndReturn(cycle);
+      if (!program.IsRunning()) {
+        Find("the program ended: " + program.Messages());
+        return;
+      }
+      static_cast<void>(program.Output());
+      static_cast<void>(program.Messages());
+    }
+    const std::chrono::duration<double> took = Clock::now() - start;
+    const std::lock_guard lock(figures_.mutex);
+    figures_.growth = std::max(figures_.growth, MemoryOf(program.Process()) - memory);
+    figures_.descriptorGrowth =
+        std::max(figures_.descriptorGrowth, DescriptorsOf(program.Process()) - descriptors);
+    figures_.processorShare = std::max(
+        figures_.processorShare, (ProcessorSeconds(program.Process()) - processor) / took.count());
+  }
+
+ private:
+  std::vector<std::string> Command(std::vector<std::string> arguments) const {
+    arguments.insert(arguments.begin(), {WATTLARK_HEADLESS_PROGRAM, "--profile", profile_});
+    // Modes do not bind root, who may open any device; without this privilege they do.
+    if (::geteuid() == 0) {
+      arguments.insert(arguments.begin(),
+                       {"/usr/bin/setpriv", "--bounding-set=-dac_override,-dac_read_search"});
+    }
+    return arguments;
+  }
+  void Find(const std::string& fault) {
+    const std::lock_guard lock(figures_.mutex);
+    torture_.Find(fault);
+  }
+
+  void PlugIn() {
+    // While the old one is still there, so that the new one has another name.
+    auto next = std::make_unique<TestTerminal>();
+    terminal_ = std::move(next);
+    Link();
+  }
+  void Link() const {
+    fs::remove(device_);
+    fs::create_symlink(terminal_->Path(), device_);
+  }
+
+  void LoseAndReturn(int cycle) {
+    enum { Unplugged, Renamed, Forbidden };
+    const int kind = cycle % 3;
+    const std::string path = terminal_->Path();
+    // Forbidding alone takes no device from whoever has it open.
+    if (kind != Renamed) terminal_.reset();
+    fs::remove(device_);
+    if (kind == Forbidden) {
+      terminal_ = std::make_unique<TestTerminal>();
+      ::chmod(terminal_->Path().c_str(), 0);
+      Link();
+    }
+    std::this_thread::sleep_for(milliseconds(random_() % 2500));
+    if (torture_.isBroken) return ExpectReading("never restored");
+    if (kind == Unplugged) PlugIn();
+    if (kind == Renamed) Link();
+    if (kind == Forbidden) ::chmod(terminal_->Path().c_str(), 0600);
+    ExpectReading(kind == Unplugged ? "unplugged" : kind == Renamed ? "renamed" : "forbidden");
+  }
+
+  /// A meter sends ten times a second; what nobody reads is lost.
+  void ExpectReading(const char* what) {
+    const auto start = Clock::now();
+    const auto before = Recorded();
+    std::chrono::duration<double> took{};
+    while (Recorded() == before && took < 3 * kLimit) {
+      if (terminal_) SendBurst();
+      std::this_thread::sleep_for(milliseconds(20));
+      took = Clock::now() - start;
+    }
+    const std::lock_guard lock(figures_.mutex);
+    ++figures_.losses;
+    figures_.total += took.count();
+    figures_.slowest = std::max(figures_.slowest, took.count());
+    torture_.Expect(took <= kLimit, std::string(what) + ": the first reading comes after " +
+                                        std::to_string(took.count()) + " s");
+  }
+  bool SendAndSee() {
+    const auto before = Recorded();
+    SendBurst();
+    std::this_thread::sleep_for(milliseconds(50));
+    return Recorded() > before;
+  }
+  void SendBurst() {
+    const std::vector<std::uint16_t> volts(19, 600);
+    const std::vector<std::uint16_t> amps(19, 520);
+    const Bytes frame = MeterFrame(5, volts, amps);
+    // The terminal holds 4096 bytes for a reader that is not there; what is more is lost.
+    const ssize_t ignored = ::write(terminal_->Master(), frame.data(), frame.size());
+    static_cast<void>(ignored);
+  }
+  /// How often the program has recorded a read.
+  std::size_t Recorded() {
+    std::ifstream file(capture_);
+    file.seekg(static_cast<std::streamoff>(read_));
+    std::string line;
+    while (std::getline(file, line) && !file.eof()) {
+      read_ += line.size() + 1;
+      if (line.find(" rx ") != std::string::npos) ++reads_;
+    }
+    return reads_;
+  }
+
+  static double ProcessorSeconds(pid_t process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/stat");
+    std::string field;
+    for (int i = 0; i < 13; ++i) file >> field;
+    double user = 0;
+    double system = 0;
+    file >> user >> system;
+    return (user + system) / static_cast<double>(::sysconf(_SC_CLK_TCK));
+  }
+  static long MemoryOf(pid_t process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/statm");
+    long pages = 0;
+    file >> pages >> pages;
+    return pages * ::sysconf(_SC_PAGESIZE) / 1024;
+  }
+  static long DescriptorsOf(pid_t process) {
+    const fs::path folder = "/proc/" + std::to_string(process) + "/fd";
+    return std::distance(fs::directory_iterator(folder), fs::directory_iterator());
+  }
+
+  Torture& torture_;
+  Figures& figures_;
+  std::mt19937_64 random_;
+  TemporaryFolder folder_;
+  std::string profile_ = folder_.File("profile");
+  std::string device_ = folder_.File("receiver");
+  std::string capture_ = folder_.File("capture");
+  std::unique_ptr<TestTerminal> terminal_;
+  std::size_t read_ = 0;
+  std::size_t reads_ = 0;
+};
+
+void Run(Torture& torture) {
+  constexpr long kGrowth = 1024;
+  const int benches = torture.isLong ? 6 : 3;
+  const int cycles = torture.isLong ? 1002 : torture.isBroken ? 3 : 9;
+  Figures figures;
+  std::vector<std::thread> threads;
+  for (int number = 0; number < benches; ++number) {
+    threads.emplace_back([&, number] {
+      try {
+        Bench bench(torture, figures, torture.seed * 1000 + static_cast<unsigned>(number));
+        bench.Run(cycles / benches);
+      } catch (const std::exception& error) {
+        const std::lock_guard lock(figures.mutex);
+        torture.Find(error.what());
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  Torture::Tell("losses and returns", figures.losses);
+  Torture::Tell("slowest first reading after the return, s", figures.slowest);
+  Torture::Tell("mean of these, s", figures.total / std::max(1, figures.losses));
+  Torture::Tell("share of a processor", figures.processorShare);
+  Torture::Tell("growth of memory, kB", figures.growth);
+  Torture::Tell("growth of open files", figures.descriptorGrowth);
+  torture.Expect(figures.processorShare < 0.1, "it spins");
+  torture.Expect(!torture.isLong || figures.growth < kGrowth, "its memory grows");
+  // One device may be open at one time and not at the other.
+  torture.Expect(figures.descriptorGrowth <= 2, "its open files grow");
+}
+
+}  // namespace
+}  // namespace wattlark
+
+int main(int argc, char** argv) {
+  return wattlark::RunTorture(argc, argv, wattlark::Run);
+}
