@@ -123,13 +123,18 @@ void Monitor::OpenPort() {
   lastOpenTicks_ = ports_.clock.Ticks();
   const AppSettings& settings = profile_.Settings();
   if (IsDemoMode()) return;
-  ports_.serial.Open(settings.PortNum, settings.BaudRate + "," + settings.Parity + "," +
-                                           settings.DataBits + "," + settings.StopBits);
+  ports_.serial.Open(settings.PortNum, SerialSettings(settings));
 }
 
 void Monitor::ClosePort() {
   if (ports_.serial.IsOpen()) ports_.serial.Close();
+  heard_.Clear();
   listener_.OnUpdateStatus();
+}
+
+void Monitor::RestartPort() {
+  ClosePort();
+  OpenPort();
 }
 
 void Monitor::ReceiveXBeeData() {
@@ -146,7 +151,10 @@ void Monitor::ReceiveXBeeData() {
     if (!decoder_.SampleDecoded()) return;
     // Addresses are unique, so at most one meter takes the frame.
     clsKillAWatt* meter = profile_.Meters().FindAddress(decoder_.SourceAddress());
-    if (meter == nullptr) return;
+    if (meter == nullptr) {
+      heard_.Note(decoder_.SourceAddress(), readClock_.now);
+      return;
+    }
     const FlagScope busy(busy_);
     meter->ProcessPacket(decoder_);
     ++deliveredFrames_;

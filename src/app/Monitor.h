@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "acquisition/HeardMeters.h"
 #include "acquisition/clsXBee.h"
 #include "app/ErrorList.h"
 #include "app/ProfileData.h"
@@ -140,7 +141,11 @@ class Monitor {
   /// Opens the port with the present settings unless demo mode is on; a failure leaves it closed.
   void OpenPort();
   void ClosePort();
+  /// Takes up what has changed of the port.
+  void RestartPort();
   bool IsDemoMode() const { return options_.demoMode.value_or(profile_.Settings().DemoMode); }
+  /// Demo mode was given for this run, whatever the setting says.
+  bool IsDemoModeGiven() const { return options_.demoMode.has_value(); }
   bool IsFlowing() const { return ports_.serial.IsOpen() || IsDemoMode(); }
 
   /// Adds a line to the error list. A `moment` of "never" means now. The status bar then invites a
@@ -162,6 +167,10 @@ class Monitor {
   const RegionalSettings& Regional() const { return regional_; }
   const PublishSchedule& Schedule() const { return schedule_; }
   FrameCounts Frames() const;
+  /// The addresses without a meter that were heard since the port was opened.
+  const HeardMeters& Heard() const { return heard_; }
+  /// Why the port is not open, in words; empty when nothing is wrong with it.
+  std::string PortProblem() const { return ports_.serial.ErrorText(); }
   bool IsUpdateTimerEnabled() const { return timerEnabled_; }
   DateTime Now() const { return ports_.clock.Now(); }
 
@@ -202,6 +211,7 @@ class Monitor {
   ProfileData profile_;
   ReadClock readClock_;
   clsXBee decoder_;
+  HeardMeters heard_;
   PublishSchedule schedule_;
   std::unique_ptr<WebPublishers> web_;
   std::unique_ptr<SoftwareUpdate> update_;

@@ -156,6 +156,11 @@ bool KeepsStoredText(const modRegistry& store, const StoreText& text, const AppS
 
 }  // namespace
 
+std::string SerialSettings(const AppSettings& settings) {
+  return settings.BaudRate + "," + settings.Parity + "," + settings.DataBits + "," +
+         settings.StopBits;
+}
+
 std::string SettingText(const AppSettings& settings, const SettingInfo& info,
                         const StoreText& text) {
   return std::visit(

@@ -67,6 +67,9 @@ struct AppSettings {
   std::string RunningVersion;   ///< never stored; the program's own version text
 };
 
+/// How the serial port is set: baud rate, parity, data bits and stop bits, as in "9600,N,8,1".
+std::string SerialSettings(const AppSettings& settings);
+
 /// One row of the table of settings.
 struct SettingInfo {
   using Field =

@@ -27,7 +27,7 @@ class OptionsOK {
     settings_.AutoUpdate = general.autoUpdate;
     settings_.RunAtStartup = general.runAtStartup;
     // Asked before the transaction: the program goes on, and saves, while the question is open.
-    SetDemoMode(general.demoMode);
+    if (SwitchDemoMode(general.demoMode, settings_, target_.prompts)) restartsPort_ = true;
     // A store that another program holds would make every single write wait, and might take some.
     canSave_ = target_.registry.Begin();
     if (canSave_) RunAtLogOn();
@@ -45,17 +45,6 @@ class OptionsOK {
   }
 
  private:
-  void SetDemoMode(bool on) {
-    if (on == settings_.DemoMode) return;
-    if (on &&
-        target_.prompts.Ask({kDemoWarning, "Consider yourself warned!", PromptIcon::Information,
-                             PromptButtons::OKCancel, PromptAnswer::OK}) != PromptAnswer::OK) {
-      return;
-    }
-    settings_.DemoMode = on;
-    restartsPort_ = true;
-  }
-
   // Whether that is allowed is the system's to say; a user without the right to it is not bothered.
   void RunAtLogOn() {
     if (settings_.RunAtStartup) {
@@ -172,6 +161,16 @@ class OptionsOK {
 };
 
 }  // namespace
+
+bool SwitchDemoMode(bool on, AppSettings& settings, Prompts& prompts) {
+  if (on == settings.DemoMode) return false;
+  if (on && prompts.Ask({kDemoWarning, "Consider yourself warned!", PromptIcon::Information,
+                         PromptButtons::OKCancel, PromptAnswer::OK}) != PromptAnswer::OK) {
+    return false;
+  }
+  settings.DemoMode = on;
+  return true;
+}
 
 bool ApplyOptionsEdit(const OptionsEdit& edit, const OptionsTarget& target) {
   return OptionsOK(target).Apply(edit);

@@ -22,6 +22,10 @@ struct OptionsTarget {
   std::function<void()> restartPort;
 };
 
+/// Switches demo mode, on only after a warning; false when it stays as it is. The port is to be
+/// restarted otherwise.
+bool SwitchDemoMode(bool on, AppSettings& settings, Prompts& prompts);
+
 /// OK: takes the entries into the settings, asks before demo mode starts, saves, makes or removes
 /// the value that starts the program at log-on, and restarts the port when that is needed. What
 /// does not convert keeps its old value. False when the store did not save; the settings in memory

@@ -47,6 +47,10 @@ bool IsBefore(std::string_view a, std::string_view b) {
 
 }  // namespace
 
+std::string DeviceText(const SerialDevice& device) {
+  return device.product.empty() ? device.Path() : device.product + " – " + device.Path();
+}
+
 std::string DevicePathProblem(std::string_view path) {
   path = Trim(path);
   if (path.empty() || path.front() == '/') return {};

@@ -20,6 +20,9 @@ struct SerialDevice {
   const std::string& Path() const { return byIdPath.empty() ? devicePath : byIdPath; }
 };
 
+/// A device for a user to choose: its product name, if it has one, and its path.
+std::string DeviceText(const SerialDevice& device);
+
 /// Why a text does not name a device, for the user who typed it; empty when it does, or is empty or
 /// blank.
 std::string DevicePathProblem(std::string_view path);

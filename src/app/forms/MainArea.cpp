@@ -27,9 +27,11 @@ QLabel* CentredLabel(QWidget* parent) {
 
 }  // namespace
 
-MainArea::MainArea(QWidget* content, QWidget* parent) : QWidget(parent), content_(content) {
+MainArea::MainArea(QWidget* content, QWidget* guide, QWidget* parent)
+    : QWidget(parent), content_(content) {
   setObjectName("elaWindow");
   message_ = new QWidget(this);
+  if (guide != nullptr) guideArea_ = MakeGuideArea(guide);
   picture_ = CentredLabel(message_);
   first_ = CentredLabel(message_);
   second_ = CentredLabel(message_);
@@ -51,11 +53,30 @@ MainArea::MainArea(QWidget* content, QWidget* parent) : QWidget(parent), content
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(content_);
   layout->addWidget(message_);
+  if (guideArea_ != nullptr) layout->addWidget(guideArea_, 1);
   message_->hide();
   SetColors();
 }
 
-void MainArea::SetCaption(const QString& caption) {
+// Large fonts and many devices may need more room than the window has.
+QScrollArea* MainArea::MakeGuideArea(QWidget* guide) {
+  auto* area = new QScrollArea(this);
+  area->setFrameShape(QFrame::NoFrame);
+  area->setWidgetResizable(true);
+  area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  area->setFocusPolicy(Qt::NoFocus);
+  area->setWidget(guide);
+  area->viewport()->setAutoFillBackground(false);
+  guide->setAutoFillBackground(false);
+  area->hide();
+  return area;
+}
+
+void MainArea::SetCaption(const QString& caption, bool showsGuide) {
+  if (guideArea_ != nullptr) {
+    guideArea_->setVisible(showsGuide);
+    picture_->setVisible(!showsGuide);
+  }
   if (caption == caption_) return;
   caption_ = caption;
   const QStringList lines = QString(caption).remove('\r').split('\n');

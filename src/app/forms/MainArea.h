@@ -1,22 +1,24 @@
 #pragma once
 
 #include <QLabel>
+#include <QScrollArea>
 #include <QString>
 #include <QWidget>
 
 namespace wattlark {
 
 /// The main area `elaWindow`: shows its content (tabs and pages), or in its place a caption of two
-/// lines. The caption can be chosen with a double click or, from the keyboard, with Enter.
+/// lines, which can be chosen with a double click or, from the keyboard, with Enter. Below the
+/// caption there may be a guide.
 class MainArea : public QWidget {
   Q_OBJECT
 
  public:
-  /// `content` becomes a child.
-  explicit MainArea(QWidget* content, QWidget* parent = nullptr);
+  /// `content` and `guide`, which may be null, become children.
+  explicit MainArea(QWidget* content, QWidget* guide = nullptr, QWidget* parent = nullptr);
 
   /// An empty caption shows the content.
-  void SetCaption(const QString& caption);
+  void SetCaption(const QString& caption, bool showsGuide = false);
   QString Caption() const { return caption_; }
 
  signals:
@@ -32,8 +34,10 @@ class MainArea : public QWidget {
 
  private:
   void SetColors();
+  QScrollArea* MakeGuideArea(QWidget* guide);
 
   QWidget* content_;
+  QScrollArea* guideArea_ = nullptr;
   QLabel* picture_ = nullptr;
   QLabel* first_ = nullptr;
   QLabel* second_ = nullptr;

@@ -54,6 +54,8 @@ void MeterTabs::ShowTabs() {
     setTabVisible(index, tab.visible);
   }
   setCurrentIndex(selection_.SelectedTab());
+  // Out of sight a strip tells nobody that its first tab has given it a height.
+  updateGeometry();
 }
 
 QString MeterTabs::TabName(int index) const {

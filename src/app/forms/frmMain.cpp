@@ -165,7 +165,10 @@ bool frmMain::OnSave(modRegistry& store) {
 // A window that nobody sees is left as it is until it is shown.
 void frmMain::UpdateStatus() {
   if (!IsOnScreen()) return;
-  elaWindow_->SetCaption(QString::fromStdString(ports_.monitor.MainAreaText()));
+  std::optional<FirstStartView> guide;
+  if (firstStartPanel_ != nullptr) guide = options_.firstStart->View();
+  if (guide) firstStartPanel_->Show(*guide);
+  elaWindow_->SetCaption(QString::fromStdString(ports_.monitor.MainAreaText()), guide.has_value());
   if (elaWindow_->Caption().isEmpty()) elaScroller_->RefreshPages();
   sbStatusBar_->Refresh();
 }
@@ -188,8 +191,9 @@ void frmMain::RefreshTabs() {
   UpdateStatus();
 }
 
-void frmMain::AddKillAWatt() {
+void frmMain::AddKillAWatt(std::int16_t address) {
   auto meter = std::make_unique<clsKillAWatt>();
+  meter->SetXBeeAddress(address);
   if (!options_.dialogs.editMeter || !options_.dialogs.editMeter(*meter, "Add Kill-A-Watt")) return;
   if (meterActions_.Add(std::move(meter))) RefreshTabs();
 }

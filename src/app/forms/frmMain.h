@@ -5,9 +5,11 @@
 #include <functional>
 #include <string>
 
+#include "app/FirstStart.h"
 #include "app/MeterActions.h"
 #include "app/MeterSelection.h"
 #include "app/Monitor.h"
+#include "app/forms/FirstStartPanel.h"
 #include "app/forms/MainArea.h"
 #include "app/forms/MainMenus.h"
 #include "app/forms/MeterTabs.h"
@@ -46,6 +48,7 @@ class frmMain : public QMainWindow, public MonitorListener {
     MainDialogs dialogs = {};
     std::string helpAddress;
     std::string websiteAddress;
+    FirstStart* firstStart = nullptr;  ///< null for no guide; must outlive the window
     std::function<void()> endProgram;
     std::function<void()> exitApplication;  ///< ends it for an update
     std::function<bool()> isTrayAvailable = &QSystemTrayIcon::isSystemTrayAvailable;
@@ -94,7 +97,9 @@ class frmMain : public QMainWindow, public MonitorListener {
   void WatchTray();
   bool IsOnScreen() const { return isVisible() && !isMinimized(); }
   void RefreshTabs();
-  void AddKillAWatt();
+  FirstStartPanel* MakeFirstStartPanel();
+  /// The dialog begins with that address.
+  void AddKillAWatt(std::int16_t address = 0);
   void EditKillAWatt();
   void CalibrateKillAWatt();
   /// Opens a window now, or once no web server is waited for: the wait beneath it could not end
@@ -115,6 +120,7 @@ class frmMain : public QMainWindow, public MonitorListener {
   MeterTabs* tabKillAWatt_ = nullptr;
   PageStrip* elaScroller_ = nullptr;
   PageBar* pageBar_ = nullptr;
+  FirstStartPanel* firstStartPanel_ = nullptr;
   MainArea* elaWindow_ = nullptr;
   StatusBar* sbStatusBar_ = nullptr;
   MainMenus menus_;

@@ -31,7 +31,8 @@ void frmMain::BuildContent() {
   column->addWidget(header);
   column->addWidget(elaScroller_, 1);
   column->addWidget(pageBar_);
-  elaWindow_ = new MainArea(content, this);
+  if (options_.firstStart != nullptr) firstStartPanel_ = MakeFirstStartPanel();
+  elaWindow_ = new MainArea(content, firstStartPanel_, this);
   sbStatusBar_ = new StatusBar(this);
   setCentralWidget(elaWindow_);
   setStatusBar(sbStatusBar_);
@@ -53,6 +54,35 @@ void frmMain::BuildContent() {
   connect(elaWindow_, &MainArea::DoubleClicked, this, [this] { DoubleClickMainArea(); });
   connect(sbStatusBar_, &StatusBar::PanelClicked, this,
           [this](const QString& key) { ClickStatusPanel(key); });
+}
+
+FirstStartPanel* frmMain::MakeFirstStartPanel() {
+  auto* panel = new FirstStartPanel;
+  FirstStart& guide = *options_.firstStart;
+  const auto later = [this](const std::function<void()>& act) {
+    WhenIdle([this, act] {
+      act();
+      UpdateStatus();
+    });
+  };
+  connect(panel, &FirstStartPanel::DeviceChosen, this, [&guide, later](const QString& path) {
+    later([&guide, path] { guide.UseDevice(path.toStdString()); });
+  });
+  connect(panel, &FirstStartPanel::MeterChosen, this, [this, later](int address) {
+    later([this, address] { AddKillAWatt(static_cast<std::int16_t>(address)); });
+  });
+  connect(panel, &FirstStartPanel::AddingChosen, this,
+          [this, later] { later([this] { AddKillAWatt(); }); });
+  connect(panel, &FirstStartPanel::DemoChosen, this, [this, &guide, later] {
+    later([this, &guide] {
+      if (ports_.monitor.IsDemoMode()) {
+        guide.LeaveDemoMode();
+      } else if (guide.StartDemoMode()) {
+        AddKillAWatt();  // only meters show readings
+      }
+    });
+  });
+  return panel;
 }
 
 void frmMain::BuildShortcuts() {

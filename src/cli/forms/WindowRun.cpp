@@ -5,6 +5,7 @@
 #include <exception>
 #include <iostream>
 
+#include "app/FirstStart.h"
 #include "app/MonitorRelay.h"
 #include "app/forms/Notices.h"
 #include "app/forms/frmInfoBox.h"
@@ -14,6 +15,7 @@
 #include "config/forms/frmCalibrateKillAWatt.h"
 #include "config/forms/frmEditKillAWatt.h"
 #include "config/forms/frmOptions.h"
+#include "platform/qt/SerialDeviceProblem.h"
 #include "platform/qt/SerialDevices.h"
 #include "platform/qt/UnixSignals.h"
 #include "platform/qtwidgets/QtDesktop.h"
@@ -63,7 +65,13 @@ class WindowRun {
       if (window_ != nullptr) window_->BringForward();
     });
     if (!isLoaded) return ExitRefused;
-    frmMain window({*monitor_, setup_.Values(), desktop_, prompts_}, WindowOptions());
+    FirstStart firstStart({*monitor_, setup_.Devices(), setup_.SystemRegistry(), prompts_,
+                           [] { return ListSerialDevices(); }, &ListSerialDevicesWithProducts,
+                           [](const std::string& path) {
+                             return SerialPathProblem(path, "Plug it in, or choose another device");
+                           },
+                           &SerialAccessCommand});
+    frmMain window({*monitor_, setup_.Values(), desktop_, prompts_}, WindowOptions(firstStart));
     window_ = &window;
     relay.SendTo(&window);
     StartRunning();
@@ -107,8 +115,9 @@ class WindowRun {
     Quit();
   }
 
-  frmMain::Options WindowOptions() {
+  frmMain::Options WindowOptions(FirstStart& firstStart) {
     frmMain::Options options;
+    options.firstStart = &firstStart;
     options.dialogs.editMeter = [this](clsKillAWatt& meter, const std::string& caption) {
       ProfileData& profile = monitor_->Profile();
       return EditMeterProperties(
@@ -137,10 +146,7 @@ class WindowRun {
 
   void ShowOptions() {
     ProfileData& profile = monitor_->Profile();
-    const auto restartPort = [this] {
-      monitor_->ClosePort();
-      monitor_->OpenPort();
-    };
+    const auto restartPort = [this] { monitor_->RestartPort(); };
     const auto tellFailure = [this] {
       monitor_->ReportError("The options could not be saved: " +
                             setup_.SystemRegistry().ErrorText());

@@ -19,12 +19,6 @@ namespace {
 constexpr int kShownCharacters = 24;
 constexpr int kWidestList = 640;
 
-QString EntryText(const SerialDevice& device) {
-  const QString path = QString::fromStdString(device.Path());
-  if (device.product.empty()) return path;
-  return QString::fromStdString(device.product) + " \u2013 " + path;
-}
-
 }  // namespace
 
 PortDeviceList::PortDeviceList(Ports ports) : ports_(std::move(ports)), note_(nullptr) {
@@ -86,8 +80,9 @@ void PortDeviceList::FillList() {
   const QString text = currentText();
   clear();
   for (const SerialDevice& device : ports_.listDevices()) {
-    addItem(EntryText(device), QString::fromStdString(device.Path()));
-    setItemData(count() - 1, PlainToolTip(EntryText(device)), Qt::ToolTipRole);
+    const QString entry = QString::fromStdString(DeviceText(device));
+    addItem(entry, QString::fromStdString(device.Path()));
+    setItemData(count() - 1, PlainToolTip(entry), Qt::ToolTipRole);
   }
   if (count() == 0) {
     addItem("No serial device is connected");

@@ -12,6 +12,12 @@ namespace wattlark {
 
 namespace {
 
+constexpr const char* kAccessCommand = "sudo usermod -aG dialout $USER";
+
+bool IsDenied(const std::string& path) {
+  return faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0 && errno == EACCES;
+}
+
 std::string OpenProblem(const std::string& path, const std::string& advice,
                         const QSerialPort& port) {
   switch (port.error()) {
@@ -42,12 +48,17 @@ std::string SerialPathProblem(const std::string& path, const std::string& advice
     return "Cannot look at " + path + ": " + std::generic_category().message(errno);
   }
   if (!S_ISCHR(file.st_mode)) return "Not a serial device: " + path;
-  if (faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0 && errno == EACCES) {
+  if (IsDenied(path)) {
     return "Permission denied: " + path +
-           ". Add your user to the group dialout: sudo usermod -aG dialout $USER, then log in "
-           "again";
+           ". Add your user to the group dialout: " + kAccessCommand + ", then log in again";
   }
   return {};
+}
+
+std::string SerialAccessCommand(const std::string& path) {
+  struct stat file {};
+  const bool isDevice = stat(path.c_str(), &file) == 0 && S_ISCHR(file.st_mode);
+  return isDevice && IsDenied(path) ? kAccessCommand : "";
 }
 
 QString CanonicalDevice(const std::string& path) {

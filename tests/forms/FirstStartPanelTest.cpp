@@ -1,0 +1,170 @@
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QTest>
+
+#include "MainWindowFixture.h"
+#include "app/forms/FirstStartPanel.h"
+#include "twins/Frames.h"
+
+namespace wattlark {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+// A new profile, with two devices connected, one of which the user may not open.
+struct FirstStartWindow : MainWindowTest {
+  FirstStartWindow() { port.opens = false; }
+
+  void StartHere(int meterCount = 0) {
+    options.dialogs.editMeter = [this](clsKillAWatt& meter, const std::string&) {
+      addresses.push_back(meter.XBeeAddress());
+      return accepts;
+    };
+    Start(meterCount);
+    guide.emplace(FirstStart::Ports{*monitor, devices, registry, prompts,
+                                    [this] { return connected; }, [this] { return connected; },
+                                    [](const std::string&) { return std::string(); },
+                                    [this](const std::string& path) {
+                                      return path == deniedPath ? std::string("usermod") : "";
+                                    }});
+    relay.SendTo(nullptr);
+    options.firstStart = &*guide;
+    window = std::make_unique<frmMain>(frmMain::Ports{*monitor, store, desktop, prompts}, options);
+    relay.SendTo(window.get());
+    window->ShowAtLaunch();
+    Tick();
+  }
+  bool Shows(const QString& name) const { return Control<QWidget>(name).isVisible(); }
+  void Hear(std::uint16_t address) {
+    port.waiting = MeterFrame(address, {700, 300}, {498, 530});
+    monitor->ReceiveXBeeData();
+  }
+  std::string Caption() const { return Control<MainArea>("elaWindow").Caption().toStdString(); }
+
+  std::vector<SerialDevice> connected{{"/dev/serial/by-id/usb-a", "/dev/ttyUSB0", "Receiver"}};
+  std::string deniedPath;
+  PortDevices devices{store, [this] { return connected; }};
+  std::optional<FirstStart> guide;
+  std::vector<int> addresses;
+  bool accepts = true;
+};
+
+TEST_F(FirstStartWindow, ADeviceThatIsChosenIsStoredAndOpenedAtOnce) {
+  StartHere();
+  const int openedBefore = port.openCalls;
+  port.opens = true;
+  QTest::mouseClick(&Control<QWidget>("cmdDevice0"), Qt::LeftButton);
+  EXPECT_EQ(Get("PortDevices", "COM3"), "/dev/serial/by-id/usb-a");
+  EXPECT_EQ(port.openCalls, openedBefore + 1);
+  EXPECT_EQ(Caption(), "No Kill-A-Watts have been added\r\nDouble click to add...");
+  EXPECT_TRUE(Control<QPushButton>("cmdDevice0").isChecked());
+  // Chosen once more it keeps receiving.
+  QTest::mouseClick(&Control<QWidget>("cmdDevice0"), Qt::LeftButton);
+  EXPECT_EQ(port.openCalls, openedBefore + 1);
+  EXPECT_TRUE(Control<QPushButton>("cmdDevice0").isChecked());
+}
+
+TEST_F(FirstStartWindow, AnUnsavedChoiceIsToldAndUsedAllTheSame) {
+  StartHere();
+  registry.failsWrites = true;
+  port.opens = true;
+  QTest::mouseClick(&Control<QWidget>("cmdDevice0"), Qt::LeftButton);
+  EXPECT_TRUE(port.IsOpen());
+  EXPECT_EQ(devices.Path(3), "/dev/serial/by-id/usb-a");
+  EXPECT_FALSE(monitor->Errors().Text().empty());
+}
+
+TEST_F(FirstStartWindow, AHeardMeterIsAddedWithItsAddress) {
+  port.opens = true;
+  StartHere();
+  Hear(5);
+  Tick();
+  auto& button = Control<QPushButton>("cmdMeter0");
+  EXPECT_EQ(button.accessibleName(), "Meter 5 is sending: add it?");
+  accepts = false;
+  QTest::mouseClick(&button, Qt::LeftButton);
+  EXPECT_TRUE(Shows("FirstStartPanel"));
+  accepts = true;
+  button.setFocus();
+  QTest::keyClick(&button, Qt::Key_Return);
+  EXPECT_THAT(addresses, ElementsAre(5, 5));
+  EXPECT_FALSE(Shows("FirstStartPanel"));
+  EXPECT_EQ(Caption(), "");
+  QCoreApplication::processEvents();
+  EXPECT_GE(Control<QWidget>("tabKillAWatt").height(), 20);
+  Hear(6);
+  Tick();
+  EXPECT_FALSE(Shows("FirstStartPanel"));
+}
+
+TEST_F(FirstStartWindow, OnlyAProfileWithoutMetersIsGuided) {
+  StartHere(1);
+  EXPECT_FALSE(Shows("FirstStartPanel"));
+  EXPECT_EQ(Caption(), "Unable to communicate on COM3:\r\nDouble click to modify settings...");
+}
+
+TEST_F(FirstStartWindow, TheRestOfTheAreaStillTakesTheDoubleClick) {
+  port.opens = true;
+  StartHere();
+  QTest::mouseDClick(&Control<QWidget>("lblDemo"), Qt::LeftButton);
+  EXPECT_THAT(addresses, ElementsAre(0));
+}
+
+TEST_F(FirstStartWindow, DevicesComeAndGoWithoutARestart) {
+  connected.clear();
+  StartHere();
+  EXPECT_FALSE(Shows("cmdDevice0"));
+  connected = {{"", "/dev/ttyACM0"}};
+  Tick();
+  EXPECT_TRUE(Shows("cmdDevice0"));
+  EXPECT_EQ(Control<QPushButton>("cmdDevice0").accessibleName(), "/dev/ttyACM0");
+}
+
+TEST_F(FirstStartWindow, TheCommandThatGivesAccessIsThereToCopy) {
+  deniedPath = "/dev/serial/by-id/usb-a";
+  StartHere();
+  EXPECT_EQ(Control<QLineEdit>("txtCommand").text(), "usermod");
+  QTest::mouseClick(&Control<QWidget>("cmdCopy"), Qt::LeftButton);
+  EXPECT_EQ(QGuiApplication::clipboard()->text(), "usermod");
+  deniedPath.clear();
+  Tick();
+  EXPECT_FALSE(Shows("txtCommand"));
+}
+
+TEST_F(FirstStartWindow, DemoModeIsTriedAfterTheWarningAndLeft) {
+  StartHere();
+  accepts = false;
+  auto& button = Control<QPushButton>("cmdDemo");
+  prompts.answers = {PromptAnswer::Cancel};
+  button.click();
+  EXPECT_FALSE(monitor->IsDemoMode());
+  EXPECT_THAT(addresses, IsEmpty());
+  button.click();
+  ASSERT_EQ(prompts.asked.size(), 2u);
+  EXPECT_EQ(prompts.asked.back().caption, "Consider yourself warned!");
+  EXPECT_TRUE(monitor->IsDemoMode());
+  EXPECT_THAT(addresses, ElementsAre(0));
+  EXPECT_TRUE(Shows("cmdAdd"));
+  button.click();
+  EXPECT_FALSE(monitor->IsDemoMode());
+  EXPECT_TRUE(Shows("cmdDevice0"));
+}
+
+TEST_F(FirstStartWindow, LongNamesAndLargeFontsKeepTheWidth) {
+  const std::string name(300, 'x');
+  connected = {{"/dev/serial/by-id/" + name, "/dev/ttyUSB0", name}};
+  deniedPath = connected.front().byIdPath;
+  StartHere();
+  window->resize(360, 520);
+  QFont font = window->font();
+  font.setPointSizeF(font.pointSizeF() * 2);
+  window->setFont(font);
+  Tick();
+  QCoreApplication::processEvents();
+  EXPECT_LE(window->width(), 420);
+  EXPECT_LE(Control<QWidget>("cmdDevice0").width(), window->width());
+}
+
+}  // namespace
+}  // namespace wattlark
