@@ -15,6 +15,7 @@
 #include "cli/Completion.h"
 #include "cli/CompletionValues.h"
 #include "cli/DefaultFiles.h"
+#include "cli/DiscoverCommand.h"
 #include "cli/MeterCommands.h"
 #include "cli/PublishCommand.h"
 #include "cli/ReplayCommand.h"
@@ -134,7 +135,8 @@ class CommandLine {
   }
 
   void DefineMeter() {
-    CLI::App* meter = AddCommand(app_, "meter", "Add, list or remove the meters of a profile");
+    CLI::App* meter =
+        AddCommand(app_, "meter", "Find, add, list or remove the meters of a profile");
     meter->require_subcommand(1);
     meterAdd_ = AddCommand(*meter, "add", "Add a meter");
     meterAdd_->add_option("--name", meter_.name, "Its name")->option_text("NAME")->required();
@@ -153,6 +155,17 @@ class CommandLine {
     add("--alarm-lower", meter_.alarmLower, "W", "Power below this raises an alarm");
     add("--alarm-duration", meter_.alarmDuration, "S", "... when it lasts longer than this");
     add("--alarm-interval", meter_.alarmInterval, "S", "Time between two notices");
+    meterDiscover_ =
+        AddCommand(*meter, "discover", "Listen for meters and print the addresses that send");
+    meterDiscover_
+        ->add_option("--device", discover_.device,
+                     "Serial device to listen on (default: the profile's)")
+        ->option_text("PATH")
+        ->check(NotEmpty());
+    meterDiscover_->add_option("--seconds", discover_.seconds, "How long, 1 to 3600 (default: 10)")
+        ->option_text("N")
+        ->check(CLI::Range(1, 3600).description(""));
+    meterDiscover_->add_flag("--json", discover_.json, "Print one JSON document");
     meterList_ = AddCommand(*meter, "list", "List the meters");
     meterList_->add_flag("--json", json_, "Print a JSON array");
     meterRemove_ = AddCommand(*meter, "remove", "Remove a meter and its statistics");
@@ -243,6 +256,7 @@ class CommandLine {
       return RunReplay(replay_, environment);
     }
     if (*meterAdd_) return AddMeter(profile_, meter_, environment);
+    if (*meterDiscover_) return DiscoverMeters(profile_, discover_, environment);
     if (*meterList_) return ListMeters(profile_, json_, environment);
     if (*meterRemove_) return RemoveMeter(profile_, name_, environment);
     if (*settingGet_) return GetSetting(profile_, name_, environment);
@@ -273,6 +287,7 @@ class CommandLine {
       "wattlark"};
   CLI::App* replayCommand_ = nullptr;
   CLI::App* meterAdd_ = nullptr;
+  CLI::App* meterDiscover_ = nullptr;
   CLI::App* meterList_ = nullptr;
   CLI::App* meterRemove_ = nullptr;
   CLI::App* settingGet_ = nullptr;
@@ -288,6 +303,7 @@ class CommandLine {
   RunOptions run_;
   ReplayOptions replay_;
   NewMeter meter_;
+  DiscoverOptions discover_;
   std::string name_;
   std::string value_;
   std::string file_;

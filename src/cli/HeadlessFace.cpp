@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "cli/CommandText.h"
+
 namespace wattlark {
 
 namespace {
@@ -53,6 +55,7 @@ void HeadlessFace::OnUpdateStatus() {
   const DateTime now = monitor_->Now();
   TellState();
   service_.ShowStatus(StatusText(now));
+  TellHeard();
   if (console_.IsTable()) {
     console_.ShowTable(ConsoleTable(monitor_->Profile(), monitor_->Regional(),
                                     monitor_->IsFlowing(), now, console_.Size()));
@@ -83,12 +86,17 @@ void HeadlessFace::TellState() {
 std::string HeadlessFace::StateText(State state) const {
   const std::string message = monitor_->MainAreaText();
   const std::string firstLine = message.substr(0, message.find('\r'));
+  const bool isNew = monitor_->Profile().Meters().IsEmpty();
+  const std::string discover = ProfileCommand("meter discover", profileFolder_);
   switch (state) {
     case State::NoPort:
-      return firstLine + " " + serial_.ErrorText();
+      return firstLine + " " + serial_.ErrorText() + (isNew ? ". Or find it: " + discover : "");
     case State::NoMeters:
-      return firstLine + ": end this program, then add one with: wattlark meter add --profile \"" +
-             profileFolder_ + "\" --name Kitchen --address 5";
+      if (monitor_->IsDemoMode()) {
+        return firstLine + ": end this program, then type: " + AddCommand(profileFolder_, 1);
+      }
+      return firstLine +
+             ": waiting to hear one. If none comes, end this program, then type: " + discover;
     case State::Receiving:
       break;
   }
@@ -103,6 +111,19 @@ std::string HeadlessFace::StatusText(DateTime now) const {
       std::ranges::count_if(meters, [now](const auto& meter) { return meter->IsReceiving(now); });
   return std::to_string(sending) + " of " + std::to_string(meters.Count()) +
          (meters.Count() == 1 ? " meter sends" : " meters send");
+}
+
+// Only while there are no meters: later, the neighbours' may be heard for years.
+void HeadlessFace::TellHeard() {
+  if (!monitor_->Profile().Meters().IsEmpty()) return;
+  for (const HeardMeter& heard : monitor_->Heard().All()) {
+    if (toldAddresses_.size() == HeardMeters::Most) return;
+    if (!toldAddresses_.insert(heard.address).second) continue;
+    const std::string address = std::to_string(heard.address);
+    console_.WriteMessage("Meter " + address +
+                          " is sending. To add it, end this program, then type: " +
+                          AddCommand(profileFolder_, heard.address));
+  }
 }
 
 void HeadlessFace::PrintFirstReading(const clsKillAWatt& meter, DateTime time) {

@@ -39,6 +39,7 @@ class HeadlessFace : public MonitorListener {
 
   void TellState();
   std::string StateText(State state) const;
+  void TellHeard();
   void PrintFirstReading(const clsKillAWatt& meter, DateTime time);
   std::string StatusText(DateTime now) const;
   void PrintLine(const clsKillAWatt& meter, DateTime now);
@@ -53,6 +54,7 @@ class HeadlessFace : public MonitorListener {
   bool isEnding_ = false;
   State toldState_ = State::Receiving;
   std::string toldText_;
+  std::set<std::int16_t> toldAddresses_;
   std::set<const clsKillAWatt*> printedMeters_;
   std::optional<std::int64_t> printedMinute_;
 };

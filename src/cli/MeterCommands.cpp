@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "app/ProfileData.h"
-#include "cli/DefaultFiles.h"
 #include "cli/MeterJson.h"
 #include "cli/ProfileStore.h"
 #include "cli/RunOptions.h"
@@ -111,23 +110,6 @@ class NewMeterReader {
   std::string problem_;
 };
 
-/// Loads the profile and tells what could not be read; false when that is the store itself. A Total
-/// that was never stored is not seeded with the present moment: that is left to the first start.
-bool LoadProfile(ProfileStore& store, ProfileData& profile, std::ostream& messages) {
-  // Within a transaction a lock of another process cannot make stored meters look missing, which
-  // a save would then delete.
-  Registry& registry = store.Port();
-  bool loaded = registry.Begin();
-  if (loaded) {
-    profile.Load(store.Values(), DefaultCSVFilename(store.Folder()), DateTime());
-    loaded = registry.ErrorText().empty();
-    registry.Rollback();
-  }
-  if (!loaded) TellUser(messages, "The meters could not be read: " + registry.ErrorText());
-  for (const std::string& problem : profile.Problems()) TellUser(messages, problem);
-  return loaded;
-}
-
 /// Saves the meters in one transaction and answers the exit status.
 int SaveMeters(ProfileStore& store, ProfileData& profile, std::ostream& messages) {
   Registry& registry = store.Port();
@@ -215,7 +197,7 @@ int AddMeter(const std::string& profileFolder, const NewMeter& options,
   ProfileStore store(profileFolder);
   if (!store.OpenForChanges(messages)) return ExitRefused;
   ProfileData profile(environment.regional);
-  if (!LoadProfile(store, profile, messages)) return ExitRefused;
+  if (!store.Load(profile, messages)) return ExitRefused;
   problem = JoinProblem(profile, *meter);
   if (!problem.empty()) {
     TellUser(messages, problem);
@@ -236,7 +218,7 @@ int RemoveMeter(const std::string& profileFolder, const std::string& name,
   ProfileStore store(profileFolder);
   if (!store.OpenForChanges(environment.messages)) return ExitRefused;
   ProfileData profile(environment.regional);
-  if (!LoadProfile(store, profile, environment.messages)) return ExitRefused;
+  if (!store.Load(profile, environment.messages)) return ExitRefused;
   const clsKillAWatt* meter = profile.Meters().FindName(name);
   const bool removed =
       meter != nullptr ? profile.Meters().Remove(*meter) : profile.RemoveSkipped(name);
@@ -251,7 +233,7 @@ int ListMeters(const std::string& profileFolder, bool asJson, CommandEnvironment
   ProfileStore store(profileFolder);
   if (!store.OpenCopy(environment.messages)) return ExitRefused;
   ProfileData profile(environment.regional);
-  if (!LoadProfile(store, profile, environment.messages)) return ExitRefused;
+  if (!store.Load(profile, environment.messages)) return ExitRefused;
   for (const std::string& name : profile.SkippedMeters()) {
     TellUser(environment.messages,
              "The meter \"" + name + "\" is left out: another one has its XBee address.");

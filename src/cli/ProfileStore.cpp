@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "cli/CommandEnvironment.h"
+#include "cli/DefaultFiles.h"
 #include "platform/sqlite/OpenStore.h"
 #include "platform/sqlite/OpenStoreCopy.h"
 
@@ -37,6 +38,20 @@ bool ProfileStore::OpenCopy(std::ostream& messages) {
   StoreOpening opening = OpenStoreCopy(folder_);
   if (!opening.message.empty()) TellUser(messages, opening.message);
   return Take(std::move(opening.registry));
+}
+
+bool ProfileStore::Load(ProfileData& profile, std::ostream& messages) {
+  // Within a transaction a lock of another process cannot make stored meters look missing, which
+  // a save would then delete.
+  bool loaded = registry_->Begin();
+  if (loaded) {
+    profile.Load(*values_, DefaultCSVFilename(folder_), DateTime());
+    loaded = registry_->ErrorText().empty();
+    registry_->Rollback();
+  }
+  if (!loaded) TellUser(messages, "The meters could not be read: " + registry_->ErrorText());
+  for (const std::string& problem : profile.Problems()) TellUser(messages, problem);
+  return loaded;
 }
 
 bool ProfileStore::Take(std::unique_ptr<Registry> registry) {

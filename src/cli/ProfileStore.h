@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "app/ProfileData.h"
 #include "config/modRegistry.h"
 #include "platform/Registry.h"
 #include "platform/linux/ProfileLock.h"
@@ -29,7 +30,12 @@ class ProfileStore {
   bool OpenCopy(std::ostream& messages);
 
   const std::string& Folder() const { return folder_; }
-  /// What follows is valid after one of the two succeeded.
+  // What follows is valid after one of the two succeeded.
+
+  /// Loads the profile and tells what could not be read; false when that is the store itself. A
+  /// Total that was never stored is not seeded with the present moment: that is left to the first
+  /// start.
+  bool Load(ProfileData& profile, std::ostream& messages);
   Registry& Port() { return *registry_; }
   modRegistry& Values() { return *values_; }
 

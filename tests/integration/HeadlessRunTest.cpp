@@ -144,9 +144,15 @@ TEST_F(HeadlessRun, StartsWithoutItsDeviceAndWaitsForIt) {
 TEST_F(HeadlessRun, SaysHowToAddAMeter) {
   RunningProgram program(RunCommand());
   ASSERT_TRUE(WaitUntil([&] { return !program.Messages().empty(); }));
-  EXPECT_THAT(program.Messages(), AllOf(HasSubstr("No Kill-A-Watts have been added"),
-                                        HasSubstr("wattlark meter add"), HasSubstr(profile)));
+  EXPECT_THAT(program.Messages(),
+              AllOf(HasSubstr("No Kill-A-Watts have been added"),
+                    HasSubstr("wattlark-headless meter discover --profile " + profile + "\n")));
+  const std::string add =
+      "wattlark-headless meter add --name 'Meter 5' --address 5 --profile " + profile + "\n";
+  for (int burst = 0; burst < 2; ++burst) SendBurst();
+  EXPECT_TRUE(WaitUntil([&] { return program.Messages().ends_with(add); }));
   EXPECT_EQ(program.End(SIGTERM), 0);
+  EXPECT_EQ(CountOf(program.Messages(), add), 1u);
 }
 
 TEST_F(HeadlessRun, GoesOnWhenNobodyReadsItsOutput) {
