@@ -11,8 +11,8 @@ inline constexpr int kAddresses = 100;
 inline constexpr int kSamples = 19;
 inline constexpr std::size_t kFrameSize = 88;  // mask 0x2200: lines A0 and A4
 
-/// `count` intact frames of 19 samples, from the addresses 1 to 100 in turn.
-inline std::vector<std::uint8_t> FrameStream(int count) {
+/// `count` intact frames of 19 samples, from the addresses 1 to `addresses` in turn.
+inline std::vector<std::uint8_t> FrameStream(int count, int addresses = kAddresses) {
   std::vector<std::uint8_t> stream;
   stream.reserve(static_cast<std::size_t>(count) * kFrameSize);
   const auto word = [&](int value) {
@@ -24,7 +24,7 @@ inline std::vector<std::uint8_t> FrameStream(int count) {
     word(static_cast<int>(kFrameSize) - 4);
     const std::size_t data = stream.size();
     stream.push_back(0x83);
-    word(1 + i % kAddresses);
+    word(1 + i % addresses);
     stream.insert(stream.end(), {0x28, 0x00, kSamples});
     word(0x2200);
     for (int s = 0; s < kSamples; ++s) {

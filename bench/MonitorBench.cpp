@@ -1,9 +1,7 @@
 #include <benchmark/benchmark.h>
 
-#include "BenchClock.h"
-#include "SilentPorts.h"
-#include "app/Monitor.h"
-#include "twins/MemoryRegistry.h"
+#include "BenchMonitor.h"
+#include "FrameStream.h"
 
 namespace wattlark::bench {
 namespace {
@@ -21,41 +19,40 @@ class ViewingListener : public MonitorListener {
 
 // One tick of the update cycle with so many receiving meters, each watching its alarm.
 void Tick(benchmark::State& state) {
-  BenchClock clock;
-  SilentSerialPort serial;
-  MemoryRegistry registry;
-  FixedRandom random;
-  SilentDesktop desktop;
-  SilentPrompts prompts;
   ViewingListener listener;
-  Monitor::Options options;
-  options.checkpointSeconds = 1 << 30;
-  Monitor monitor({clock, serial, registry, random, desktop, prompts},
-                  RegionalSettings::UnitedStates(), options, listener);
-  monitor.Load();
-  monitor.Profile().Settings().LogToCSV = false;
-  for (int address = 1; address <= state.range(0); ++address) {
-    auto meter = std::make_unique<clsKillAWatt>();
-    meter->SetName("Meter " + std::to_string(address));
-    meter->SetXBeeAddress(static_cast<std::int16_t>(address));
-    meter->Alarm().SetAlarmUpperLimit(1e6);
-    meter->Alarm().SetAlarmActive(true);
-    monitor.Profile().Meters().Add(std::move(meter));
-  }
-  monitor.StartRunning();
-  listener.monitor = &monitor;
+  BenchMonitor bench(static_cast<int>(state.range(0)), listener);
+  bench.monitor.StartRunning();
+  listener.monitor = &bench.monitor;
   for (auto _ : state) {
     state.PauseTiming();
-    clock.Advance(1000);
-    for (const auto& meter : monitor.Profile().Meters()) {
-      meter->AddReading(120, 4, 450, clock.now, clock.ticks);
-    }
+    bench.PassSecond(450);
     state.ResumeTiming();
-    monitor.UpdateCycle();
+    bench.monitor.UpdateCycle();
   }
-  state.SetComplexityN(state.range(0));
 }
 BENCHMARK(Tick)->ArgName("meters")->RangeMultiplier(10)->Range(1, 10000)->Unit(
+    benchmark::kMicrosecond);
+
+// One frame from the port into the statistics of its meter, the meters in turn.
+void Reading(benchmark::State& state) {
+  ViewingListener listener;
+  const int meters = static_cast<int>(state.range(0));
+  BenchMonitor bench(meters, listener);
+  bench.monitor.StartRunning();
+  const std::vector<std::uint8_t> frames = FrameStream(meters, meters);
+  std::size_t at = 0;
+  for (auto _ : state) {
+    if (at == frames.size()) {
+      at = 0;
+      bench.clock.Advance(2000);
+    }
+    bench.serial.waiting.assign(frames.begin() + static_cast<std::ptrdiff_t>(at),
+                                frames.begin() + static_cast<std::ptrdiff_t>(at + kFrameSize));
+    at += kFrameSize;
+    bench.monitor.ReceiveXBeeData();
+  }
+}
+BENCHMARK(Reading)->ArgName("meters")->RangeMultiplier(10)->Range(1, 10000)->Unit(
     benchmark::kMicrosecond);
 
 }  // namespace

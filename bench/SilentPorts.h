@@ -1,5 +1,7 @@
 #pragma once
 
+#include <utility>
+
 #include "platform/Desktop.h"
 #include "platform/Prompts.h"
 #include "platform/RandomSource.h"
@@ -7,14 +9,15 @@
 
 namespace wattlark::bench {
 
-/// A port that is open and delivers nothing.
+/// A port that is open and delivers only what it is given.
 class SilentSerialPort : public SerialPort {
  public:
   bool Open(int, const std::string&) override { return true; }
   void Close() override {}
   bool IsOpen() const override { return true; }
-  std::vector<std::uint8_t> ReadAll() override { return {}; }
+  std::vector<std::uint8_t> ReadAll() override { return std::exchange(waiting, {}); }
   std::string ErrorText() const override { return ""; }
+  std::vector<std::uint8_t> waiting;
 };
 
 class SilentDesktop : public Desktop {

@@ -2,11 +2,9 @@
 
 #include <QApplication>
 
-#include "BenchClock.h"
-#include "SilentPorts.h"
+#include "BenchMonitor.h"
 #include "app/MonitorRelay.h"
 #include "app/forms/frmMain.h"
-#include "twins/MemoryRegistry.h"
 
 namespace wattlark::bench {
 namespace {
@@ -16,41 +14,21 @@ constexpr int kMeters = 16;
 // One second of the shown window with 16 receiving meters: the tick, the full refresh of the page
 // and its painting.
 void Refresh(benchmark::State& state) {
-  BenchClock clock;
-  SilentSerialPort serial;
-  MemoryRegistry registry;
-  FixedRandom random;
-  SilentDesktop desktop;
-  SilentPrompts prompts;
   MonitorRelay relay;
-  modRegistry store(registry);
-  Monitor::Options options;
-  options.checkpointSeconds = 1 << 30;
-  Monitor monitor({clock, serial, registry, random, desktop, prompts},
-                  RegionalSettings::UnitedStates(), options, relay);
-  monitor.Load();
-  monitor.Profile().Settings().LogToCSV = false;
-  for (int address = 1; address <= kMeters; ++address) {
-    auto meter = std::make_unique<clsKillAWatt>();
-    meter->SetName("Meter " + std::to_string(address));
-    meter->SetXBeeAddress(static_cast<std::int16_t>(address));
-    monitor.Profile().Meters().Add(std::move(meter));
-  }
+  BenchMonitor bench(kMeters, relay);
+  modRegistry store(bench.registry);
   frmMain::Options windowOptions;
   windowOptions.endProgram = [] {};
-  frmMain window({monitor, store, desktop, prompts}, windowOptions);
+  frmMain window({bench.monitor, store, bench.desktop, bench.prompts}, windowOptions);
   relay.SendTo(&window);
-  monitor.StartRunning();
+  bench.monitor.StartRunning();
   window.show();
   window.ShowPage(static_cast<int>(state.range(0)));
   double watts = 100;
   const auto second = [&] {
-    clock.Advance(1000);
     watts = watts < 1000 ? watts + 1 : 100;
-    for (const auto& meter : monitor.Profile().Meters()) {
-      meter->AddReading(120, 4, watts, clock.now, clock.ticks);
-    }
-    monitor.UpdateCycle();
+    bench.PassSecond(watts);
+    bench.monitor.UpdateCycle();
     QCoreApplication::processEvents();
   };
   for (int i = 0; i < 120; ++i) second();
