@@ -1,8 +1,9 @@
 // Power cuts and a failing disk, during a scripted minute: commands that set up a profile, a run of
 // the monitor that saves every few seconds, and commands again.
 #include <fcntl.h>
-#include <stdio.h>
 
+#include <cerrno>
+#include <cstdio>
 #include <filesystem>
 #include <random>
 #include <set>
@@ -157,7 +158,7 @@ class Minute {
       monitor.UpdateCycle();
       after_();
     }
-    if (!monitor.Unload() && !monitor.SaveEverything()) listener.errors.push_back("not saved");
+    if (!monitor.Unload() && !monitor.SaveEverything()) listener.errors.emplace_back("not saved");
     for (const auto& error : listener.errors) errors.push_back(error);
     for (const auto& message : prompts.asked) errors.push_back(message.text);
     opening.registry.reset();
@@ -236,7 +237,7 @@ class DiskTorture {
     const std::size_t step = torture_.isLong ? 1 : 211;
     for (const Fault fault : {Fault::NoSpace, Fault::IOError, Fault::ShortWrite}) {
       // Once, and for a while: everything a save does fails some times over.
-      for (const std::size_t count : {1, 60}) {
+      for (const std::size_t count : {std::size_t{1}, std::size_t{60}}) {
         const std::size_t every = count == 1 ? step : step * 7;
         for (std::size_t first = runs % every; first < course_.operations; first += every) {
           ExpectSurvived(first, count, fault);
