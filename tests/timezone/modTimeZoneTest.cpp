@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <limits>
+#include <vector>
 
 #include "timezone/Zones.h"
 #include "timezone/modTimeZone.h"
@@ -297,6 +299,19 @@ TEST_F(GetTimeZoneByNameTest, CurrentZoneIsTheOneThatTheSystemNames) {
   const auto zone = GetCurrentTimeZone(source);
   ASSERT_TRUE(zone);
   EXPECT_EQ(zone->DisplayName, "(UTC-05:00) Eastern");
+}
+
+TEST(clsTimeZoneInformation, EveryByteOfABlobCounts) {
+  const std::vector<std::uint8_t> blob(clsTimeZoneInformation::BlobLength, 1);
+  const auto rule = clsTimeZoneInformation::FromBlob(blob);
+  for (std::size_t i = 0; i < blob.size(); ++i) {
+    std::vector<std::uint8_t> other = blob;
+    other[i] = 2;
+    const auto otherRule = clsTimeZoneInformation::FromBlob(other);
+    ASSERT_TRUE(rule && otherRule);
+    EXPECT_FALSE(*otherRule == *rule) << i;
+    EXPECT_EQ(otherRule->ToBlob(), other) << i;
+  }
 }
 
 }  // namespace
