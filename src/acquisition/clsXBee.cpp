@@ -69,7 +69,7 @@ bool clsXBee::ParseBytes(std::span<const std::uint8_t> bytes) {
       }
     }
     pending_.assign(bytes.begin(), bytes.end());
-    return candidate == Candidate::Waiting || ParsePending();
+    return ParsePending();
   }
 }
 
@@ -81,7 +81,7 @@ bool clsXBee::ParsePending() {
                                            pending_.end(), kDelimiter) -
                                  pending_.begin());
     const auto bytes = std::span<const std::uint8_t>(pending_).subspan(scan_);
-    const bool searched = scan_ < searchedEnd_;
+    const bool searched = scan_ < searchedEnd_ || (!parked_.empty() && scan_ < claimedEnd_);
     const Candidate candidate = bytes.empty() ? Candidate::Waiting : Judge(bytes, searched);
     if (candidate == Candidate::False) {
       ++scan_;
@@ -94,8 +94,11 @@ bool clsXBee::ParsePending() {
       scan_ = pending_.size();
       complete = frameReceived_;
       break;
-    } else if (searched && bytes.size() >= kPrefix) {
-      parked_.emplace(scan_ + WireSize(bytes), scan_);
+    } else if (bytes.size() >= kPrefix && (searched || Word(&bytes[1]) > LargestSampleFrame)) {
+      const std::size_t end = scan_ + WireSize(bytes);
+      if (parked_.empty()) claimedEnd_ = 0;
+      if (!searched) claimedEnd_ = end;
+      parked_.emplace(end, scan_);
       ++scan_;
     } else if (!JudgeParked(pending_.size())) {
       break;
@@ -141,7 +144,7 @@ void clsXBee::DropParsedBytes() {
   if (scan_ == pending_.size() && parked_.empty()) {
     pending_.clear();
     pendingSums_.clear();
-    scan_ = searchedEnd_ = dropAt_ = 0;
+    scan_ = searchedEnd_ = claimedEnd_ = dropAt_ = 0;
     return;
   }
   // Dropping only when the bytes have doubled keeps the cost a byte constant.
@@ -159,6 +162,7 @@ void clsXBee::DropParsedBytes() {
   parked_ = std::move(moved);
   scan_ -= keep;
   searchedEnd_ -= std::min(searchedEnd_, keep);
+  claimedEnd_ -= std::min(claimedEnd_, keep);
   dropAt_ = std::max(kLeastDrop, 2 * pending_.size());
 }
 

@@ -26,7 +26,9 @@ namespace wattlark {
 /// searched again, so that an intact frame behind a damaged one, or inside a length that lied, is
 /// not lost. A delimiter found by that second search whose frame is not all there yet keeps nothing
 /// waiting: the frames behind it are taken as they come, and the first intact one ends its claim.
-/// No input makes a byte cost more than a few steps; intact frames are looked at once.
+/// Neither does one whose length is above that of every I/O sample frame: a stray delimiter would
+/// silence a single meter for minutes. No input makes a byte cost more than a few steps; intact
+/// frames are looked at once.
 ///
 /// A length field of which the count would overflow (above 0x7FFB) ends the read: the rest of its
 /// bytes is dropped. When the delimiter before it was found in the second search, it is no
@@ -38,6 +40,8 @@ class clsXBee {
   static constexpr int DigitalLines = 9;
   static constexpr std::int16_t NotSampled = -1;  ///< an analog sample that is not enabled
   static constexpr int LargestFrame = 0x7FFB;     ///< bytes of frame data
+  /// Bytes of frame data with 255 samples of all lines.
+  static constexpr int LargestSampleFrame = 8 + 255 * (2 + 2 * AnalogChannels);
 
   /// `clock` stamps the frames and must outlive the decoder.
   explicit clsXBee(const Clock& clock) : clock_(clock) {}
@@ -99,15 +103,17 @@ class clsXBee {
 
   const Clock& clock_;
 
-  // Bytes that do not make a frame yet. Delimiters before `scan_` have been judged; those before
-  // `searchedEnd_` were covered by a candidate that failed, and of these the ones whose frame is
-  // not all there yet are parked, by end and start. `pendingSums_[k]` is the 8-bit sum of the first
-  // k bytes, computed only as far as second searches need it.
+  // Bytes that do not make a frame yet. Delimiters before `scan_` have been judged. Those before
+  // `searchedEnd_` were covered by a candidate that failed, those before `claimedEnd_`, as long as
+  // any is parked, by one that is too long to be waited for; of these the ones whose frame is not
+  // all there yet are parked, by end and start. `pendingSums_[k]` is the 8-bit sum of the first k
+  // bytes, computed only as far as second searches need it.
   std::vector<std::uint8_t> pending_;
   std::vector<std::uint8_t> pendingSums_;
   std::set<std::pair<std::size_t, std::size_t>> parked_;
   std::size_t scan_ = 0;
   std::size_t searchedEnd_ = 0;
+  std::size_t claimedEnd_ = 0;
   std::size_t dropAt_ = 0;  ///< size of `pending_` at which its judged bytes are dropped
 
   bool frameReceived_ = false;

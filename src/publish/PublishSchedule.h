@@ -34,7 +34,9 @@ class PublishSchedule {
   void Start(const AppSettings& settings, DateTime now);
   /// Runs every enabled destination that is due, stamped with the slot that fell due, with averages
   /// and quiet errors, and then sets its next slot after `now`. Missed slots are not replayed; the
-  /// due time of a disabled destination stays.
+  /// due time of a disabled destination stays. One that lies further ahead than the schedule sets
+  /// any (an hour or a day, or a longer interval) was set by a clock that has been set back since,
+  /// and is set anew: publishing would else wait until the clock is there again.
   void RunPublishers(const AppSettings& settings, DateTime now);
 
   const std::vector<PublishDestination>& Destinations() const { return destinations_; }

@@ -1,5 +1,6 @@
 #include "update/SoftwareUpdate.h"
 
+#include <algorithm>
 #include <exception>
 #include <utility>
 
@@ -39,6 +40,8 @@ SoftwareUpdate::SoftwareUpdate(const Context& context, std::string runningVersio
            }) {}
 
 void SoftwareUpdate::FindWhenDue(DateTime now, const std::string& address) {
+  // A clock that was set back must not put the next check off for as long.
+  nextCheck_ = std::min(nextCheck_, now.PlusHours(1));
   if (!context_.settings.AutoUpdate || now <= nextCheck_) return;
   nextCheck_ = now.PlusHours(1);
   Find(address, false, false);

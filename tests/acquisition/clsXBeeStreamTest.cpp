@@ -118,6 +118,22 @@ TEST(clsXBeeStream, FindsTheFramesInsideALengthThatLied) {
   }
 }
 
+TEST(clsXBeeStream, DoesNotWaitForALengthThatNoSampleFrameHas) {
+  for (const int length : {0x0DFB, 0x4000, 0x7FFB}) {
+    const Bytes stray{0x7E, static_cast<std::uint8_t>(length >> 8),
+                      static_cast<std::uint8_t>(length & 0xFF)};
+    Receiver receiver;
+    receiver.ReadEachByte(stray);
+    receiver.Read(TwoSampleFrame(6));
+    EXPECT_EQ(receiver.Decoded(), 1U) << length;
+  }
+  // 255 samples of all lines are 3578 bytes: within those, bytes are data.
+  Receiver receiver;
+  receiver.Read({0x7E, 0x0D, 0xFA});
+  receiver.Read(TwoSampleFrame(6));
+  EXPECT_EQ(receiver.Decoded(), 0U);
+}
+
 TEST(clsXBeeStream, FindsAFrameInsideADamagedOne) {
   const Bytes inner = TwoSampleFrame(6);
   Receiver receiver;
@@ -193,6 +209,7 @@ struct ReferenceDecoder {
   Bytes bytes;
   std::size_t position = 0;
   std::size_t failedEnd = 0;
+  std::size_t claimedEnd = 0;
   std::vector<std::pair<std::size_t, std::size_t>>
       waiting;  // end and start, found in damaged bytes
   std::vector<Bytes> frames;
@@ -227,11 +244,12 @@ struct ReferenceDecoder {
       while (position < bytes.size() && bytes[position] != 0x7E) ++position;
       const std::size_t left = bytes.size() - position;
       const bool lengthKnown = left >= 3;
+      const bool searched = position < failedEnd || (!waiting.empty() && position < claimedEnd);
       const std::size_t length =
           lengthKnown ? bytes[position + 1] * 256U + bytes[position + 2] : 0U;
       const std::size_t end = position + length + 4;
       if ((left >= 2 && bytes[position + 1] >= 0x80) || length > 0x7FFB) {
-        if (position < failedEnd) {
+        if (searched) {
           ++position;
         } else if (!TakeFirstWaiting(position + 1)) {
           waiting.clear();
@@ -240,7 +258,9 @@ struct ReferenceDecoder {
         }
       } else if (lengthKnown && end <= bytes.size()) {
         if (!TakeFirstWaiting(end)) Take(position, end);
-      } else if (lengthKnown && position < failedEnd) {
+      } else if (lengthKnown && (searched || length > 3578)) {
+        if (waiting.empty()) claimedEnd = 0;
+        if (!searched) claimedEnd = end;
         waiting.emplace_back(end, position);
         ++position;
       } else if (!TakeFirstWaiting(bytes.size())) {

@@ -54,6 +54,14 @@ TEST_F(MonitorUpdateTest, ChecksEveryHourWhenTheSettingSaysSo) {
   EXPECT_EQ(versionAlert.requests.size(), 3U);
 }
 
+TEST_F(MonitorUpdateTest, ChecksWithinAnHourOfAClockThatWasSetBack) {
+  Start();
+  clock.now = clock.now.PlusDays(-400);
+  Tick();
+  TickWhenDue();
+  EXPECT_EQ(versionAlert.requests.size(), 1U);
+}
+
 TEST_F(MonitorUpdateTest, ATickPublishesThenChecksThenShowsTheStatus) {
   Put("Settings", "LogToPachube", "True");
   PutMeter("Kitchen", 5);

@@ -89,6 +89,17 @@ TEST(PublishSchedule, RunsWhatIsDueStampedWithItsSlot) {
   for (const auto& [now, runs] : ticks) EXPECT_EQ(publishing.Tick(now), runs) << now;
 }
 
+TEST(PublishSchedule, DoesNotWaitForATimeThatAClockAheadHadSet) {
+  Publishing publishing;
+  publishing.schedule.Start(publishing.settings, At("2027-03-01T04:07:30"));
+  const std::pair<const char*, const char*> ticks[] = {
+      {"2026-11-16T17:57:31", ""},
+      {"2026-11-16T18:00:00", "csv 2026-11-16T18:00:00\ntwitter 2026-11-16T18:00:00\n"},
+      {"2026-11-16T18:05:00", "csv 2026-11-16T18:05:00\n"},
+  };
+  for (const auto& [now, runs] : ticks) EXPECT_EQ(publishing.Tick(now), runs) << now;
+}
+
 TEST(PublishSchedule, LeavesADisabledDestinationsDueTime) {
   Publishing publishing;
   publishing.settings.LogToCSV = false;

@@ -1,0 +1,204 @@
+// Frames on a disturbed line, read by the program: what was sent intact and is not behind a false
+// start arrives, and nothing arrives that no frame with a right checksum says.
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "CoreRun.h"
+#include "NoisyStream.h"
+#include "Verdict.h"
+#include "twins/MemoryRegistry.h"
+
+namespace {
+
+using namespace wattlark;
+using namespace wattlark::torture;
+
+constexpr std::size_t kPrefix = 3;
+constexpr std::size_t kFrameSize = kPrefix + 8 + 4 * kSamples + 1;
+constexpr std::size_t kShortCount = 20'000;
+constexpr std::size_t kLongCount = 100'000;
+
+unsigned Word(std::span<const std::uint8_t> bytes, std::size_t at) {
+  return bytes[at] * 256U + bytes[at + 1];
+}
+
+/// Where a frame would end that begins at `start`; nothing when the stream ends before.
+std::optional<std::size_t> EndOfFrame(std::span<const std::uint8_t> stream, std::size_t start) {
+  if (stream[start] != 0x7E || start + kPrefix > stream.size()) return std::nullopt;
+  const std::size_t end = start + kPrefix + Word(stream, start + 1) + 1;
+  return end <= stream.size() ? std::optional(end) : std::nullopt;
+}
+
+/// What a frame that begins at `start` says, with a right checksum and from a meter. One of another
+/// number of samples or other lines leaves its samples 0.
+std::optional<Message> ReadMessage(std::span<const std::uint8_t> stream, std::size_t start) {
+  const auto end = EndOfFrame(stream, start);
+  if (!end || *end - start < kPrefix + 8 + 1) return std::nullopt;
+  unsigned sum = 0;
+  for (const std::uint8_t byte : stream.subspan(start + kPrefix, *end - start - kPrefix)) {
+    sum += byte;
+  }
+  const auto data = stream.subspan(start + kPrefix, *end - start - kPrefix - 1);
+  Message message{static_cast<std::uint16_t>(Word(data, 1))};
+  const bool isOfMeter = message.address >= 1 && message.address <= kMeters;
+  if ((sum & 0xFF) != 0xFF || data[0] != 0x83 || !isOfMeter) return std::nullopt;
+  if (data[5] != kSamples || Word(data, 6) != 0x2200 || *end - start < kFrameSize) return message;
+  for (std::size_t s = 0; s < kSamples; ++s) {
+    message.voltage[s] = static_cast<std::uint16_t>(Word(data, 8 + 4 * s));
+    message.current[s] = static_cast<std::uint16_t>(Word(data, 10 + 4 * s));
+  }
+  return message;
+}
+
+/// Takes the readings back to what the frame must have said, through the default calibration.
+class Deliveries : public MonitorListener {
+ public:
+  std::vector<Message> messages;
+
+  void OnReading(const clsKillAWatt& meter, DateTime) override {
+    Message message{static_cast<std::uint16_t>(meter.XBeeAddress())};
+    if (!meter.GetSamples(volts_, amps_) || volts_.size() != kSamples) {
+      messages.push_back(message);
+      return;
+    }
+    for (std::size_t s = 0; s < kSamples; ++s) {
+      message.voltage[s] =
+          static_cast<std::uint16_t>(std::lround(volts_[s] * 200 / 120) + meter.VoltageOffset());
+      message.current[s] = static_cast<std::uint16_t>(std::lround(amps_[s] * 15.5) + 498);
+    }
+    messages.push_back(message);
+  }
+
+ private:
+  std::vector<double> volts_;
+  std::vector<double> amps_;
+};
+
+struct Figures {
+  std::size_t intact = 0;
+  std::size_t atOnce = 0;     ///< reached their meter
+  std::size_t late = 0;       ///< found behind a false start, several in one read
+  std::size_t swallowed = 0;  ///< behind a false start and never found
+  std::size_t byChance = 0;   ///< damaged, and the checksum fits nevertheless
+  std::size_t damaged = 0;
+};
+
+/// Marks every byte that a delimiter outside the frames that arrived may have claimed.
+std::vector<bool> ClaimedByFalseStarts(const NoisyStream& stream,
+                                       const std::vector<bool>& arrived) {
+  std::vector<bool> inside(stream.bytes.size());
+  for (std::size_t i = 0; i < stream.frames.size(); ++i) {
+    if (!arrived[i]) continue;
+    const auto first = inside.begin() + static_cast<std::ptrdiff_t>(stream.frames[i].start);
+    std::fill(first, first + kFrameSize, true);
+  }
+  for (const SentFrame& frame : stream.frames) {
+    if (frame.isIntact) inside[frame.start] = true;  // its own delimiter is no false one
+  }
+  std::vector<bool> claimed(stream.bytes.size());
+  std::size_t claimEnd = 0;
+  for (std::size_t at = 0; at < stream.bytes.size(); ++at) {
+    claimed[at] = at < claimEnd;
+    if (inside[at] || stream.bytes[at] != 0x7E || at + kPrefix > stream.bytes.size()) continue;
+    // A length that overflows drops the rest of its read, at most the longest.
+    const unsigned length = Word(stream.bytes, at + 1);
+    claimEnd = std::max(claimEnd, at + kPrefix + 1 + (length > 0x7FFB ? 64 : length));
+  }
+  return claimed;
+}
+
+Figures Run(const NoisyStream& stream, bool isBroken, Random& random, Verdict& verdict) {
+  MemoryRegistry registry;
+  Deliveries deliveries;
+  CoreRun run(registry, kMeters, 1 << 30, deliveries);
+  std::vector<std::uint8_t> fed = stream.bytes;
+  if (isBroken) {
+    for (const Bypass& bypass : stream.bypasses) fed[bypass.at] = bypass.checksum;
+  }
+  // Reads shorter than a frame, so that none hides another.
+  for (std::size_t at = 0; at < fed.size();) {
+    const std::size_t size = std::min<std::size_t>(fed.size() - at, 1 + random.Below(64));
+    const auto first = fed.begin() + static_cast<std::ptrdiff_t>(at);
+    run.Receive({first, first + static_cast<std::ptrdiff_t>(size)});
+    run.clock.Advance(1);
+    at += size;
+  }
+
+  Figures figures;
+  std::vector<Message> chanceFits;
+  std::vector<bool> startsIntact(stream.bytes.size());
+  for (const SentFrame& frame : stream.frames) startsIntact[frame.start] = frame.isIntact;
+  for (std::size_t at = 0; at < stream.bytes.size(); ++at) {
+    if (startsIntact[at] || stream.bytes[at] != 0x7E) continue;
+    if (const auto message = ReadMessage(stream.bytes, at)) chanceFits.push_back(*message);
+  }
+
+  std::vector<bool> arrived(stream.frames.size());
+  for (const Message& message : deliveries.messages) {
+    const std::size_t number = message.current[0] + message.current[1] * std::size_t{1024};
+    const bool isSent = number < stream.frames.size() && stream.frames[number].isIntact &&
+                        stream.frames[number].message == message;
+    if (isSent) {
+      verdict.Require(!arrived[number],
+                      [&] { return "frame " + std::to_string(number) + " came twice"; });
+      arrived[number] = true;
+      ++figures.atOnce;
+    } else {
+      // Each stands for one reading.
+      auto fit = std::ranges::find(chanceFits, message);
+      if (fit == chanceFits.end()) fit = std::ranges::find(chanceFits, Message{message.address});
+      const bool fits = fit != chanceFits.end();
+      if (fits) chanceFits.erase(fit);
+      verdict.Require(fits, [&] {
+        return "a reading that no right checksum stands for reached meter " +
+               std::to_string(message.address);
+      });
+      if (fits) ++figures.byChance;
+    }
+  }
+
+  const std::vector<bool> claimed = ClaimedByFalseStarts(stream, arrived);
+  for (std::size_t i = 0; i < stream.frames.size(); ++i) {
+    const SentFrame& frame = stream.frames[i];
+    if (!frame.isIntact) {
+      ++figures.damaged;
+      continue;
+    }
+    ++figures.intact;
+    verdict.Require(arrived[i] || claimed[frame.start], [&] {
+      return "intact frame " + std::to_string(i) + " is lost without a false start before it";
+    });
+  }
+  const auto completed = static_cast<std::size_t>(run.Program().Frames().completed);
+  figures.late = completed - deliveries.messages.size();
+  figures.swallowed = figures.intact - std::min(figures.intact, figures.atOnce + figures.late);
+  verdict.Require(run.Program().Errors().IsEmpty(), [] { return "an error was reported"; });
+  return figures;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const Arguments arguments(argc, argv);
+  if (!arguments.areUsable) return 2;
+  const std::size_t count = arguments.isLong ? kLongCount : kShortCount;
+  Verdict verdict;
+  std::printf("%8s %8s %8s %8s %8s %8s %8s\n", "noise", "intact", "at once", "late", "lost",
+              "damaged", "chance");
+  for (const double rate : {0.01, 0.1, 0.5}) {
+    for (int seed = 1; seed <= (arguments.isLong ? 20 : 1); ++seed) {
+      Random random(static_cast<std::uint64_t>(seed));
+      const NoisyStream stream = MakeNoisyStream(count, rate, random);
+      const Figures f = Run(stream, arguments.isBroken, random, verdict);
+      std::printf("%7.0f%% %8zu %8zu %8zu %8zu %8zu %8zu\n", rate * 100, f.intact, f.atOnce, f.late,
+                  f.swallowed, f.damaged, f.byChance);
+    }
+  }
+  return verdict.ExitStatus(arguments);
+}

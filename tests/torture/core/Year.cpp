@@ -1,0 +1,240 @@
+// Twenty meters, a frame of each every two seconds, through the program over a real store for a
+// simulated year: memory and store stay as large as they were after the first day, and every total
+// is what an independent sum of the same frames gives.
+
+#include <malloc.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "CoreRun.h"
+#include "Verdict.h"
+#include "platform/sqlite/OpenStore.h"
+#include "sim/MeterModel.h"
+#include "twins/Frames.h"
+
+namespace {
+
+using namespace wattlark;
+using namespace wattlark::torture;
+
+constexpr std::uint16_t kMeters = 20;
+constexpr int kVariants = 64;           ///< different frames of one meter
+constexpr std::int64_t kPeriod = 2000;  // ms
+constexpr int kSecondsOfDay = 86'400;
+constexpr int kHeapMargin = 64 * 1024;
+constexpr int kResidentMargin = 1024 * 1024;
+
+/// A frame, and what it says by the formulas of the meter with its default calibration.
+struct PreparedFrame {
+  Bytes bytes;
+  long double watts = 0;
+};
+
+PreparedFrame Prepare(const Burst& burst) {
+  std::vector<std::uint16_t> voltage;
+  std::vector<std::uint16_t> current;
+  for (const Sample& sample : burst.samples) {
+    voltage.push_back(sample.voltage);
+    current.push_back(sample.current);
+  }
+  const auto [least, most] = std::ranges::minmax(voltage);
+  const int middle = (least + most) / 2;
+  std::int64_t sum = 0;  // in counts, exact
+  for (std::size_t s = 1; s + 1 < voltage.size(); ++s)
+    sum += std::int64_t{voltage[s] - middle} * (current[s] - 498);
+  const long double watts =
+      static_cast<long double>(sum) * 120 / 200 / 15.5L / static_cast<long double>(voltage.size());
+  return {MeterFrame(burst.address, voltage, current), std::max(watts, 0.0L)};
+}
+
+/// Watts and hours of one meter, and the way that the calendar's periods begin anew.
+struct IndependentSum {
+  long double toDate = 0;
+  long double today = 0;
+  std::int64_t lastTicks = -1;
+
+  void Add(long double watts, std::int64_t ticks) {
+    if (lastTicks >= 0) {
+      const long double energy = watts * static_cast<long double>(ticks - lastTicks) / 3600000;
+      toDate += energy;
+      today += energy;
+    }
+    lastTicks = ticks;
+  }
+};
+
+struct Sizes {
+  std::size_t heap = 0;
+  std::size_t resident = 0;
+  std::uintmax_t store = 0;
+};
+
+Sizes Measure(const std::string& folder) {
+  Sizes sizes;
+  sizes.heap = ::mallinfo2().uordblks;
+  std::size_t total = 0;
+  std::ifstream("/proc/self/statm") >> total >> sizes.resident;
+  sizes.resident *= static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+  for (const auto& file : std::filesystem::directory_iterator(folder)) {
+    sizes.store += file.file_size();
+  }
+  return sizes;
+}
+
+class SimulatedYear : public MonitorListener {
+ public:
+  SimulatedYear(const Arguments& arguments, const std::string& folder)
+      : isBroken_(arguments.isBroken),
+        folder_(folder),
+        days_(arguments.isLong ? 365 : 2),
+        // In the short form every second frame is left out.
+        period_(arguments.isLong ? kPeriod : 2 * kPeriod),
+        store_(OpenStore(folder)),
+        run_(*store_.registry, kMeters, arguments.isLong ? 3600 : 7200, *this) {
+    run_.clock.now = At("2026-01-01T00:00:00");
+    for (std::uint16_t address = 1; address <= kMeters; ++address) {
+      MeterSettings settings;
+      settings.address = address;
+      settings.watts = 20.0 * address;
+      MeterModel model(settings, address);
+      for (int i = 0; i < kVariants; ++i) frames_.push_back(Prepare(model.TakeBurst(37.0 * i)));
+    }
+  }
+
+  void Run(Verdict& verdict) {
+    const auto start = std::chrono::steady_clock::now();
+    Sizes afterFirst;
+    for (int day = 1; day <= days_; ++day) {
+      for (int second = 0; second < kSecondsOfDay; ++second) RunSecond();
+      CheckDay(day, verdict);
+      const Sizes sizes = Measure(folder_);
+      if (day == 1) afterFirst = sizes;
+      CheckSizes(day, sizes, afterFirst, verdict);
+      if (day == 1 || day % 30 == 0 || day == days_) {
+        const std::chrono::duration<double> wall = std::chrono::steady_clock::now() - start;
+        std::printf("day %3d: %.0f s, heap %zu, resident %zu, store %ju bytes, difference %.1Le\n",
+                    day, wall.count(), sizes.heap, sizes.resident, sizes.store, worst_);
+        std::fflush(stdout);
+      }
+    }
+    verdict.Require(readings_ == sent_, [] { return "a frame did not become a reading"; });
+    verdict.Require(run_.Program().Errors().IsEmpty(), [] { return "an error was reported"; });
+    std::printf("%llu frames, %d days\n", static_cast<unsigned long long>(sent_), days_);
+  }
+
+  void OnReading(const clsKillAWatt&, DateTime) override { ++readings_; }
+
+ private:
+  /// Each meter has its own moment of the period; the tick comes at the end of the second.
+  void RunSecond() {
+    const std::int64_t end = ticks_ + 1000;
+    for (; next_.ticks <= end; NextFrame()) {
+      MoveTo(next_.ticks);
+      const std::size_t variant = (sent_ * 2654435761U >> 7) % kVariants;
+      const PreparedFrame& frame = frames_[next_.meter * kVariants + variant];
+      ++sent_;
+      // The fault: one frame that the sum forgets.
+      const bool isForgotten = isBroken_ && sent_ == 100'000;
+      sums_[next_.meter].Add(isForgotten ? 0 : frame.watts, ticks_);
+      watts_[next_.meter] = frame.watts;
+      run_.Receive(frame.bytes);
+    }
+    MoveTo(end);
+    long double watts = 0;
+    for (const long double one : watts_) watts += one;
+    run_.Program().UpdateCycle();
+    total_.Add(watts, ticks_);
+  }
+
+  void MoveTo(std::int64_t ticks) {
+    run_.clock.Advance(ticks - ticks_);
+    ticks_ = ticks;
+  }
+  void NextFrame() {
+    next_.meter = (next_.meter + 1) % kMeters;
+    next_.ticks += period_ / kMeters;
+  }
+
+  void CheckSum(const MeterStatistics& statistics, IndependentSum& sum, const std::string& name,
+                Verdict& verdict) {
+    const auto differs = [&](double usage, long double expected) {
+      const long double difference = std::fabs(usage - expected) / expected;
+      worst_ = std::max(worst_, difference);
+      return difference > 1e-9L;
+    };
+    // What comes at the stroke of midnight still counts for the old year, and begins the new one.
+    const bool isNextYear = statistics.Timestamp().Civil().year == 2027;
+    verdict.Require(!differs(statistics.Usage(ToDate), sum.toDate) &&
+                        !differs(statistics.Usage(SinceReset), sum.toDate) &&
+                        (isNextYear ? statistics.Usage(ThisYear) == 0
+                                    : !differs(statistics.Usage(ThisYear), sum.toDate)),
+                    [&] { return name + ": the total is not the sum of the readings"; });
+  }
+
+  void CheckDay(int day, Verdict& verdict) {
+    for (std::uint16_t address = 1; address <= kMeters; ++address) {
+      CheckSum(run_.Meter(address).Statistics(), sums_[address - 1U],
+               "day " + std::to_string(day) + ", meter " + std::to_string(address), verdict);
+    }
+    CheckSum(run_.Program().Profile().Total().Statistics(), total_,
+             "day " + std::to_string(day) + ", the Total", verdict);
+  }
+
+  /// The store keeps growing only until its series are full: a month's entries, then the year's.
+  void CheckSizes(int day, const Sizes& sizes, const Sizes& afterFirst, Verdict& verdict) const {
+    verdict.Require(sizes.heap <= afterFirst.heap + kHeapMargin,
+                    [&] { return "day " + std::to_string(day) + ": the heap has grown"; });
+    verdict.Require(sizes.resident <= afterFirst.resident + kResidentMargin,
+                    [&] { return "day " + std::to_string(day) + ": the process has grown"; });
+    verdict.Require(sizes.store <= 2 * afterFirst.store,
+                    [&] { return "day " + std::to_string(day) + ": the store has grown"; });
+  }
+
+  struct Next {
+    std::size_t meter = 0;
+    std::int64_t ticks = 1100;
+  };
+
+  const bool isBroken_;
+  const std::string folder_;
+  const int days_;
+  const std::int64_t period_;
+  StoreOpening store_;
+  CoreRun run_;
+  std::vector<PreparedFrame> frames_;
+  std::array<IndependentSum, kMeters> sums_;
+  std::array<long double, kMeters> watts_{};
+  IndependentSum total_;
+  Next next_;
+  std::int64_t ticks_ = 1000;  ///< never wraps, as the program's does
+  std::uint64_t sent_ = 0;
+  std::uint64_t readings_ = 0;
+  long double worst_ = 0;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const Arguments arguments(argc, argv);
+  if (!arguments.areUsable) return 2;
+  std::string folder = (std::filesystem::temp_directory_path() / "wattlark-year-XXXXXX").string();
+  if (::mkdtemp(folder.data()) == nullptr) {
+    std::perror("mkdtemp");
+    return 2;
+  }
+  Verdict verdict;
+  SimulatedYear(arguments, folder).Run(verdict);
+  std::filesystem::remove_all(folder);
+  return verdict.ExitStatus(arguments);
+}
