@@ -198,9 +198,9 @@ bool clsXBee::DecodeIOSample(std::span<const std::uint8_t> frame) {
   const int received = std::min(needed, static_cast<int>((data.size() - kSampleHeader) / 2));
   std::int16_t signs = 0;
   for (int i = 0; i < received; ++i) {
-    const auto word = static_cast<std::int16_t>(Word(words + 2 * i));
+    const auto word = static_cast<std::int16_t>(Word(words + std::ptrdiff_t{2} * i));
     table_[static_cast<std::size_t>(i)] = word;
-    signs |= word;
+    signs = static_cast<std::int16_t>(signs | word);
   }
   const auto end = table_.begin() + received;
   wordsDecoded_ =

@@ -128,7 +128,7 @@ class clsXBee {
   std::int16_t sampleCount_ = 0;
   std::int16_t mask_ = 0;
   // The sample table as sent: for each sample the digital word, if any, and the enabled channels.
-  std::array<std::int16_t, MaximumSamples*(AnalogChannels + 1)> table_{};
+  std::array<std::int16_t, std::size_t{MaximumSamples} * (AnalogChannels + 1)> table_{};
   int wordsPerSample_ = 0;
   int wordsDecoded_ = 0;
 
