@@ -121,7 +121,7 @@ bool clsKillAWatt::LoadSettings(const modRegistry& store, const StoreText& text,
 }
 
 bool clsKillAWatt::SaveSettings(modRegistry& store, const StoreText& text,
-                                const std::string& section) const {
+                                const std::string& section, SaveExtent extent) const {
   bool saved = true;
   const auto save = [&](const std::string& name, const std::string& value) {
     saved = store.SaveAppSetting("", section, name, value) && saved;
@@ -143,14 +143,15 @@ bool clsKillAWatt::SaveSettings(modRegistry& store, const StoreText& text,
   save("Timestamp", text.FromDateTime(statistics_.Timestamp()));
 
   const MeterStatistics& statistics = statistics_;
-  for (int i = 0; i < IntervalCount; ++i) {
-    save(std::string("DemandRecent") + kIntervalNames[static_cast<std::size_t>(i)],
-         JoinSeries(statistics.DemandRecent(i)));
-  }
-  for (int i = 0; i < IntervalCount; ++i) {
-    save(std::string("UsageRecent") + kIntervalNames[static_cast<std::size_t>(i)],
-         JoinSeries(statistics.UsageRecent(i)));
-  }
+  const auto saveRecent = [&](const char* prefix, auto series) {
+    for (int i = 0; i < IntervalCount; ++i) {
+      const bool isOut = extent == SaveExtent::Progress && i == Minute;
+      save(std::string(prefix) + kIntervalNames[static_cast<std::size_t>(i)],
+           isOut ? std::string() : JoinSeries(series(i)));
+    }
+  };
+  saveRecent("DemandRecent", [&](int i) { return statistics.DemandRecent(i); });
+  saveRecent("UsageRecent", [&](int i) { return statistics.UsageRecent(i); });
   const auto savePeriods = [&](const char* prefix, auto value) {
     for (int i = 0; i < PeriodCount; ++i) {
       save(std::string(prefix) + kPeriodNames[static_cast<std::size_t>(i)], value(i));

@@ -18,6 +18,11 @@ class StoreText;
 
 enum KillAWattKind { LoadMeter = 0, GeneratorMeter = 1 };
 
+/// How much of a meter is saved: a save while the program runs leaves the series of the last minute
+/// empty. After a restart it would be of no more use, and it is the part of a meter that has
+/// changed altogether since the save before.
+enum class SaveExtent { Everything, Progress };
+
 /// A stored value of a meter that could not be read: the field kept its default.
 struct UnreadableValue {
   std::string name;
@@ -104,7 +109,8 @@ class clsKillAWatt {
   bool LoadSettings(const modRegistry& store, const StoreText& text, const std::string& section,
                     std::vector<UnreadableValue>* unreadable = nullptr);
   /// Writes every value; false when one could not be written.
-  bool SaveSettings(modRegistry& store, const StoreText& text, const std::string& section) const;
+  bool SaveSettings(modRegistry& store, const StoreText& text, const std::string& section,
+                    SaveExtent extent = SaveExtent::Everything) const;
 
  private:
   std::string name_ = "New Appliance";

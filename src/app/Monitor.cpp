@@ -102,10 +102,23 @@ bool Monitor::Unload() {
 }
 
 bool Monitor::SaveEverything() {
-  if (!loaded_) return false;
+  return loaded_ && Save([this] { return profile_.SaveAll(store_) && listener_.OnSave(store_); });
+}
+
+bool Monitor::SaveProgress() {
+  if (loaded_ && !profile_.HasStoredMeters(store_)) return SaveEverything();
+  return loaded_ && Save([this] {
+           if (!profile_.SaveSettings(store_) || !listener_.OnSave(store_)) return false;
+           // Passwords leave no trace in the file when they are changed: they came before.
+           ports_.registry.MarkProgress();
+           return profile_.SaveProgress(store_);
+         });
+}
+
+bool Monitor::Save(const std::function<bool()>& work) {
   bool saved = ports_.registry.Begin();
   if (saved) {
-    saved = profile_.SaveAll(store_) && listener_.OnSave(store_);
+    saved = work();
     if (saved) {
       saved = ports_.registry.Commit();
     } else {
@@ -200,7 +213,7 @@ void Monitor::RunTick(DateTime now, std::uint32_t ticks) {
                                     : options_.checkpointSeconds;
   if (static_cast<std::int32_t>(ticks - lastSaveTicks_) / 1000 >= interval) {
     lastSaveTicks_ = ticks;
-    SaveEverything();
+    SaveProgress();
   }
 }
 

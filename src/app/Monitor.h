@@ -122,6 +122,8 @@ class Monitor {
   /// Saves everything in one transaction; a failure is reported once until saving works again.
   /// Nothing is saved over a store that could not be loaded.
   bool SaveEverything();
+  /// Does the same while the program runs, where the store can write less of the meters.
+  bool SaveProgress();
 
   /// Appends one line to the CSV log, stamped with `timestamp`; the status bar, or the error list,
   /// says how that went. True when the line was written.
@@ -187,6 +189,7 @@ class Monitor {
     std::uint32_t ticks = 0;
   };
 
+  bool Save(const std::function<bool()>& work);
   void RunTick(DateTime now, std::uint32_t ticks);
   void Record(const std::function<void(CaptureWriter&)>& write);
   void ReopenLostPort(std::uint32_t ticks);

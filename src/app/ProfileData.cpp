@@ -98,10 +98,36 @@ void ProfileData::NoteUnreadable(const std::string& section,
 }
 
 bool ProfileData::SaveAll(modRegistry& store) {
+  const bool saved = SaveSettings(store);
+  return SaveMeters(store) && saved;
+}
+
+bool ProfileData::SaveSettings(modRegistry& store) {
   text_.Save(store);
   const bool saved = SaveAppSettingsAtExit(store, text_, settings_);
   if (!settings_.CSVFileChanged) store.DeleteAppSetting("", kSettingsSection, kHeaderPending);
-  return SaveMeters(store) && saved;
+  return saved;
+}
+
+bool ProfileData::HasStoredMeters(const modRegistry& store) const {
+  std::vector<std::string> names;
+  for (const auto& meter : meters_) names.push_back(meter->Name());
+  for (const auto& meter : skipped_) {
+    if (IsNameTaken(meter)) return false;
+    names.push_back(meter.name);
+  }
+  std::vector<std::string> stored;
+  store.EnumSubKeys(Hive::CurrentUser, modRegistry::AppKeyPath("", kMetersSection), stored);
+  return stored == names;
+}
+
+bool ProfileData::SaveProgress(modRegistry& store) const {
+  bool saved = SaveUnreadable(store);
+  for (const auto& meter : meters_) {
+    const std::string section = MeterSection(meter->Name());
+    saved = meter->SaveSettings(store, text_, section, SaveExtent::Progress) && saved;
+  }
+  return total_.SaveSettings(store, text_, kTotalSection, SaveExtent::Progress) && saved;
 }
 
 bool ProfileData::SaveMeters(modRegistry& store) {
@@ -112,18 +138,27 @@ bool ProfileData::SaveMeters(modRegistry& store) {
     saved = meter->SaveSettings(store, text_, MeterSection(meter->Name())) && saved;
   }
   for (const auto& meter : skipped_) {
-    // A meter that has been given the name meanwhile owns the key now.
-    const bool isTaken = meters_.FindName(meter.name) != nullptr;
-    const std::string section =
-        isTaken ? UnreadableSection(MeterSection(meter.name)) : MeterSection(meter.name);
+    const std::string own = MeterSection(meter.name);
+    const std::string section = IsNameTaken(meter) ? UnreadableSection(own) : own;
     for (const auto& [name, value] : meter.values) {
       saved = store.SaveAppSetting("", section, name, value) && saved;
     }
   }
+  saved = SaveUnreadable(store) && saved;
+  return total_.SaveSettings(store, text_, kTotalSection) && saved;
+}
+
+bool ProfileData::SaveUnreadable(modRegistry& store) const {
+  bool saved = true;
   for (const auto& [section, value] : unreadable_) {
     saved = store.SaveAppSetting("", UnreadableSection(section), value.name, value.text) && saved;
   }
-  return total_.SaveSettings(store, text_, kTotalSection) && saved;
+  return saved;
+}
+
+/// A meter that has been given the name of a skipped one meanwhile owns its key.
+bool ProfileData::IsNameTaken(const SkippedMeter& meter) const {
+  return meters_.FindName(meter.name) != nullptr;
 }
 
 std::vector<std::string> ProfileData::SkippedMeters() const {

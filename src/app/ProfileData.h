@@ -28,6 +28,13 @@ class ProfileData {
   void Load(modRegistry& store, const std::string& csvFilenameDefault, DateTime now);
   /// Settings, meters and Total. False when a write failed; call it within a transaction.
   bool SaveAll(modRegistry& store);
+  /// Settings alone, in the same way.
+  bool SaveSettings(modRegistry& store);
+  /// Whether the store has the keys of these meters alone, in this order, so that `SaveProgress`
+  /// loses nothing.
+  bool HasStoredMeters(const modRegistry& store) const;
+  /// Meters and Total as they are now, over what the store has of them.
+  bool SaveProgress(modRegistry& store) const;
   /// Lets the CSV log start with a new header line after the next load: for a change of the meters
   /// or the file while no program runs.
   static bool RequestCSVHeader(modRegistry& store);
@@ -58,6 +65,8 @@ class ProfileData {
     std::vector<std::pair<std::string, std::string>> values;
   };
 
+  bool IsNameTaken(const SkippedMeter& meter) const;
+  bool SaveUnreadable(modRegistry& store) const;
   void LoadMeters(const modRegistry& store);
   void LoadTotal(const modRegistry& store, DateTime now);
   void NoteUnreadable(const std::string& section, const std::vector<UnreadableValue>& values);

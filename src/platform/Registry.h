@@ -58,6 +58,10 @@ class Registry {
   /// inside a transaction fails. `Commit` answers false, and nothing has changed, when the changes
   /// or any write among them could not be stored.
   virtual bool Begin() = 0;
+  /// What is written from here to the end of the transaction comes again every few minutes and
+  /// mostly differs a little: a store may keep the changes in a shorter form, of which the file
+  /// shows traces after they have been replaced. Not for secrets.
+  virtual void MarkProgress() {}
   virtual bool Commit() = 0;
   virtual void Rollback() = 0;
   /// What went wrong with the last operation that failed, in words; empty when none did since the

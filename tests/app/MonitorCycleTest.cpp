@@ -42,10 +42,18 @@ TEST_F(MonitorTest, SavesEveryFiveMinutes) {
   Tick();
   EXPECT_EQ(Get("KillAWatts\\Kitchen", "UsageToDate"), "77");
   Meter(0).Statistics().SetUsage(ToDate, 78);
+  Meter(0).SetName("Galley");
+  monitor->Profile().Settings().CurrentUnit = 2;
   Tick(299);
   EXPECT_EQ(Get("KillAWatts\\Kitchen", "UsageToDate"), "77");
   Tick();
-  EXPECT_EQ(Get("KillAWatts\\Kitchen", "UsageToDate"), "78");
+  EXPECT_EQ(Get("KillAWatts\\Galley", "UsageToDate"), "78");
+  EXPECT_EQ(Get("KillAWatts\\Kitchen", "UsageToDate"), "(none)");
+  Meter(0).Statistics().SetUsage(ToDate, 79);
+  monitor->Profile().Settings().CurrentUnit = 3;
+  Tick(300);
+  EXPECT_EQ(Get("KillAWatts\\Galley", "UsageToDate"), "79");
+  EXPECT_EQ(Get("Settings", "CurrentUnit"), "3");
 }
 
 TEST_F(MonitorTest, ReportsASaveThatFailsOnceUntilItWorksAgain) {

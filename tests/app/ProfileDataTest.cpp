@@ -84,6 +84,37 @@ TEST_F(Stored, RemovedAndRenamedMetersLeaveNoKey) {
   EXPECT_THAT(MeterKeys(), ElementsAre("Loft", "New"));
 }
 
+TEST_F(Stored, ProgressIsSavedOverMetersThatAreStoredAsTheyAre) {
+  PutMeter("Washer", "9");
+  PutMeter("Cellar", "9");
+  PutMeter("Attic", "1");
+  Put("KillAWatts\\Attic", "UsageToDate", "lots");
+  Put("KillAWatts\\Attic", "DemandRecentMinute", "230,230");
+  EXPECT_FALSE(Load().HasStoredMeters(store)) << "what is left out comes last";
+  ASSERT_TRUE(profile->SaveMeters(store));
+  EXPECT_TRUE(profile->HasStoredMeters(store));
+  EXPECT_NE(Get("KillAWatts\\Attic", "DemandRecentMinute"), "(none)");
+
+  MeterStatistics& statistics = profile->Meters().FindName("Attic")->Statistics();
+  statistics.SetUsage(ToDate, 77);
+  profile->Total().Statistics().SetUsage(ToDate, 78);
+  ASSERT_TRUE(profile->SaveProgress(store));
+  EXPECT_EQ(Get("KillAWatts\\Attic", "UsageToDate"), "77");
+  EXPECT_EQ(Get("TotalKillAWatt", "UsageToDate"), "78");
+  EXPECT_EQ(Get("KillAWatts\\Attic", "DemandRecentMinute"), "(none)") << "seconds gone long ago";
+  EXPECT_EQ(Get("Unreadable\\KillAWatts\\Attic", "UsageToDate"), "lots");
+
+  profile->Meters().FindName("Washer")->SetName("washer");
+  EXPECT_FALSE(profile->HasStoredMeters(store));
+  ASSERT_TRUE(profile->SaveMeters(store));
+  profile->Meters().Add(NewMeter("Cellar", 8));
+  EXPECT_FALSE(profile->HasStoredMeters(store)) << "it takes the name of one that is left out";
+  profile->RemoveSkipped("Cellar");
+  EXPECT_TRUE(profile->HasStoredMeters(store));
+  profile->Meters().Remove(*profile->Meters().FindName("Cellar"));
+  EXPECT_FALSE(profile->HasStoredMeters(store));
+}
+
 TEST_F(Stored, KeepsMetersWhoseAddressIsTaken) {
   PutMeter("A", "5");
   PutMeter("B", "5");

@@ -201,6 +201,38 @@ TEST_P(RegistryConformance, CommitKeepsAndRollbackForgets) {
   EXPECT_EQ(ReadText("A\\New", "w"), "3");
 }
 
+TEST_P(RegistryConformance, ProgressIsStoredLikeAnyOtherChange) {
+  ASSERT_TRUE(WriteText("A", "v", "1,2,3,4"));
+  ASSERT_TRUE(Store().Begin());
+  Store().MarkProgress();
+  ASSERT_TRUE(WriteText("A", "V", "2,3,4,5"));
+  ASSERT_TRUE(WriteText("A\\New", "w", "1"));
+  EXPECT_EQ(ReadText("A", "v"), "2,3,4,5");
+  Store().Rollback();
+  EXPECT_EQ(ReadText("A", "v"), "1,2,3,4");
+  EXPECT_FALSE(Store().KeyExists(kUser, "A\\New"));
+
+  subject_->WhileWritesFail([&] {
+    ASSERT_TRUE(Store().Begin());
+    Store().MarkProgress();
+    WriteText("A", "v", "2,3,4,5");
+    EXPECT_FALSE(Store().Commit());
+  });
+  EXPECT_NE(Store().ErrorText(), "");
+  EXPECT_EQ(ReadText("A", "v"), "1,2,3,4");
+
+  ASSERT_TRUE(Store().Begin());
+  Store().MarkProgress();
+  ASSERT_TRUE(WriteText("A", "v", "3,4,5,6"));
+  ASSERT_TRUE(WriteText("A\\New", "w", "1"));
+  ASSERT_TRUE(Store().Commit());
+  EXPECT_EQ(ReadText("A", "v"), "3,4,5,6");
+  subject_->Reopen();
+  EXPECT_EQ(ReadText("A", "v"), "3,4,5,6");
+  EXPECT_EQ(ReadText("A\\New", "w"), "1");
+  EXPECT_EQ(ValueNames("A"), Names{"v"});
+}
+
 TEST_P(RegistryConformance, WritingAgainAfterDeletingTheKeyInOneTransaction) {
   ASSERT_TRUE(Store().Begin());
   ASSERT_TRUE(WriteText("A\\B", "v", "1"));

@@ -227,7 +227,7 @@ TEST_P(FlippedStore, LosesNothingThatStandsElsewhere) {
 INSTANTIATE_TEST_SUITE_P(
     , FlippedStore,
     testing::Values(Flip{"Magic", "", 'X'},
-                    Flip{"ApplicationId", std::string("\0\0\0\1\0\0\0\1\0\0\0\0", 12), 'X'},
+                    Flip{"ApplicationId", std::string("\0\0\0\1\0\0\0\2\0\0\0\0", 12), 'X'},
                     Flip{"NameOfAKey", "software\\meters\\m7Software\\Meters\\", 'X'},
                     Flip{"FoldedNameOfAKey", "software\\meters\\", 'x'}),
     [](const auto& test) { return test.param.what; });
@@ -257,7 +257,7 @@ TEST_F(OpenStoreTest, ADatabaseOfAnotherProgramIsSetAside) {
 
 TEST_F(OpenStoreTest, ANewerStoreIsLeftAlone) {
   WriteOne("1");
-  RunSql("PRAGMA user_version = 2");
+  RunSql("PRAGMA user_version = 3");
   const std::string newer = FileBytes(File());
   {
     const StoreOpening opening = Open();

@@ -3,10 +3,7 @@
 // read.
 #include <fcntl.h>
 
-#include <algorithm>
-#include <cctype>
 #include <filesystem>
-#include <memory>
 #include <nlohmann/json.hpp>
 #include <random>
 #include <set>
@@ -17,7 +14,7 @@
 #include "platform/TemporaryFolder.h"
 #include "platform/sqlite/OpenStore.h"
 #include "platform/sqlite/SqliteRegistry.h"
-#include "torture/StoreRows.h"
+#include "torture/GoodStore.h"
 #include "torture/Torture.h"
 #include "twins/HandClock.h"
 
@@ -26,31 +23,18 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kMeters = 20;
-
-std::string MeterName(int number) {
-  return "Meter " + std::to_string(10 + number);
-}
-
-/// Energy of a meter that no other one has.
-double ToDateOf(int number) {
-  return 1000.5 + 77 * number;
-}
-
 /// A bed that damaged files are laid into, one after the other.
 class Bed {
  public:
   explicit Bed(Torture& torture) : torture_(torture), random_(torture.seed) {
     fs::permissions(folder_.Path(), fs::perms(0777));
-    MakeGoodStore();
-    rows_ = std::make_unique<StoreRows>(File(), good_);
     // Another user than the tests' may have no way to the program.
     fs::copy_file(WATTLARK_HEADLESS_PROGRAM, program_);
-    Torture::Tell("bytes of the store", good_.size());
-    Torture::Tell("values of its meters", rows_->ValueCount());
+    Torture::Tell("bytes of the store", good_.Bytes().size());
+    Torture::Tell("values of its meters", good_.ValueCount());
   }
 
-  const std::string& Good() const { return good_; }
+  const std::string& Good() const { return good_.Bytes(); }
   std::size_t Below(std::size_t limit) { return random_() % limit; }
 
   /// `offsets` are the damaged bytes; everything from `good_.size()` downwards that `bad` lacks is
@@ -68,7 +52,11 @@ class Bed {
       const bool isSetAside = !opening.message.empty();
       setAside_ += isSetAside ? 1 : 0;
       ExpectKept(what, bad, isSetAside);
-      ExpectValues(what, bad.size(), offsets, isSetAside, *opening.registry);
+      const GoodStore::Loss loss =
+          good_.Compare({bad.size(), offsets}, isSetAside, *opening.registry);
+      lostValues_ += loss.missing;
+      changedValues_ += loss.changed;
+      for (const std::string& problem : loss.problems) torture_.Find(what + ": " + problem);
     }
     if (withProgram && !torture_.isBroken) {
       Lay(bad);
@@ -86,7 +74,7 @@ class Bed {
     bool showsMeters;
   };
   void TryGuard(const Guard& guard) {
-    Lay(good_);
+    Lay(good_.Bytes());
     guard.make(*this);
     const std::string before = Contents(File());
     const Run run = Start(guard.what, {"--demo"});
@@ -126,37 +114,6 @@ class Bed {
     return fs::is_directory(file) ? FileBytes(file + "/inside") : FileBytes(file);
   }
 
-  void MakeGoodStore() {
-    const RegionalSettings regional = RegionalSettings::UnitedStates();
-    {
-      const StoreOpening opening = OpenStore(profile_);
-      modRegistry store(*opening.registry);
-      ProfileData profile(regional);
-      profile.Load(store, "log.csv", At("2026-11-16T20:10:00"));
-      for (int number = 0; number < kMeters; ++number) {
-        auto meter = std::make_unique<clsKillAWatt>();
-        meter->SetName(MeterName(number));
-        meter->SetXBeeAddress(static_cast<std::int16_t>(number + 1));
-        MeterStatistics& statistics = meter->Statistics();
-        statistics.SetTimestamp(At("2026-11-16T20:10:00"));
-        for (int period = 0; period < PeriodCount; ++period) {
-          statistics.SetUsage(period, ToDateOf(number) + (period == ToDate ? 0 : 1 + period));
-          statistics.SetPeak(period, 612.25 + number);
-        }
-        for (int interval = 0; interval < IntervalCount; ++interval) {
-          std::ranges::fill(statistics.DemandRecent(interval), 100.125 + number);
-          std::ranges::fill(statistics.UsageRecent(interval), 200.5 + number);
-        }
-        profile.Meters().Add(std::move(meter));
-      }
-      opening.registry->Begin();
-      if (!profile.SaveAll(store) || !opening.registry->Commit()) {
-        throw std::runtime_error("the good store cannot be made");
-      }
-    }
-    good_ = FileBytes(File());
-  }
-
   void Lay(const std::string& bytes) const {
     fs::permissions(profile_, fs::perms(0700));
     for (const auto& entry : fs::directory_iterator(profile_)) fs::remove_all(entry.path());
@@ -178,48 +135,6 @@ class Bed {
     } else {
       torture_.Expect(!fs::exists(File(".damaged-1")), what + ": set aside without a word");
     }
-  }
-
-  void ExpectValues(const std::string& what, std::size_t size, const std::set<std::size_t>& offsets,
-                    bool isSetAside, Registry& registry) {
-    std::set<std::size_t> pages;
-    for (const std::size_t offset : offsets) pages.insert(offset / StoreRows::kPageSize);
-    // Of a page that was cut off nothing is taken.
-    for (std::size_t at = size / StoreRows::kPageSize * StoreRows::kPageSize; at < good_.size();
-         at += StoreRows::kPageSize) {
-      pages.insert(at / StoreRows::kPageSize);
-    }
-    const auto isDamaged = [&pages](const StoreRows::Place& place) {
-      return std::ranges::any_of(
-          pages, [&place](std::size_t page) { return place.IsOnPage(page, StoreRows::kPageSize); });
-    };
-    const auto holdsDamage = [&offsets](const StoreRows::Place& place) {
-      return std::ranges::any_of(offsets, [&](std::size_t at) { return place.Holds(at); });
-    };
-    for (const auto& [path, key] : rows_->Keys()) {
-      const bool isKeyGone = isSetAside && std::ranges::all_of(key.copies, isDamaged);
-      for (const StoreRows::Value& value : key.values) {
-        const auto stored = registry.Read(Hive::CurrentUser, path, value.name);
-        const bool mayBeGone = isKeyGone || (isSetAside && isDamaged(value.place));
-        if (!stored) {
-          ++lostValues_;
-          torture_.Expect(mayBeGone || holdsDamage(value.place),
-                          what + ": lost " + path + "\\" + value.name);
-        } else if (std::string(stored->data.begin(), stored->data.end()) != value.data) {
-          ++changedValues_;
-          torture_.Expect(holdsDamage(value.place), what + ": wrong " + path + "\\" + value.name);
-        }
-      }
-    }
-    for (const std::string& name :
-         registry.SubKeys(Hive::CurrentUser, modRegistry::AppKeyPath("", "KillAWatts"))) {
-      torture_.Expect(IsMeter(name), what + ": a meter that never was: " + name);
-    }
-  }
-
-  bool IsMeter(std::string name) const {
-    if (!name.empty()) name[0] = static_cast<char>(std::toupper(name[0]));
-    return rows_->Keys().contains(modRegistry::AppKeyPath("", "KillAWatts\\" + name));
   }
 
   /// The program itself, ended as soon as it runs. Another user than root, whom modes do not bind.
@@ -267,29 +182,14 @@ class Bed {
     modRegistry store(*opening.registry);
     ProfileData profile(regional);
     profile.Load(store, "log.csv", At("2026-11-16T20:10:00"));
-    for (int number = 0; number < kMeters; ++number) {
-      if (!IsWhole(number, bad.size(), offsets)) continue;
-      const clsKillAWatt* meter = profile.Meters().FindName(MeterName(number));
+    for (int number = 0; number < GoodStore::kMeters; ++number) {
+      if (!good_.IsWhole(number, {bad.size(), offsets})) continue;
+      const clsKillAWatt* meter = profile.Meters().FindName(GoodStore::MeterName(number));
       torture_.Expect(
-          meter != nullptr && meter->Statistics().Usage(ToDate) == ToDateOf(number),
-          what + ": " + MeterName(number) + " is lost after a start and an end of the program");
+          meter != nullptr && meter->Statistics().Usage(ToDate) == GoodStore::ToDateOf(number),
+          what + ": " + GoodStore::MeterName(number) +
+              " is lost after a start and an end of the program");
     }
-  }
-
-  /// Whether no page with a row of the meter has any damage.
-  bool IsWhole(int number, std::size_t size, const std::set<std::size_t>& offsets) const {
-    const StoreRows::Key& key =
-        rows_->Keys().at(modRegistry::AppKeyPath("", "KillAWatts\\" + MeterName(number)));
-    const auto isWhole = [&](const StoreRows::Place& place) {
-      const std::size_t page = place.begin / StoreRows::kPageSize;
-      return (page + 1) * StoreRows::kPageSize <= size &&
-             std::ranges::none_of(offsets, [page](std::size_t offset) {
-               return offset / StoreRows::kPageSize == page;
-             });
-    };
-    return std::ranges::any_of(key.copies, isWhole) &&
-           std::ranges::all_of(key.values,
-                               [&](const StoreRows::Value& value) { return isWhole(value.place); });
   }
 
   Torture& torture_;
@@ -297,8 +197,7 @@ class Bed {
   TemporaryFolder folder_;
   std::string profile_ = folder_.File("profile");
   std::string program_ = folder_.File("wattlark-headless");
-  std::string good_;
-  std::unique_ptr<StoreRows> rows_;
+  GoodStore good_{profile_};
   std::size_t cases_ = 0;
   std::size_t setAside_ = 0;
   std::size_t starts_ = 0;
@@ -386,7 +285,7 @@ void PutInPlace(Bed& bed) {
          RunSql(in.File(), "PRAGMA application_id = 7; CREATE TABLE theirs(x)");
        },
        "database of another program", Bed::Guard::SetAside, false},
-      {"newer store", [](Bed& in) { RunSql(in.File(), "PRAGMA user_version = 2"); },
+      {"newer store", [](Bed& in) { RunSql(in.File(), "PRAGMA user_version = 3"); },
        "newer version", Bed::Guard::Left, false},
       {"not readable", mode(0000, 0700), "cannot be read", Bed::Guard::Left, false},
       {"not writable", mode(0400, 0700), "can only be read", Bed::Guard::Left, true},

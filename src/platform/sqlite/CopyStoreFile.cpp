@@ -38,7 +38,7 @@ class ScratchFolder {
   fs::path path_;
 };
 
-StoreCondition CopyIntoMemory(const SqliteDatabase& source, SqliteDatabase& copy) {
+StoreCondition CopyIntoMemory(SqliteDatabase& source, SqliteDatabase& copy) {
   const StoreCondition condition = ExamineStore(source);
   if (condition != StoreCondition::Usable) return condition;
   int result = copy.Open(":memory:", SQLITE_OPEN_READWRITE, 0);

@@ -17,6 +17,7 @@
 #include "platform/sqlite/SqliteDatabase.h"
 #include "platform/sqlite/SqliteRegistry.h"
 #include "platform/sqlite/StoreFile.h"
+#include "platform/sqlite/StoreSchema.h"
 
 namespace wattlark {
 
@@ -81,7 +82,7 @@ class StoreOpener {
         result == SQLITE_OK ? ExamineStore(database) : ConditionFromError(result);
     std::string problem = database.Problem();
     if (condition == StoreCondition::Empty && !readOnly) {
-      const int created = SqliteRegistry::CreateTables(database);
+      const int created = CreateStoreTables(database);
       problem = database.Problem();
       condition = created == SQLITE_OK ? StoreCondition::Usable : ConditionFromError(created);
     }

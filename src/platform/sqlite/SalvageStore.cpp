@@ -9,13 +9,15 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <string_view>
 #include <system_error>
 #include <utility>
 #include <vector>
 
 #include "platform/RegistryPath.h"
 #include "platform/sqlite/LeafPages.h"
-#include "platform/sqlite/SqliteRegistry.h"
+#include "platform/sqlite/StoreSchema.h"
+#include "platform/sqlite/ValueChange.h"
 #include "support/modText.h"
 
 namespace wattlark {
@@ -38,6 +40,13 @@ struct ValueRow {
   bool operator==(const ValueRow&) const = default;
 };
 
+/// Changes of values since their rows were written, in the order of their ids.
+struct LogRow {
+  std::int64_t generation = 0;
+  std::string record;
+  bool operator==(const LogRow&) const = default;
+};
+
 /// What an index says of a value.
 struct ValueEntry {
   std::int64_t key = 0;
@@ -56,6 +65,11 @@ class StoreContents {
   explicit StoreContents(LeafPages& pages) {
     pages.Read([this](const SqliteStatement& row) { AddRow(row); },
                [this](const SqliteStatement& entry) { AddEntry(entry); });
+    if (generations_.size() == 1) {
+      for (const auto& [id, records] : changes_) {
+        for (const LogRow& record : records) ApplyChanges(record);
+      }
+    }
     for (const auto& [id, rows] : keyRows_) AddKey(id, rows);
     for (const auto& [id, folded] : keyEntries_) {
       keys_.try_emplace(id, KeyRow{Hive::CurrentUser, folded, folded, true});
@@ -110,9 +124,17 @@ class StoreContents {
   void AddRow(const SqliteStatement& row) {
     const std::int64_t id = row.Integer(0);
     if (!HasType(row, 1, SQLITE_INTEGER)) return;
+    if (HasType(row, 3, SQLITE_NULL)) {
+      if (HasType(row, 2, SQLITE_TEXT)) generations_.insert(row.Integer(1));
+      if (HasType(row, 2, SQLITE_BLOB)) {
+        const auto bytes = row.Bytes(2);
+        Add(changes_[id], LogRow{row.Integer(1), {bytes.begin(), bytes.end()}});
+      }
+      return;
+    }
     if (HasType(row, 2, SQLITE_TEXT) && HasType(row, 3, SQLITE_TEXT) &&
         HasType(row, 4, SQLITE_INTEGER) && HasType(row, 5, SQLITE_BLOB)) {
-      const auto type = SqliteRegistry::TypeFromNumber(row.Integer(4));
+      const auto type = StoredType(row.Integer(4));
       const auto bytes = row.Bytes(5);
       if (!type) return;
       Add(valueRows_[id],
@@ -134,6 +156,20 @@ class StoreContents {
       keyEntries_.try_emplace(entry.Integer(2), entry.Text(1));
     } else {
       valueEntries_.try_emplace(entry.Integer(2), ValueEntry{entry.Integer(0), entry.Text(1)});
+    }
+  }
+
+  /// What the log says of a row's value, as far as it fits what was read of the row. Pages that
+  /// are no longer used still hold records of generations that are over.
+  void ApplyChanges(const LogRow& row) {
+    if (!generations_.contains(row.generation)) return;
+    std::string_view record = row.record;
+    while (const auto change = TakeChange(record)) {
+      const auto rows = valueRows_.find(change->value);
+      if (rows == valueRows_.end()) continue;
+      for (ValueRow& changed : rows->second) {
+        if (auto after = change->Apply(changed.value.data)) changed.value.data = std::move(*after);
+      }
     }
   }
 
@@ -169,6 +205,8 @@ class StoreContents {
 
   std::map<std::int64_t, std::vector<KeyRow>> keyRows_;
   std::map<std::int64_t, std::vector<ValueRow>> valueRows_;
+  std::map<std::int64_t, std::vector<LogRow>> changes_;
+  std::set<std::int64_t> generations_;  ///< of the log: one, when nothing of it is damaged
   std::map<std::int64_t, std::string> keyEntries_;
   std::map<std::int64_t, ValueEntry> valueEntries_;
   std::map<std::int64_t, KeyRow> keys_;

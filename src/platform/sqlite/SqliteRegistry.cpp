@@ -9,54 +9,11 @@ namespace wattlark {
 
 namespace {
 
-// Ids of keys are never used twice (AUTOINCREMENT): they are the order of creation, and one that a
-// second process has meanwhile deleted must not come to mean another key.
-constexpr const char* kSchema =
-    "BEGIN IMMEDIATE;"
-    "CREATE TABLE IF NOT EXISTS key("
-    " id INTEGER PRIMARY KEY AUTOINCREMENT, hive INTEGER NOT NULL, parent INTEGER NOT NULL,"
-    " folded TEXT NOT NULL, path TEXT NOT NULL);"
-    "CREATE UNIQUE INDEX IF NOT EXISTS key_path ON key(hive, folded);"
-    "CREATE INDEX IF NOT EXISTS key_parent ON key(hive, parent);"
-    "CREATE TABLE IF NOT EXISTS value("
-    " id INTEGER PRIMARY KEY, key INTEGER NOT NULL, folded TEXT NOT NULL, name TEXT NOT NULL,"
-    " type INTEGER NOT NULL, data BLOB NOT NULL);"
-    "CREATE UNIQUE INDEX IF NOT EXISTS value_name ON value(key, folded);"
-    "PRAGMA application_id = 0x574C4B52;"
-    "PRAGMA user_version = 1;"
-    "COMMIT;";
-
 constexpr std::int64_t HiveNumber(Hive hive) {
   return static_cast<std::int64_t>(hive);
 }
 
-std::optional<RegistryValue> ValueAt(const SqliteStatement& row, int typeColumn, int dataColumn) {
-  const std::optional<RegistryType> type = SqliteRegistry::TypeFromNumber(row.Integer(typeColumn));
-  if (!type) return std::nullopt;
-  const auto bytes = row.Bytes(dataColumn);
-  return RegistryValue{*type, {bytes.begin(), bytes.end()}};
-}
-
 }  // namespace
-
-std::optional<RegistryType> SqliteRegistry::TypeFromNumber(std::int64_t number) {
-  switch (const auto type = static_cast<RegistryType>(number)) {
-    case RegistryType::String:
-    case RegistryType::ExpandString:
-    case RegistryType::Binary:
-    case RegistryType::DWord:
-    case RegistryType::DWordBigEndian:
-    case RegistryType::MultiString:
-      return type;
-  }
-  return std::nullopt;
-}
-
-int SqliteRegistry::CreateTables(SqliteDatabase& database) {
-  const int result = database.Execute(kSchema);
-  if (result != SQLITE_OK && database.InTransaction()) database.Execute("ROLLBACK");
-  return result;
-}
 
 int SqliteRegistry::Attach(SqliteDatabase database, const std::string& name,
                            std::unique_ptr<Registry>& registry) {
@@ -66,45 +23,45 @@ int SqliteRegistry::Attach(SqliteDatabase database, const std::string& name,
   database.Execute("PRAGMA synchronous = EXTRA");
   // A password that was changed leaves no trace, and a salvage of the file finds no deleted meter.
   database.Execute("PRAGMA secure_delete = ON");
+  const bool readOnly = sqlite3_db_readonly(database.Handle(), "main") == 1;
+  if (!readOnly && !ChangeLog::IsIn(database)) CreateStoreTables(database);
   std::unique_ptr<SqliteRegistry> attached(new SqliteRegistry(std::move(database), name));
-  const int result = attached->PrepareStatements();
+  int result = attached->sql_.Prepare(attached->database_);
+  if (result == SQLITE_OK) result = attached->log_.Attach(attached->database_);
   if (result == SQLITE_OK) registry = std::move(attached);
   return result;
 }
 
-int SqliteRegistry::PrepareStatements() {
-  struct Text {
-    SqliteStatement& statement;
-    const char* sql;
-  };
-  const Text texts[] = {
-      {findKey_, "SELECT id FROM key WHERE hive = ?1 AND folded = ?2"},
-      {insertKey_, "INSERT INTO key(hive, parent, folded, path) VALUES(?1, ?2, ?3, ?4)"},
-      {findSubKey_, "SELECT id FROM key WHERE hive = ?1 AND parent = ?2 LIMIT 1"},
-      {subKeys_, "SELECT path FROM key WHERE hive = ?1 AND parent = ?2 ORDER BY id"},
-      {deleteKey_, "DELETE FROM key WHERE id = ?1"},
-      {deleteKeyValues_, "DELETE FROM value WHERE key = ?1"},
-      {readValue_,
-       "SELECT value.type, value.data FROM key JOIN value ON value.key = key.id"
-       " WHERE key.hive = ?1 AND key.folded = ?2 AND value.folded = ?3"},
-      {readKey_,
-       "SELECT value.folded, value.type, value.data FROM key JOIN value ON value.key = key.id"
-       " WHERE key.hive = ?1 AND key.folded = ?2 ORDER BY value.id"},
-      {writeValue_,
-       "INSERT INTO value(key, folded, name, type, data) VALUES(?1, ?2, ?3, ?4, ?5)"
-       " ON CONFLICT(key, folded) DO UPDATE SET type = excluded.type, data = excluded.data"},
-      {deleteValue_, "DELETE FROM value WHERE key = ?1 AND folded = ?2"},
-      {values_, "SELECT name, type, data FROM value WHERE key = ?1 ORDER BY id"},
-  };
-  for (const Text& text : texts) {
-    const int result = text.statement.Prepare(database_, text.sql);
-    if (result != SQLITE_OK) return result;
-  }
-  return SQLITE_OK;
-}
-
 void SqliteRegistry::Fail(const char* action) {
   errorText_ = name_ + " could not be " + action + ": " + database_.Problem();
+}
+
+bool SqliteRegistry::Succeeded(int result, const char* action) {
+  if (result == SQLITE_OK) return true;
+  Fail(action);
+  if (result == SQLITE_CORRUPT) {  // of the log, which SQLite itself knows nothing of
+    errorText_ = name_ + " could not be " + action + ": it is damaged";
+  }
+  return false;
+}
+
+/// What another process has stored meanwhile; false when that cannot be read.
+bool SqliteRegistry::Refresh() {
+  readFailed_ = !Succeeded(log_.Refresh(), "read");
+  return !readFailed_;
+}
+
+bool SqliteRegistry::FoldLog() {
+  return log_.IsEmpty() || Succeeded(log_.Fold(), "changed");
+}
+
+/// Of a row that begins with the value's id, type and data.
+std::optional<RegistryValue> SqliteRegistry::ValueAt(const SqliteStatement& row) const {
+  const std::optional<RegistryType> type = StoredType(row.Integer(1));
+  if (!type) return std::nullopt;
+  if (const auto* newest = log_.Find(row.Integer(0))) return RegistryValue{*type, *newest};
+  const auto bytes = row.Bytes(2);
+  return RegistryValue{*type, {bytes.begin(), bytes.end()}};
 }
 
 bool SqliteRegistry::StepRow(SqliteStatement& statement) {
@@ -132,9 +89,9 @@ const std::string& SqliteRegistry::FoldedPath(Hive hive, const std::string& path
 }
 
 std::int64_t SqliteRegistry::FindKey(Hive hive, std::string_view folded) {
-  findKey_.Bind(1, HiveNumber(hive)).Bind(2, folded);
-  const std::int64_t key = StepRow(findKey_) ? findKey_.Integer(0) : 0;
-  findKey_.Reset();
+  sql_.findKey.Bind(1, HiveNumber(hive)).Bind(2, folded);
+  const std::int64_t key = StepRow(sql_.findKey) ? sql_.findKey.Integer(0) : 0;
+  sql_.findKey.Reset();
   return key;
 }
 
@@ -145,8 +102,8 @@ std::int64_t SqliteRegistry::FindOrCreateKey(Hive hive, const std::string& path)
   const std::string parentPath(ParentRegistryPath(path));
   const std::int64_t parent = parentPath.empty() ? 0 : FindOrCreateKey(hive, parentPath);
   if (parent == 0 && !parentPath.empty()) return 0;
-  insertKey_.Bind(1, HiveNumber(hive)).Bind(2, parent).Bind(3, folded).Bind(4, path);
-  return Run(insertKey_) ? sqlite3_last_insert_rowid(database_.Handle()) : 0;
+  sql_.insertKey.Bind(1, HiveNumber(hive)).Bind(2, parent).Bind(3, folded).Bind(4, path);
+  return Run(sql_.insertKey) ? sqlite3_last_insert_rowid(database_.Handle()) : 0;
 }
 
 template <typename Work>
@@ -165,21 +122,14 @@ bool SqliteRegistry::Change(Work work) {
     return false;
   }
   lastKey_ = 0;
-  const Outcome outcome = work();
+  const Outcome outcome = Refresh() ? work() : Outcome::Failed;
   bool done = outcome == Outcome::Done;
   if (done && database_.Execute("COMMIT") != SQLITE_OK) {
     Fail("changed");
     done = false;
   }
-  EndTransaction();
+  EndTransaction(done);
   return done;
-}
-
-void SqliteRegistry::EndTransaction() {
-  if (database_.InTransaction()) database_.Execute("ROLLBACK");
-  inTransaction_ = false;
-  transactionFailed_ = false;
-  lastKey_ = 0;
 }
 
 bool SqliteRegistry::KeyExists(Hive hive, const std::string& path) {
@@ -194,14 +144,16 @@ bool SqliteRegistry::CreateKey(Hive hive, const std::string& path) {
 }
 
 SqliteRegistry::Outcome SqliteRegistry::RemoveKey(std::int64_t key) {
-  findSubKey_.Bind(1, HiveNumber(lastHive_)).Bind(2, key);
-  const bool hasSubKeys = StepRow(findSubKey_);
-  findSubKey_.Reset();
+  sql_.findSubKey.Bind(1, HiveNumber(lastHive_)).Bind(2, key);
+  const bool hasSubKeys = StepRow(sql_.findSubKey);
+  sql_.findSubKey.Reset();
   if (readFailed_) return Outcome::Failed;
   if (hasSubKeys) return Outcome::Missing;
-  deleteKeyValues_.Bind(1, key);
-  deleteKey_.Bind(1, key);
-  return Run(deleteKeyValues_) && Run(deleteKey_) ? Outcome::Done : Outcome::Failed;
+  // The log's values have to be there when it is read.
+  if (!FoldLog()) return Outcome::Failed;
+  sql_.deleteKeyValues.Bind(1, key);
+  sql_.deleteKey.Bind(1, key);
+  return Run(sql_.deleteKeyValues) && Run(sql_.deleteKey) ? Outcome::Done : Outcome::Failed;
 }
 
 bool SqliteRegistry::DeleteKey(Hive hive, const std::string& path) {
@@ -218,17 +170,19 @@ std::vector<std::string> SqliteRegistry::SubKeys(Hive hive, const std::string& p
   const std::string& folded = FoldedPath(hive, path);
   const std::int64_t key = folded.empty() ? 0 : FindKey(hive, folded);
   if (key == 0 && !folded.empty()) return names;
-  subKeys_.Bind(1, HiveNumber(hive)).Bind(2, key);
-  while (StepRow(subKeys_)) names.emplace_back(RegistryKeyName(subKeys_.Text(0)));
-  subKeys_.Reset();
+  sql_.subKeys.Bind(1, HiveNumber(hive)).Bind(2, key);
+  while (StepRow(sql_.subKeys)) names.emplace_back(RegistryKeyName(sql_.subKeys.Text(0)));
+  sql_.subKeys.Reset();
   return names;
 }
 
 void SqliteRegistry::TakeSnapshot(Hive hive, const std::string& folded) {
+  snapshot_.Clear();
+  if (!Refresh()) return;
   snapshot_.Start(hive, folded);
-  readKey_.Bind(1, HiveNumber(hive)).Bind(2, folded);
-  while (StepRow(readKey_)) snapshot_.Add(readKey_.Text(0), ValueAt(readKey_, 1, 2));
-  readKey_.Reset();
+  sql_.readKey.Bind(1, HiveNumber(hive)).Bind(2, folded);
+  while (StepRow(sql_.readKey)) snapshot_.Add(sql_.readKey.Text(3), ValueAt(sql_.readKey));
+  sql_.readKey.Reset();
   if (readFailed_) snapshot_.Clear();
 }
 
@@ -243,9 +197,9 @@ std::optional<RegistryValue> SqliteRegistry::Read(Hive hive, const std::string& 
     snapshot_.Take(folded, value);
     return value;
   }
-  readValue_.Bind(1, HiveNumber(hive)).Bind(2, foldedPath).Bind(3, folded);
-  if (StepRow(readValue_)) value = ValueAt(readValue_, 0, 1);
-  readValue_.Reset();
+  sql_.readValue.Bind(1, HiveNumber(hive)).Bind(2, foldedPath).Bind(3, folded);
+  if (StepRow(sql_.readValue)) value = ValueAt(sql_.readValue);
+  sql_.readValue.Reset();
   return value;
 }
 
@@ -254,71 +208,64 @@ bool SqliteRegistry::Write(Hive hive, const std::string& path, const std::string
   if (FoldedPath(hive, path).empty()) return false;
   return Change([&] {
     if (lastKey_ == 0) lastKey_ = FindOrCreateKey(hive, NormalRegistryPath(path));
-    if (lastKey_ == 0) return Outcome::Failed;
-    const std::string folded = FoldCase(name);
-    writeValue_.Bind(1, lastKey_)
-        .Bind(2, folded)
-        .Bind(3, name)
-        .Bind(4, static_cast<std::int64_t>(value.type))
-        .Bind(5, std::span<const std::uint8_t>(value.data));
-    return Run(writeValue_) ? Outcome::Done : Outcome::Failed;
+    return lastKey_ == 0 ? Outcome::Failed : WriteValue(name, value);
   });
+}
+
+std::int64_t SqliteRegistry::FindValue(std::int64_t key, std::string_view folded,
+                                       std::optional<RegistryValue>& value) {
+  sql_.findValue.Bind(1, key).Bind(2, folded);
+  const std::int64_t id = StepRow(sql_.findValue) ? sql_.findValue.Integer(0) : 0;
+  if (id != 0) value = ValueAt(sql_.findValue);
+  sql_.findValue.Reset();
+  return id;
+}
+
+SqliteRegistry::Outcome SqliteRegistry::WriteValue(const std::string& name,
+                                                   const RegistryValue& value) {
+  const std::string folded = FoldCase(name);
+  std::optional<RegistryValue> stored;
+  const std::int64_t id = FindValue(lastKey_, folded, stored);
+  if (readFailed_) return Outcome::Failed;
+  if (stored == value) return Outcome::Done;
+  if (isProgress_ && stored && stored->type == value.type) {
+    log_.Note(id, stored->data, value.data);
+    return Outcome::Done;
+  }
+  if (log_.Find(id) != nullptr && !FoldLog()) return Outcome::Failed;
+  sql_.writeValue.Bind(1, lastKey_)
+      .Bind(2, folded)
+      .Bind(3, name)
+      .Bind(4, static_cast<std::int64_t>(value.type))
+      .Bind(5, std::span<const std::uint8_t>(value.data));
+  return Run(sql_.writeValue) ? Outcome::Done : Outcome::Failed;
 }
 
 bool SqliteRegistry::DeleteValue(Hive hive, const std::string& path, const std::string& name) {
   return Change([&] {
     const std::int64_t key = FindKey(hive, FoldedPath(hive, path));
     if (key == 0) return readFailed_ ? Outcome::Failed : Outcome::Missing;
-    const std::string folded = FoldCase(name);
-    deleteValue_.Bind(1, key).Bind(2, folded);
-    if (!Run(deleteValue_)) return Outcome::Failed;
-    return sqlite3_changes(database_.Handle()) > 0 ? Outcome::Done : Outcome::Missing;
+    std::optional<RegistryValue> stored;
+    const std::int64_t id = FindValue(key, FoldCase(name), stored);
+    if (id == 0) return readFailed_ ? Outcome::Failed : Outcome::Missing;
+    if (log_.Find(id) != nullptr && !FoldLog()) return Outcome::Failed;
+    sql_.deleteValue.Bind(1, id);
+    return Run(sql_.deleteValue) ? Outcome::Done : Outcome::Failed;
   });
 }
 
 std::vector<NamedRegistryValue> SqliteRegistry::Values(Hive hive, const std::string& path) {
   std::vector<NamedRegistryValue> values;
   const std::int64_t key = FindKey(hive, FoldedPath(hive, path));
-  if (key == 0) return values;
-  values_.Bind(1, key);
-  while (StepRow(values_)) {
-    if (auto value = ValueAt(values_, 1, 2)) values.push_back({values_.Text(0), std::move(*value)});
+  if (key == 0 || (!inTransaction_ && !Refresh())) return values;
+  sql_.values.Bind(1, key);
+  while (StepRow(sql_.values)) {
+    if (auto value = ValueAt(sql_.values)) {
+      values.push_back({sql_.values.Text(3), std::move(*value)});
+    }
   }
-  values_.Reset();
+  sql_.values.Reset();
   return values;
-}
-
-bool SqliteRegistry::Begin() {
-  if (inTransaction_) {
-    errorText_ = name_ + " could not be changed: a transaction is open already";
-    return false;
-  }
-  // Over a store that can only be read a transaction still gives a consistent view.
-  const bool readOnly = sqlite3_db_readonly(database_.Handle(), "main") == 1;
-  if (database_.Execute(readOnly ? "BEGIN" : "BEGIN IMMEDIATE") != SQLITE_OK) {
-    Fail("changed");
-    return false;
-  }
-  inTransaction_ = true;
-  errorText_.clear();
-  snapshot_.Clear();
-  lastKey_ = 0;
-  return true;
-}
-
-bool SqliteRegistry::Commit() {
-  if (!inTransaction_) return false;
-  bool done = !transactionFailed_;
-  if (done && database_.Execute("COMMIT") != SQLITE_OK) {
-    Fail("changed");
-    done = false;
-  }
-  EndTransaction();
-  return done;
-}
-
-void SqliteRegistry::Rollback() {
-  if (inTransaction_) EndTransaction();
 }
 
 }  // namespace wattlark

@@ -8,8 +8,10 @@
 #include <vector>
 
 #include "platform/Registry.h"
+#include "platform/sqlite/ChangeLog.h"
 #include "platform/sqlite/KeySnapshot.h"
 #include "platform/sqlite/SqliteDatabase.h"
+#include "platform/sqlite/StoreSchema.h"
 
 namespace wattlark {
 
@@ -19,16 +21,10 @@ namespace wattlark {
 /// level. Changes outside a transaction are stored one by one, each safe against a power cut. A
 /// lock of another program is waited for as long as the connection allows. Values of one key that
 /// are read one after the other outside a transaction come from one look at the file (see
-/// `KeySnapshot`).
+/// `KeySnapshot`). A value that is written as it is stored is not written again; what
+/// progress changes in values that are there goes into the file's log (see `ChangeLog`).
 class SqliteRegistry final : public Registry {
  public:
-  static constexpr std::int64_t kApplicationId = 0x574C4B52;
-  static constexpr std::int64_t kSchemaVersion = 1;
-
-  /// The type that is stored as this number; nothing when it is none of them.
-  static std::optional<RegistryType> TypeFromNumber(std::int64_t number);
-  /// Creates the tables in a database without any. The result is a SQLite code.
-  static int CreateTables(SqliteDatabase& database);
   /// Takes over a connection to a store with its tables; `registry` stays empty unless the result
   /// is SQLITE_OK. `name` is what error texts call the store.
   static int Attach(SqliteDatabase database, const std::string& name,
@@ -47,6 +43,7 @@ class SqliteRegistry final : public Registry {
   std::vector<NamedRegistryValue> Values(Hive hive, const std::string& path) override;
 
   bool Begin() override;
+  void MarkProgress() override { isProgress_ = inTransaction_ && log_.IsKept(); }
   bool Commit() override;
   void Rollback() override;
   std::string ErrorText() const override { return errorText_; }
@@ -56,26 +53,35 @@ class SqliteRegistry final : public Registry {
 
   SqliteRegistry(SqliteDatabase database, const std::string& name)
       : database_(std::move(database)), name_(name) {}
-  int PrepareStatements();
 
   template <typename Work>
   bool Change(Work work);
   void Fail(const char* action);
-  void EndTransaction();
+  bool Succeeded(int result, const char* action);
+  void EndTransaction(bool isStored);
   bool StepRow(SqliteStatement& statement);
   bool Run(SqliteStatement& statement);
+
+  bool Refresh();
+  bool FoldLog();
+  std::optional<RegistryValue> ValueAt(const SqliteStatement& row) const;
 
   const std::string& FoldedPath(Hive hive, const std::string& path);
   void TakeSnapshot(Hive hive, const std::string& folded);
   std::int64_t FindKey(Hive hive, std::string_view folded);
   std::int64_t FindOrCreateKey(Hive hive, const std::string& path);
   Outcome RemoveKey(std::int64_t key);
+  /// The value's id, 0 when there is none.
+  std::int64_t FindValue(std::int64_t key, std::string_view folded,
+                         std::optional<RegistryValue>& value);
+  Outcome WriteValue(const std::string& name, const RegistryValue& value);
 
   SqliteDatabase database_;
   std::string name_;
   std::string errorText_;
   bool readFailed_ = false;  ///< the last statement failed, rather than found nothing
   bool inTransaction_ = false;
+  bool isProgress_ = false;  ///< changes may go into the log
   bool transactionFailed_ = false;
 
   Hive lastHive_ = Hive::CurrentUser;
@@ -86,17 +92,8 @@ class SqliteRegistry final : public Registry {
   std::int64_t lastKey_ = 0;
   KeySnapshot snapshot_;
 
-  SqliteStatement findKey_;
-  SqliteStatement insertKey_;
-  SqliteStatement findSubKey_;
-  SqliteStatement subKeys_;
-  SqliteStatement deleteKey_;
-  SqliteStatement deleteKeyValues_;
-  SqliteStatement readValue_;
-  SqliteStatement readKey_;
-  SqliteStatement writeValue_;
-  SqliteStatement deleteValue_;
-  SqliteStatement values_;
+  StoreStatements sql_;
+  ChangeLog log_;
 };
 
 }  // namespace wattlark

@@ -2,7 +2,9 @@
 
 #include <utility>
 
+#include "platform/sqlite/ChangeLog.h"
 #include "platform/sqlite/SqliteRegistry.h"
+#include "platform/sqlite/StoreSchema.h"
 #include "support/modText.h"
 
 namespace wattlark {
@@ -49,7 +51,7 @@ StoreCondition ConditionFromError(int result) {
   }
 }
 
-StoreCondition ExamineStore(const SqliteDatabase& database) {
+StoreCondition ExamineStore(SqliteDatabase& database) {
   StoreCondition condition = StoreCondition::Unreadable;
   SqliteStatement tables;
   SqliteStatement ownTables;
@@ -63,21 +65,24 @@ StoreCondition ExamineStore(const SqliteDatabase& database) {
       !Query(database, "PRAGMA user_version", version, condition)) {
     return condition;
   }
-  const bool ours = application.Integer(0) == SqliteRegistry::kApplicationId;
-  if (ours && version.Integer(0) > SqliteRegistry::kSchemaVersion) return StoreCondition::Newer;
+  const bool ours = application.Integer(0) == StoreApplicationId;
+  if (ours && version.Integer(0) > StoreSchemaVersion) return StoreCondition::Newer;
   if (!Query(database, "PRAGMA integrity_check(1)", check, condition)) return condition;
   if (check.Text(0) != "ok") return StoreCondition::Damaged;
   if (tables.Integer(0) == 0) return StoreCondition::Empty;
   if (!ours && ownTables.Integer(0) != 2) return StoreCondition::Foreign;
-  const bool sound = ours && version.Integer(0) == SqliteRegistry::kSchemaVersion;
-  return sound && HasSoundNames(database) ? StoreCondition::Usable : StoreCondition::Damaged;
+  if (!ours || version.Integer(0) < OldestStoreSchemaVersion || !HasSoundNames(database)) {
+    return StoreCondition::Damaged;
+  }
+  const int log = ChangeLog().Attach(database);
+  return log == SQLITE_OK ? StoreCondition::Usable : ConditionFromError(log);
 }
 
 std::unique_ptr<Registry> MemoryStore() {
   std::unique_ptr<Registry> registry;
   SqliteDatabase database;
   if (database.Open(":memory:", SQLITE_OPEN_READWRITE, 0) == SQLITE_OK &&
-      SqliteRegistry::CreateTables(database) == SQLITE_OK) {
+      CreateStoreTables(database) == SQLITE_OK) {
     SqliteRegistry::Attach(std::move(database), "The settings store in memory", registry);
   }
   return registry;

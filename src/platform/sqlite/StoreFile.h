@@ -15,7 +15,7 @@ enum class StoreCondition { Usable, Empty, Damaged, Foreign, Newer, Locked, Unre
 /// What an error of opening or reading says of the store. `result` is a SQLite code.
 StoreCondition ConditionFromError(int result);
 /// Reads enough of an open database to judge it, every page included.
-StoreCondition ExamineStore(const SqliteDatabase& database);
+StoreCondition ExamineStore(SqliteDatabase& database);
 
 /// A new store without a key that lasts as long as its object; null without memory for it.
 std::unique_ptr<Registry> MemoryStore();

@@ -50,6 +50,7 @@ class AutostartRegistry final : public Registry {
     return inner_.Values(hive, path);
   }
   bool Begin() override;
+  void MarkProgress() override { inner_.MarkProgress(); }
   bool Commit() override;
   void Rollback() override;
   std::string ErrorText() const override { return inner_.ErrorText(); }

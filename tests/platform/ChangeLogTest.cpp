@@ -1,0 +1,270 @@
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <random>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "platform/TemporaryFolder.h"
+#include "platform/sqlite/ChangeLog.h"
+#include "platform/sqlite/OpenStore.h"
+#include "platform/sqlite/SqliteDatabase.h"
+#include "platform/sqlite/ValueChange.h"
+#include "twins/MemoryRegistry.h"
+
+namespace wattlark {
+
+namespace {
+
+constexpr Hive kUser = Hive::CurrentUser;
+
+RegistryValue Text(const std::string& text) {
+  return {RegistryType::String, {text.begin(), text.end()}};
+}
+
+struct Pair {
+  const char* what;
+  std::string before;
+  std::string after;
+  std::size_t longest;  ///< bytes of the change, those of the value's row, lengths and sum included
+};
+
+std::span<const std::uint8_t> Bytes(const std::string& text) {
+  return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
+
+TEST(ValueChangeTest, IsShortAndGivesTheNewBytesOfTheOldOnesAlone) {
+  const std::string hour = "101.5,102.5,103.5,104.5,105.5,106.5,107.5,108.5,109.5,110.5";
+  const Pair pairs[] = {
+      {"equal", hour, hour, 8},
+      {"newest entry", hour, hour.substr(0, hour.size() - 1) + "75", 10},
+      {"moved on", hour, hour.substr(12) + ",111.5,112.5", 20},
+      {"no data", "-1,-1,-1,-1,-1,-1,-1,-1,-1,-1", "-1,-1,-1,-1,-1,-1,-1,-1,-1,230.25", 14},
+      {"from nothing", "", "230", 11},
+      {"to nothing", hour, "", 8},
+      {"other", "0", std::string(300, '\xFF'), 310},
+  };
+  for (const Pair& pair : pairs) {
+    SCOPED_TRACE(pair.what);
+    std::string record;
+    AppendChange(70'000, Bytes(pair.before), Bytes(pair.after), record);
+    EXPECT_LE(record.size(), pair.longest + 2);
+    for (std::size_t size = 0; size < record.size(); ++size) {
+      std::string_view part = std::string_view(record).substr(0, size);
+      EXPECT_FALSE(TakeChange(part)) << size;
+    }
+    std::string_view rest = record;
+    const auto change = TakeChange(rest);
+    ASSERT_TRUE(change);
+    EXPECT_TRUE(rest.empty());
+    EXPECT_EQ(change->value, 70'000);
+    const auto after = change->Apply(Bytes(pair.before));
+    ASSERT_TRUE(after);
+    EXPECT_EQ(std::string(after->begin(), after->end()), pair.after);
+    if (change->keep != 0) {
+      EXPECT_FALSE(change->Apply(Bytes("x" + pair.before)));
+      EXPECT_FALSE(change->Apply({}));
+    }
+  }
+}
+
+class ChangeLogTest : public testing::Test {
+ protected:
+  static std::string Series(int first) {
+    std::string text;
+    for (int i = 0; i < 60; ++i) text += (i == 0 ? "" : ",") + std::to_string(first + i) + ".25";
+    return text;
+  }
+  void SaveProgress(int first) {
+    ASSERT_TRUE(store_->Begin());
+    store_->MarkProgress();
+    ASSERT_TRUE(store_->Write(kUser, "A", "hour", Text(Series(first))));
+    ASSERT_TRUE(store_->Commit());
+  }
+  void ExpectStored(int first) {
+    EXPECT_EQ(store_->Read(kUser, "A", "hour"), Text(Series(first)));
+    const auto values = store_->Values(kUser, "A");
+    ASSERT_FALSE(values.empty());
+    EXPECT_EQ(values.front().value, Text(Series(first)));
+  }
+  StoreOpening Open() { return OpenStore(folder_.Path(), 0); }
+  void Reopen() {
+    store_.reset();
+    StoreOpening opening = Open();
+    EXPECT_EQ(opening.message, "");
+    store_ = std::move(opening.registry);
+  }
+  /// The first column of a query's one row, as the file has it.
+  std::int64_t Ask(const char* sql) const {
+    SqliteDatabase database;
+    EXPECT_EQ(database.Open(File(), SQLITE_OPEN_READWRITE, 0), SQLITE_OK);
+    SqliteStatement row(database, sql);
+    EXPECT_EQ(row.Step(), SQLITE_ROW);
+    return row.Integer(0);
+  }
+  std::int64_t Records() const { return Ask("SELECT count(*) FROM change"); }
+  void RunSql(const char* sql) const {
+    SqliteDatabase database;
+    ASSERT_EQ(database.Open(File(), SQLITE_OPEN_READWRITE, 0), SQLITE_OK);
+    ASSERT_EQ(database.Execute(sql), SQLITE_OK) << database.Problem();
+  }
+  std::string File() const { return folder_.File("wattlark.db"); }
+
+  TemporaryFolder folder_;
+  std::unique_ptr<Registry> store_ = Open().registry;
+};
+
+TEST_F(ChangeLogTest, HoldsSixHoursOfSavesEveryFiveMinutes) {
+  ASSERT_TRUE(store_->Write(kUser, "A", "hour", Text(Series(0))));
+  for (int save = 1; save <= 72; ++save) SaveProgress(5 * save);
+  EXPECT_EQ(Records(), 72);
+  EXPECT_LE(Ask("SELECT max(length(changes)) FROM change"), 60);
+  Reopen();
+  ExpectStored(360);
+  SaveProgress(365);
+  EXPECT_EQ(Records(), 0);
+  ExpectStored(365);
+  SaveProgress(370);
+  EXPECT_EQ(Records(), 1);
+  SaveProgress(370);
+  EXPECT_EQ(Records(), 1) << "nothing has changed";
+  Reopen();
+  ExpectStored(370);
+}
+
+TEST_F(ChangeLogTest, AChangeOfAnotherKindComesAfterIt) {
+  const RegistryValue number{RegistryType::DWord, {1, 2, 3, 4}};
+  const std::function<bool()> changes[] = {
+      [&] { return store_->Write(kUser, "A", "hour", Text("other")); },
+      [&] { return store_->Write(kUser, "A", "hour", number); },
+      [&] { return store_->DeleteValue(kUser, "A", "hour"); },
+      [&] { return store_->DeleteKey(kUser, "A"); },
+  };
+  for (const auto& change : changes) {
+    ASSERT_TRUE(store_->Write(kUser, "A", "hour", Text(Series(0))));
+    SaveProgress(5);
+    ASSERT_TRUE(change());
+    const auto expected = store_->Read(kUser, "A", "hour");
+    EXPECT_NE(expected, Text(Series(5)));
+    Reopen();
+    EXPECT_EQ(store_->Read(kUser, "A", "hour"), expected);
+  }
+}
+
+TEST_F(ChangeLogTest, AnotherProcessSeesItAndAddsToIt) {
+  ASSERT_TRUE(store_->Write(kUser, "A", "hour", Text(Series(0))));
+  const auto other = Open().registry;
+  SaveProgress(5);
+  EXPECT_EQ(other->Read(kUser, "A", "hour"), Text(Series(5)));
+  ASSERT_TRUE(other->Write(kUser, "A", "hour", Text(Series(10))));
+  SaveProgress(15);
+  Reopen();
+  ExpectStored(15);
+}
+
+TEST_F(ChangeLogTest, AStoreOfTheVersionBeforeGetsOne) {
+  ASSERT_TRUE(store_->Write(kUser, "A", "hour", Text(Series(0))));
+  store_.reset();
+  RunSql("DROP TABLE change; DROP TABLE generation; PRAGMA user_version = 1");
+  Reopen();
+  ExpectStored(0);
+  SaveProgress(5);
+  EXPECT_EQ(Records(), 1);
+  EXPECT_EQ(Ask("PRAGMA user_version"), 2);
+}
+
+TEST_F(ChangeLogTest, DamageCostsNoMoreThanTheChangesThatItHit) {
+  for (const char* name : {"hour", "other"}) {
+    ASSERT_TRUE(store_->Write(kUser, "A", name, Text(Series(0))));
+  }
+  for (const int first : {5, 10}) {
+    ASSERT_TRUE(store_->Begin());
+    store_->MarkProgress();
+    ASSERT_TRUE(store_->Write(kUser, "A", "other", Text(Series(first))));
+    ASSERT_TRUE(store_->Write(kUser, "A", "hour", Text(Series(first))));
+    ASSERT_TRUE(store_->Commit());
+  }
+  store_.reset();
+  // The last byte belongs to the checksum of the second value.
+  RunSql(
+      "UPDATE change SET changes = CAST(substr(changes, 1, length(changes) - 1) || x'00' AS BLOB)"
+      " WHERE id = 2");
+  StoreOpening opening = Open();
+  EXPECT_NE(opening.message.find("is damaged"), std::string::npos) << opening.message;
+  store_ = std::move(opening.registry);
+  ExpectStored(5);
+  EXPECT_EQ(store_->Read(kUser, "A", "other"), Text(Series(10)));
+}
+
+TEST_F(ChangeLogTest, ASalvageTakesNothingOfALogThatIsOver) {
+  std::string record;
+  AppendChange(1, Bytes("1"), Bytes("2"), record);
+  for (const std::int64_t generation : {0, 1}) {
+    ASSERT_TRUE(store_->Write(kUser, "A", "hour", Text("1")));
+    store_.reset();
+    {
+      SqliteDatabase database;
+      ASSERT_EQ(database.Open(File(), SQLITE_OPEN_READWRITE, 0), SQLITE_OK);
+      SqliteStatement insert(database, "INSERT INTO change VALUES(1, ?1, ?2)");
+      insert.Bind(1, generation).Bind(2, Bytes(record));
+      ASSERT_EQ(insert.Step(), SQLITE_DONE);
+      ASSERT_EQ(database.Execute("PRAGMA application_id = 7"), SQLITE_OK);
+    }
+    store_ = Open().registry;
+    EXPECT_EQ(store_->Read(kUser, "A", "hour"), Text(generation == 0 ? "1" : "2"));
+  }
+}
+
+TEST_F(ChangeLogTest, AnySequenceOfChangesGivesWhatAStoreInMemoryGives) {
+  std::mt19937 random(20261123);
+  const auto below = [&random](unsigned bound) { return random() % bound; };
+  MemoryRegistry expected;
+  const std::string paths[] = {"K", "K\\A", "K\\B"};
+  const std::string names[] = {"u", "v", "w"};
+  const auto compare = [&](int step) {
+    for (const std::string& path : paths) {
+      EXPECT_EQ(store_->KeyExists(kUser, path), expected.KeyExists(kUser, path)) << step;
+      for (const std::string& name : names) {
+        EXPECT_EQ(store_->Read(kUser, path, name), expected.Read(kUser, path, name)) << step;
+      }
+    }
+  };
+  for (int step = 0; step < 400 && !HasFailure(); ++step) {
+    const bool isProgress = below(3) != 0;
+    const bool isKept = below(5) != 0;
+    ASSERT_TRUE(store_->Begin());
+    if (isProgress) store_->MarkProgress();
+    ASSERT_TRUE(expected.Begin());
+    for (auto change = below(6); change > 0; --change) {
+      const std::string& path = paths[below(3)];
+      const std::string& name = names[below(3)];
+      const RegistryValue value = Text(Series(static_cast<int>(below(4))));
+      const bool isDeletion = below(isProgress ? 30 : 3) == 0;
+      if (!isDeletion) {
+        EXPECT_TRUE(store_->Write(kUser, path, name, value));
+        expected.Write(kUser, path, name, value);
+      } else if (below(2) == 0) {
+        EXPECT_EQ(store_->DeleteValue(kUser, path, name), expected.DeleteValue(kUser, path, name));
+      } else {
+        EXPECT_EQ(store_->DeleteKey(kUser, path), expected.DeleteKey(kUser, path));
+      }
+    }
+    compare(step);
+    if (isKept) {
+      ASSERT_TRUE(store_->Commit());
+      ASSERT_TRUE(expected.Commit());
+    } else {
+      store_->Rollback();
+      expected.Rollback();
+    }
+    if (below(4) == 0) Reopen();
+    compare(step);
+  }
+}
+
+}  // namespace
+
+}  // namespace wattlark
