@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "publish/LoginPrompt.h"
+#include "publish/WebText.h"
 #include "support/NoValue.h"
 #include "support/modFormat.h"
 
@@ -43,14 +44,11 @@ std::string TwitterMessageText(const std::string& messageTemplate, const clsKill
 }
 
 std::string TwitterBody(std::string_view message) {
-  constexpr char kDigits[] = "0123456789ABCDEF";
   std::string body = "status=";
   for (const char c : message) {
     const auto byte = static_cast<unsigned char>(c);
     if (byte < 0x20 || byte == 0x7F || std::string_view("%&+=").find(c) != std::string_view::npos) {
-      body += '%';
-      body += kDigits[byte >> 4];
-      body += kDigits[byte & 0xF];
+      AppendPercentEncoded(body, c);
     } else {
       body += c;
     }
@@ -64,21 +62,10 @@ namespace {
 std::string ForAuthority(const std::string& credential) {
   std::string text;
   for (const char c : credential) {
-    switch (c) {
-      case '%':
-        text += "%25";
-        break;
-      case '/':
-        text += "%2F";
-        break;
-      case '?':
-        text += "%3F";
-        break;
-      case '#':
-        text += "%23";
-        break;
-      default:
-        text += c;
+    if (std::string_view("%/?#").find(c) != std::string_view::npos) {
+      AppendPercentEncoded(text, c);
+    } else {
+      text += c;
     }
   }
   return text;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <functional>
 
 #include "support/modText.h"
 
@@ -37,7 +36,6 @@ std::string Mask(std::string text, const std::string& secret) {
 std::string PercentEncode(std::string_view text, std::string_view digits, std::string_view blank) {
   std::string encoded;
   for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
     const bool isPlain = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') ||
                          (c >= 'a' && c <= 'z') || c == '-' || c == '.' || c == '_' || c == '~';
     if (isPlain) {
@@ -45,7 +43,7 @@ std::string PercentEncode(std::string_view text, std::string_view digits, std::s
     } else if (c == ' ') {
       encoded += blank;
     } else {
-      encoded.append({'%', digits[byte >> 4], digits[byte & 0xF]});
+      AppendPercentEncoded(encoded, c, digits);
     }
   }
   return encoded;
@@ -59,7 +57,10 @@ std::string MaskEveryForm(std::string text, const std::string& secret) {
       forms.push_back(PercentEncode(secret, digits, blank));
     }
   }
-  std::ranges::sort(forms, std::ranges::greater{}, &std::string::size);
+  std::ranges::sort(forms, [](const std::string& a, const std::string& b) {
+    return a.size() != b.size() ? a.size() > b.size() : a < b;
+  });
+  forms.erase(std::ranges::unique(forms).begin(), forms.end());
   for (const std::string& form : forms) text = Mask(std::move(text), form);
   return text;
 }
@@ -112,6 +113,11 @@ std::string EscapeXml(std::string_view text) {
     }
   }
   return escaped;
+}
+
+void AppendPercentEncoded(std::string& text, char byte, std::string_view digits) {
+  const auto value = static_cast<unsigned char>(byte);
+  text.append({'%', digits[value >> 4], digits[value & 0xF]});
 }
 
 double RoundTo15Digits(double value) {

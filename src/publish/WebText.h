@@ -17,6 +17,10 @@ std::string QuoteResponse(std::string_view response, const std::vector<std::stri
 /// XML cannot hold become blanks.
 std::string EscapeXml(std::string_view text);
 
+/// Appends "%" and the byte's two digits: the capital ones, unless `digits` are others.
+void AppendPercentEncoded(std::string& text, char byte,
+                          std::string_view digits = "0123456789ABCDEF");
+
 /// A number as programs exchange it: up to 15 significant digits, no grouping, the region's decimal
 /// separator; "250.5", "1500".
 std::string PlainNumberText(const RegionalSettings& regional, double value);

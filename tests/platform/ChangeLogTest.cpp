@@ -51,7 +51,14 @@ TEST(ValueChangeTest, IsShortAndGivesTheNewBytesOfTheOldOnesAlone) {
     SCOPED_TRACE(pair.what);
     std::string record;
     AppendChange(70'000, Bytes(pair.before), Bytes(pair.after), record);
-    EXPECT_LE(record.size(), pair.longest + 2);
+    EXPECT_LE(record.size(), pair.longest);
+    std::string packed = PackChanges(record);
+    EXPECT_EQ(UnpackChanges(packed), record);
+    for (char& byte : packed) {
+      byte = static_cast<char>(byte ^ 1);
+      EXPECT_NE(UnpackChanges(packed), record);
+      byte = static_cast<char>(byte ^ 1);
+    }
     for (std::size_t size = 0; size < record.size(); ++size) {
       std::string_view part = std::string_view(record).substr(0, size);
       EXPECT_FALSE(TakeChange(part)) << size;
@@ -117,22 +124,22 @@ class ChangeLogTest : public testing::Test {
   std::unique_ptr<Registry> store_ = Open().registry;
 };
 
-TEST_F(ChangeLogTest, HoldsSixHoursOfSavesEveryFiveMinutes) {
+TEST_F(ChangeLogTest, HoldsHalfADayOfSavesEveryFiveMinutes) {
   ASSERT_TRUE(store_->Write(kUser, "A", "hour", Text(Series(0))));
-  for (int save = 1; save <= 72; ++save) SaveProgress(5 * save);
-  EXPECT_EQ(Records(), 72);
+  for (int save = 1; save <= 144; ++save) SaveProgress(5 * save);
+  EXPECT_EQ(Records(), 144);
   EXPECT_LE(Ask("SELECT max(length(changes)) FROM change"), 60);
   Reopen();
-  ExpectStored(360);
-  SaveProgress(365);
+  ExpectStored(720);
+  SaveProgress(725);
   EXPECT_EQ(Records(), 0);
-  ExpectStored(365);
-  SaveProgress(370);
+  ExpectStored(725);
+  SaveProgress(730);
   EXPECT_EQ(Records(), 1);
-  SaveProgress(370);
+  SaveProgress(730);
   EXPECT_EQ(Records(), 1) << "nothing has changed";
   Reopen();
-  ExpectStored(370);
+  ExpectStored(730);
 }
 
 TEST_F(ChangeLogTest, AChangeOfAnotherKindComesAfterIt) {
@@ -176,19 +183,10 @@ TEST_F(ChangeLogTest, AStoreOfTheVersionBeforeGetsOne) {
   EXPECT_EQ(Ask("PRAGMA user_version"), 2);
 }
 
-TEST_F(ChangeLogTest, DamageCostsNoMoreThanTheChangesThatItHit) {
-  for (const char* name : {"hour", "other"}) {
-    ASSERT_TRUE(store_->Write(kUser, "A", name, Text(Series(0))));
-  }
-  for (const int first : {5, 10}) {
-    ASSERT_TRUE(store_->Begin());
-    store_->MarkProgress();
-    ASSERT_TRUE(store_->Write(kUser, "A", "other", Text(Series(first))));
-    ASSERT_TRUE(store_->Write(kUser, "A", "hour", Text(Series(first))));
-    ASSERT_TRUE(store_->Commit());
-  }
+TEST_F(ChangeLogTest, DamageCostsNoMoreThanTheSavesThatItHit) {
+  ASSERT_TRUE(store_->Write(kUser, "A", "hour", Text(Series(0))));
+  for (const int first : {5, 10, 15}) SaveProgress(first);
   store_.reset();
-  // The last byte belongs to the checksum of the second value.
   RunSql(
       "UPDATE change SET changes = CAST(substr(changes, 1, length(changes) - 1) || x'00' AS BLOB)"
       " WHERE id = 2");
@@ -196,12 +194,12 @@ TEST_F(ChangeLogTest, DamageCostsNoMoreThanTheChangesThatItHit) {
   EXPECT_NE(opening.message.find("is damaged"), std::string::npos) << opening.message;
   store_ = std::move(opening.registry);
   ExpectStored(5);
-  EXPECT_EQ(store_->Read(kUser, "A", "other"), Text(Series(10)));
 }
 
 TEST_F(ChangeLogTest, ASalvageTakesNothingOfALogThatIsOver) {
   std::string record;
   AppendChange(1, Bytes("1"), Bytes("2"), record);
+  record = PackChanges(record);
   for (const std::int64_t generation : {0, 1}) {
     ASSERT_TRUE(store_->Write(kUser, "A", "hour", Text("1")));
     store_.reset();

@@ -79,8 +79,11 @@ int ChangeLog::Load() {
 }
 
 int ChangeLog::Add(std::string_view record) {
-  while (!record.empty()) {
-    const auto change = TakeChange(record);
+  const auto unpacked = UnpackChanges(record);
+  if (!unpacked) return SQLITE_CORRUPT;
+  std::string_view changes = *unpacked;
+  while (!changes.empty()) {
+    const auto change = TakeChange(changes);
     if (!change) return SQLITE_CORRUPT;
     auto at = newest_.find(change->value);
     if (at == newest_.end()) {
@@ -109,12 +112,15 @@ void ChangeLog::Note(std::int64_t value, std::span<const std::uint8_t> before, c
 
 int ChangeLog::Store() {
   if (noted_.empty()) return SQLITE_OK;
-  if (recordCount_ >= kMostRecords || byteCount_ + noted_.size() > kMostBytes) return Fold();
-  append_.Bind(1, std::span(reinterpret_cast<const std::uint8_t*>(noted_.data()), noted_.size()));
+  if (recordCount_ >= kMostRecords || byteCount_ >= kMostBytes || noted_.size() > kMostBytes) {
+    return Fold();
+  }
+  const std::string record = PackChanges(noted_);
+  append_.Bind(1, std::span(reinterpret_cast<const std::uint8_t*>(record.data()), record.size()));
   const int result = Run(append_);
   if (result == SQLITE_OK && sqlite3_changes(database_->Handle()) != 1) return SQLITE_CORRUPT;
   ++recordCount_;
-  byteCount_ += noted_.size();
+  byteCount_ += record.size();
   noted_.clear();
   return result;
 }

@@ -14,18 +14,18 @@ namespace wattlark {
 /// Changes of values that the file keeps apart from the values' own rows, a record for each save.
 ///
 /// A save every few minutes changes a little of almost every page of a store with many meters, and
-/// a page is written twice. A record of what changed is a twentieth of that. The rows are brought
-/// up to date when something else changes a value of the log, a value or key is deleted, or the log
-/// has grown long; the generation of the log's records is over then, and what the file still shows
-/// of them is recognised by its number. Results are SQLite's codes; SQLITE_CORRUPT as well when the
-/// log does not fit the rows.
+/// a page is written twice. A packed record of what changed is a fiftieth of that. The rows are
+/// brought up to date when something else changes a value of the log, a value or key is deleted, or
+/// the log has grown long; the generation of the log's records is over then, and what the file
+/// still shows of them is recognised by its number. Results are SQLite's codes; SQLITE_CORRUPT as
+/// well when the log does not fit the rows.
 class ChangeLog {
  public:
   using Bytes = std::vector<std::uint8_t>;
 
-  /// Records and bytes of a log that the next save brings into the rows: six hours of saves every
+  /// Records and bytes of a log that the next save brings into the rows: half a day of saves every
   /// five minutes.
-  static constexpr std::size_t kMostRecords = 72;
+  static constexpr std::size_t kMostRecords = 144;
   static constexpr std::size_t kMostBytes = std::size_t{1} << 20;
 
   /// Whether the store has the table for it.

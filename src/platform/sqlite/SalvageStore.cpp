@@ -163,8 +163,10 @@ class StoreContents {
   /// are no longer used still hold records of generations that are over.
   void ApplyChanges(const LogRow& row) {
     if (!generations_.contains(row.generation)) return;
-    std::string_view record = row.record;
-    while (const auto change = TakeChange(record)) {
+    const std::optional<std::string> unpacked = UnpackChanges(row.record);
+    if (!unpacked) return;
+    std::string_view changes = *unpacked;
+    while (const auto change = TakeChange(changes)) {
       const auto rows = valueRows_.find(change->value);
       if (rows == valueRows_.end()) continue;
       for (ValueRow& changed : rows->second) {

@@ -1,24 +1,27 @@
 #include "platform/sqlite/ValueChange.h"
 
+#include <zlib.h>
+
 #include <algorithm>
 #include <cstddef>
+#include <new>
 
 namespace wattlark {
 
 namespace {
 
-constexpr std::size_t kChecksumBytes = 4;
+constexpr std::size_t kChecksumBytes = 2;
+constexpr std::uint64_t kMostUnpacked = std::uint64_t{1} << 24;
 
 std::string_view AsText(std::span<const std::uint8_t> bytes) {
   return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
-// FNV-1a with 32 bits, http://www.isthe.com/chongo/tech/comp/fnv: tells a change that was applied
-// to other bytes than it was made from.
-std::uint32_t Checksum(std::string_view bytes) {
-  std::uint32_t sum = 2166136261U;
-  for (const char byte : bytes) sum = (sum ^ static_cast<std::uint8_t>(byte)) * 16777619U;
-  return sum;
+/// Tells a change that was applied to other bytes than it was made from; damage to the record
+/// itself is found by zlib.
+std::uint16_t Checksum(std::string_view bytes) {
+  const uLong sum = crc32_z(0, reinterpret_cast<const Bytef*>(bytes.data()), bytes.size());
+  return static_cast<std::uint16_t>(sum);
 }
 
 // Seven bits to a byte, the lowest first; the highest bit says that more follow.
@@ -90,7 +93,7 @@ void AppendChange(std::int64_t value, std::span<const std::uint8_t> before,
   AppendNumber(overlap.keep, record);
   AppendNumber(tail.size(), record);
   record += tail;
-  const std::uint32_t checksum = Checksum(text);
+  const std::uint16_t checksum = Checksum(text);
   for (std::size_t i = 0; i < kChecksumBytes; ++i) {
     record += static_cast<char>(checksum >> (8 * i));
   }
@@ -109,11 +112,38 @@ std::optional<ValueChange> TakeChange(std::string_view& record) {
   ValueChange change{static_cast<std::int64_t>(*value), *drop, *keep, rest.substr(0, *size), 0};
   rest.remove_prefix(*size);
   for (std::size_t i = 0; i < kChecksumBytes; ++i) {
-    change.checksum |= static_cast<std::uint32_t>(static_cast<std::uint8_t>(rest[i])) << (8 * i);
+    const auto byte = static_cast<std::uint8_t>(rest[i]);
+    change.checksum = static_cast<std::uint16_t>(change.checksum | byte << (8 * i));
   }
   rest.remove_prefix(kChecksumBytes);
   record = rest;
   return change;
+}
+
+std::string PackChanges(std::string_view changes) {
+  std::string record;
+  AppendNumber(changes.size(), record);
+  const std::size_t head = record.size();
+  uLongf size = compressBound(static_cast<uLong>(changes.size()));
+  record.resize(head + size);
+  const int result = compress2(reinterpret_cast<Bytef*>(&record[head]), &size,
+                               reinterpret_cast<const Bytef*>(changes.data()),
+                               static_cast<uLong>(changes.size()), Z_BEST_COMPRESSION);
+  if (result != Z_OK) throw std::bad_alloc();  // the only reason with a buffer of this size
+  record.resize(head + size);
+  return record;
+}
+
+std::optional<std::string> UnpackChanges(std::string_view record) {
+  const auto size = TakeNumber(record);
+  if (!size || *size > kMostUnpacked) return std::nullopt;
+  std::string changes(*size, '\0');
+  uLongf unpacked = static_cast<uLongf>(*size);
+  const int result =
+      uncompress(reinterpret_cast<Bytef*>(changes.data()), &unpacked,
+                 reinterpret_cast<const Bytef*>(record.data()), static_cast<uLong>(record.size()));
+  if (result != Z_OK || unpacked != *size) return std::nullopt;
+  return changes;
 }
 
 }  // namespace wattlark

@@ -17,7 +17,7 @@ struct ValueChange {
   std::uint64_t drop = 0;
   std::uint64_t keep = 0;
   std::string_view tail;       ///< lives in the text that it was read from
-  std::uint32_t checksum = 0;  ///< of the new bytes
+  std::uint16_t checksum = 0;  ///< of the new bytes
 
   /// The new bytes; nothing when `before` is not what the change was made from.
   std::optional<std::vector<std::uint8_t>> Apply(std::span<const std::uint8_t> before) const;
@@ -29,5 +29,10 @@ void AppendChange(std::int64_t value, std::span<const std::uint8_t> before,
 /// Takes the first change off `record`; nothing when it is empty, or damaged, and then something is
 /// left of it.
 std::optional<ValueChange> TakeChange(std::string_view& record);
+
+/// The changes in fewer bytes.
+std::string PackChanges(std::string_view changes);
+/// The changes of a packed record; nothing when it is damaged.
+std::optional<std::string> UnpackChanges(std::string_view record);
 
 }  // namespace wattlark
