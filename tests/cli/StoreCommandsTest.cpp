@@ -188,7 +188,7 @@ TEST_F(StoreCommands, RestoreTakesNoOtherFile) {
   expectRefused("Windows Registry Editor Version 5.00\r\n", "is damaged, or is no settings store");
   expectRefused(sound.substr(0, sound.size() - 4096), "is damaged, or is no settings store");
   std::string other = sound;
-  other[63] = 2;  // the version of the tables, a big-endian number at byte 60
+  other[63] = 3;  // the version of the tables, a big-endian number at byte 60
   expectRefused(other, "was written by a newer version of the program");
   fs::remove(file_);
   {
