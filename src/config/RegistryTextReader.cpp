@@ -9,6 +9,7 @@
 
 #include "config/RegistryLines.h"
 #include "config/RegistryTextWriter.h"
+#include "config/RegistryTokens.h"
 #include "config/RegistryUtf16.h"
 #include "platform/RegistryPath.h"
 #include "support/DisplayText.h"
@@ -18,54 +19,10 @@ namespace wattlark {
 
 namespace {
 
-constexpr std::u16string_view kBlanks = u" \t";
 constexpr std::size_t kLongestQuote = 40;
 
 std::string Quoted(std::u16string_view text) {
   return "\"" + CutToWidth(PrintableText(RegistryBytes(text)), kLongestQuote) + "\"";
-}
-
-void SkipBlanks(std::u16string_view& text) {
-  text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
-}
-
-/// The line without the blanks around it.
-std::u16string_view Stripped(std::u16string_view line) {
-  SkipBlanks(line);
-  return line.substr(0, line.find_last_not_of(kBlanks) + 1);
-}
-
-bool IsNothing(std::u16string_view rest) {
-  SkipBlanks(rest);
-  return rest.empty() || rest.front() == u';';
-}
-
-bool Take(std::u16string_view& text, std::u16string_view part) {
-  if (!text.starts_with(part)) return false;
-  text.remove_prefix(part.size());
-  return true;
-}
-
-/// Takes a word of ASCII letters in any case.
-bool TakeWord(std::u16string_view& text, std::u16string_view word) {
-  if (FoldCase(RegistryBytes(text.substr(0, word.size()))) != RegistryBytes(word)) return false;
-  text.remove_prefix(word.size());
-  return true;
-}
-
-/// Takes one to `most` hexadecimal digits.
-std::optional<std::uint32_t> TakeHex(std::u16string_view& text, std::size_t most) {
-  std::array<char, 8> digits{};
-  std::size_t count = 0;
-  while (count < most && count < text.size() && text[count] < 0x80) {
-    digits[count] = static_cast<char>(text[count]);
-    ++count;
-  }
-  std::uint32_t number = 0;
-  const auto result = std::from_chars(digits.data(), digits.data() + count, number, 16);
-  if (result.ec != std::errc()) return std::nullopt;
-  text.remove_prefix(static_cast<std::size_t>(result.ptr - digits.data()));
-  return number;
 }
 
 /// Gives the value the type of that number and the form in which the store has such values.
