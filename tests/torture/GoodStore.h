@@ -19,6 +19,14 @@
 
 namespace wattlark {
 
+inline void RunSql(const std::string& file, const char* sql) {
+  SqliteDatabase database;
+  if (database.Open(file, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, 0) != SQLITE_OK ||
+      database.Execute(sql) != SQLITE_OK) {
+    throw std::runtime_error("no database: " + database.Problem());
+  }
+}
+
 /// A store of many meters, some values of which stand in its log, and what damage may take of it.
 class GoodStore {
  public:

@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 #include <random>
 #include <set>
+#include <utility>
 
 #include "app/ProfileData.h"
 #include "config/modRegistry.h"
@@ -15,6 +16,7 @@
 #include "platform/sqlite/OpenStore.h"
 #include "platform/sqlite/SqliteRegistry.h"
 #include "torture/GoodStore.h"
+#include "torture/OtherUser.h"
 #include "torture/Torture.h"
 #include "twins/HandClock.h"
 
@@ -137,17 +139,12 @@ class Bed {
     }
   }
 
-  /// The program itself, ended as soon as it runs. Another user than root, whom modes do not bind.
+  /// The program itself, ended as soon as it runs.
   Run Start(const std::string& what, const std::vector<std::string>& options) {
     ++starts_;
     std::vector<std::string> command = {program_, "--profile", profile_};
     command.insert(command.end(), options.begin(), options.end());
-    if (::geteuid() == 0) {
-      command.insert(command.begin(),
-                     {"/usr/bin/setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"});
-      GiveAway();
-    }
-    RunningProgram program(command);
+    RunningProgram program(AsOtherUser(std::move(command), profile_));
     Run run;
     const bool starts = WaitUntil([&] {
       run.showsMeters = program.Output().find("Meter 10") != std::string::npos;
@@ -161,13 +158,6 @@ class Bed {
     torture_.Expect(runs, what + ": the program does not start: " + run.messages);
     return run;
   }
-  void GiveAway() const {
-    if (::chown(profile_.c_str(), 65534, 65534) != 0) throw std::runtime_error("chown");
-    for (const auto& entry : fs::recursive_directory_iterator(profile_)) {
-      if (::chown(entry.path().c_str(), 65534, 65534) != 0) throw std::runtime_error("chown");
-    }
-  }
-
   void ExpectProgramStarts(const std::string& what, const std::string& bad,
                            const std::set<std::size_t>& offsets) {
     const Run run = Start(what, {"--device", folder_.File("none")});
@@ -251,14 +241,6 @@ void SpoilHeader(const Torture& torture, Bed& bed) {
     std::string bad = bed.Good();
     bad[offset] = static_cast<char>(bad[offset] ^ 0x55);
     bed.Try("header " + std::to_string(offset), bad, {offset}, torture.isLong);
-  }
-}
-
-void RunSql(const std::string& file, const char* sql) {
-  SqliteDatabase database;
-  if (database.Open(file, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, 0) != SQLITE_OK ||
-      database.Execute(sql) != SQLITE_OK) {
-    throw std::runtime_error("no database: " + database.Problem());
   }
 }
 
