@@ -18,9 +18,9 @@ class StoreText;
 
 enum KillAWattKind { LoadMeter = 0, GeneratorMeter = 1 };
 
-/// How much of a meter is saved: a save while the program runs leaves the series of the last minute
-/// empty. After a restart it would be of no more use, and it is the part of a meter that has
-/// changed altogether since the save before.
+/// How much of a meter is saved. While it sends, the series of the last minute is new with every
+/// save: a save of progress leaves it empty, and writes it once no reading has come since the save
+/// before. A run that ends abnormally loses the seconds of meters that were sending.
 enum class SaveExtent { Everything, Progress };
 
 /// A stored value of a meter that could not be read: the field kept its default.

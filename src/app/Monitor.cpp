@@ -109,7 +109,7 @@ bool Monitor::SaveProgress() {
   if (loaded_ && !profile_.HasStoredMeters(store_)) return SaveEverything();
   return loaded_ && Save([this] {
            if (!profile_.SaveSettings(store_) || !listener_.OnSave(store_)) return false;
-           // Passwords leave no trace in the file when they are changed: they came before.
+           // Passwords leave no trace in the file when they are changed: they are saved before.
            ports_.registry.MarkProgress();
            return profile_.SaveProgress(store_);
          });
@@ -118,7 +118,12 @@ bool Monitor::SaveProgress() {
 bool Monitor::Save(const std::function<bool()>& work) {
   bool saved = ports_.registry.Begin();
   if (saved) {
-    saved = work();
+    try {
+      saved = work();
+    } catch (...) {
+      ports_.registry.Rollback();
+      throw;
+    }
     if (saved) {
       saved = ports_.registry.Commit();
     } else {

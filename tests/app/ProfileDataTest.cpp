@@ -101,7 +101,10 @@ TEST_F(Stored, ProgressIsSavedOverMetersThatAreStoredAsTheyAre) {
   ASSERT_TRUE(profile->SaveProgress(store));
   EXPECT_EQ(Get("KillAWatts\\Attic", "UsageToDate"), "77");
   EXPECT_EQ(Get("TotalKillAWatt", "UsageToDate"), "78");
-  EXPECT_EQ(Get("KillAWatts\\Attic", "DemandRecentMinute"), "(none)") << "seconds gone long ago";
+  EXPECT_NE(Get("KillAWatts\\Attic", "DemandRecentMinute"), "(none)") << "it sends no more";
+  statistics.SetTimestamp(At("2026-11-16T20:10:00"));
+  ASSERT_TRUE(profile->SaveProgress(store));
+  EXPECT_EQ(Get("KillAWatts\\Attic", "DemandRecentMinute"), "(none)") << "new with every save";
   EXPECT_EQ(Get("Unreadable\\KillAWatts\\Attic", "UsageToDate"), "lots");
 
   profile->Meters().FindName("Washer")->SetName("washer");

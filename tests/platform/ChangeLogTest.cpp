@@ -1,13 +1,17 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <random>
 #include <span>
 #include <string>
 #include <string_view>
 
+#include "platform/FileSizeLimit.h"
 #include "platform/TemporaryFolder.h"
 #include "platform/sqlite/ChangeLog.h"
 #include "platform/sqlite/OpenStore.h"
@@ -144,21 +148,69 @@ TEST_F(ChangeLogTest, HoldsHalfADayOfSavesEveryFiveMinutes) {
 
 TEST_F(ChangeLogTest, AChangeOfAnotherKindComesAfterIt) {
   const RegistryValue number{RegistryType::DWord, {1, 2, 3, 4}};
-  const std::function<bool()> changes[] = {
-      [&] { return store_->Write(kUser, "A", "hour", Text("other")); },
-      [&] { return store_->Write(kUser, "A", "hour", number); },
-      [&] { return store_->DeleteValue(kUser, "A", "hour"); },
-      [&] { return store_->DeleteKey(kUser, "A"); },
+  struct Case {
+    std::function<bool()> change;
+    std::optional<RegistryValue> expected;
   };
-  for (const auto& change : changes) {
+  const Case cases[] = {
+      {[&] { return store_->Write(kUser, "A", "hour", Text("other")); }, Text("other")},
+      {[&] { return store_->Write(kUser, "A", "hour", number); }, number},
+      {[&] { return store_->DeleteValue(kUser, "A", "hour"); }, std::nullopt},
+      {[&] { return store_->DeleteKey(kUser, "A"); }, std::nullopt},
+      {[&] { return store_->Write(kUser, "A", "new", number); }, Text(Series(5))},
+  };
+  for (const auto& [change, expected] : cases) {
     ASSERT_TRUE(store_->Write(kUser, "A", "hour", Text(Series(0))));
     SaveProgress(5);
     ASSERT_TRUE(change());
-    const auto expected = store_->Read(kUser, "A", "hour");
-    EXPECT_NE(expected, Text(Series(5)));
+    EXPECT_EQ(store_->Read(kUser, "A", "hour"), expected);
     Reopen();
     EXPECT_EQ(store_->Read(kUser, "A", "hour"), expected);
   }
+}
+
+TEST_F(ChangeLogTest, AFailureTellsWhyAndLeavesItAsItWas) {
+  ASSERT_TRUE(store_->Write(kUser, "A", "hour", Text(Series(0))));
+  SaveProgress(5);
+  {
+    const FileSizeLimit limit;
+    EXPECT_FALSE(store_->Write(kUser, "A", "hour", Text("other")));
+    EXPECT_FALSE(store_->DeleteKey(kUser, "A"));
+  }
+  EXPECT_THAT(store_->ErrorText(), testing::HasSubstr("disk"));
+  ExpectStored(5);
+  SaveProgress(10);
+  Reopen();
+  ExpectStored(10);
+}
+
+TEST_F(ChangeLogTest, AStoreThatCanOnlyBeReadShowsItAndRefusesProgress) {
+  ASSERT_TRUE(store_->Write(kUser, "A", "hour", Text(Series(0))));
+  SaveProgress(5);
+  store_.reset();
+  std::filesystem::permissions(File(), std::filesystem::perms(0444));
+  {
+    const WithoutRoot user;
+    store_ = Open().registry;
+  }
+  ExpectStored(5);
+  ASSERT_TRUE(store_->Begin());
+  store_->MarkProgress();
+  EXPECT_FALSE(store_->Write(kUser, "A", "hour", Text(Series(10))));
+  EXPECT_FALSE(store_->Commit());
+  ExpectStored(5);
+}
+
+TEST_F(ChangeLogTest, AStoreWithoutItsGenerationIsDamaged) {
+  ASSERT_TRUE(store_->Write(kUser, "A", "hour", Text(Series(0))));
+  store_.reset();
+  RunSql("DELETE FROM generation");
+  StoreOpening opening = Open();
+  EXPECT_THAT(opening.message, testing::HasSubstr("is damaged"));
+  store_ = std::move(opening.registry);
+  ExpectStored(0);
+  SaveProgress(5);
+  EXPECT_EQ(Records(), 1);
 }
 
 TEST_F(ChangeLogTest, AnotherProcessSeesItAndAddsToIt) {
@@ -227,6 +279,13 @@ TEST_F(ChangeLogTest, AnySequenceOfChangesGivesWhatAStoreInMemoryGives) {
       EXPECT_EQ(store_->KeyExists(kUser, path), expected.KeyExists(kUser, path)) << step;
       for (const std::string& name : names) {
         EXPECT_EQ(store_->Read(kUser, path, name), expected.Read(kUser, path, name)) << step;
+      }
+      const auto stored = store_->Values(kUser, path);
+      const auto wanted = expected.Values(kUser, path);
+      ASSERT_EQ(stored.size(), wanted.size()) << step;
+      for (std::size_t i = 0; i < stored.size(); ++i) {
+        EXPECT_EQ(stored[i].name, wanted[i].name) << step;
+        EXPECT_EQ(stored[i].value, wanted[i].value) << step;
       }
     }
   };

@@ -9,6 +9,9 @@ namespace wattlark {
 
 namespace {
 
+/// More than a log of ours comes to: a crafted one must not ask for all memory.
+constexpr std::size_t kMostUnpacked = std::size_t{1} << 26;
+
 std::string_view AsText(std::span<const std::uint8_t> bytes) {
   return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
@@ -29,6 +32,12 @@ bool ChangeLog::IsIn(const SqliteDatabase& database) {
 
 int ChangeLog::Attach(SqliteDatabase& database) {
   if (!IsIn(database)) return SQLITE_OK;
+  SqliteStatement generation(
+      database,
+      "SELECT count(*), sum(typeof(number) = 'integer' AND of = 'change') FROM generation");
+  const int found = generation.Step();
+  if (found != SQLITE_ROW) return found;
+  if (generation.Integer(0) != 1 || generation.Integer(1) != 1) return SQLITE_CORRUPT;
   database_ = &database;
   struct Text {
     SqliteStatement& statement;
@@ -50,54 +59,71 @@ int ChangeLog::Attach(SqliteDatabase& database) {
 
 int ChangeLog::Refresh() {
   if (database_ == nullptr) return SQLITE_OK;
-  const int result = version_.Step();
-  const std::int64_t version = result == SQLITE_ROW ? version_.Integer(0) : 0;
-  version_.Reset();
-  if (result != SQLITE_ROW) return result;
+  std::int64_t version = 0;
+  {
+    const StatementScope scope(version_);
+    const int result = version_.Step();
+    if (result != SQLITE_ROW) return result;
+    version = version_.Integer(0);
+  }
   if (!isStale_ && version == seenVersion_) return SQLITE_OK;
-  const int loaded = Load();
-  isStale_ = loaded != SQLITE_OK;
+  isStale_ = true;
+  const int result = Read();
+  isStale_ = result != SQLITE_OK;
   seenVersion_ = version;
-  return loaded;
+  return result;
 }
 
-int ChangeLog::Load() {
+int ChangeLog::Read() {
   newest_.clear();
   noted_.clear();
   recordCount_ = 0;
   byteCount_ = 0;
+  unpackedCount_ = 0;
+  const StatementScope scope(records_);
   int result = SQLITE_ROW;
   while ((result = records_.Step()) == SQLITE_ROW) {
     const std::string_view record = AsText(records_.Bytes(0));
     ++recordCount_;
     byteCount_ += record.size();
     result = Add(record);
-    if (result != SQLITE_OK) break;
+    if (result != SQLITE_OK) return result;
   }
-  records_.Reset();
   return result == SQLITE_DONE ? SQLITE_OK : result;
 }
 
 int ChangeLog::Add(std::string_view record) {
   const auto unpacked = UnpackChanges(record);
   if (!unpacked) return SQLITE_CORRUPT;
+  unpackedCount_ += unpacked->size();
+  if (unpackedCount_ > kMostUnpacked) return SQLITE_CORRUPT;
   std::string_view changes = *unpacked;
   while (!changes.empty()) {
     const auto change = TakeChange(changes);
     if (!change) return SQLITE_CORRUPT;
-    auto at = newest_.find(change->value);
-    if (at == newest_.end()) {
-      const int result = row_.Bind(1, change->value).Step();
-      const auto bytes = result == SQLITE_ROW ? row_.Bytes(0) : std::span<const std::uint8_t>();
-      at = newest_.emplace(change->value, Bytes(bytes.begin(), bytes.end())).first;
-      row_.Reset();
-      if (result != SQLITE_ROW) return result == SQLITE_DONE ? SQLITE_CORRUPT : result;
-    }
-    auto after = change->Apply(at->second);
+    const auto [at, isNew] = newest_.try_emplace(change->value);
+    Bytes& bytes = at->second;
+    const int result = isNew ? ReadRow(change->value, bytes) : SQLITE_OK;
+    if (result != SQLITE_OK) return result;
+    auto after = change->Apply(bytes);
     if (!after) return SQLITE_CORRUPT;
-    at->second = std::move(*after);
+    bytes = std::move(*after);
   }
   return SQLITE_OK;
+}
+
+int ChangeLog::ReadRow(std::int64_t value, Bytes& bytes) {
+  const StatementScope scope(row_);
+  const int result = row_.Bind(1, value).Step();
+  if (result != SQLITE_ROW) return result == SQLITE_DONE ? SQLITE_CORRUPT : result;
+  const auto stored = row_.Bytes(0);
+  bytes.assign(stored.begin(), stored.end());
+  return SQLITE_OK;
+}
+
+void ChangeLog::End(bool isStored) {
+  isStale_ = isStale_ || (isDirty_ && !isStored);
+  isDirty_ = false;
 }
 
 const ChangeLog::Bytes* ChangeLog::Find(std::int64_t value) const {
@@ -106,8 +132,13 @@ const ChangeLog::Bytes* ChangeLog::Find(std::int64_t value) const {
 }
 
 void ChangeLog::Note(std::int64_t value, std::span<const std::uint8_t> before, const Bytes& after) {
-  AppendChange(value, before, after, noted_);
+  isDirty_ = true;
+  std::string change;
+  AppendChange(value, before, after, change);
+  // All of it or nothing, should there be no memory.
+  noted_.reserve(noted_.size() + change.size());
   newest_.insert_or_assign(value, after);
+  noted_ += change;
 }
 
 int ChangeLog::Store() {
@@ -126,13 +157,13 @@ int ChangeLog::Store() {
 }
 
 int ChangeLog::Fold() {
+  isDirty_ = true;
   for (const auto& [value, bytes] : newest_) {
     const int result = Run(update_.Bind(1, value).Bind(2, std::span<const std::uint8_t>(bytes)));
     if (result != SQLITE_OK) return result;
   }
   if (recordCount_ != 0) {
-    // The pages of the log hold numbers alone: to write zeros over them would cost as much as they
-    // have saved.
+    // The log holds no secrets: to write zeros over its pages would cost as much as it has saved.
     database_->Execute("PRAGMA secure_delete = FAST");
     const int result =
         database_->Execute("DELETE FROM change; UPDATE generation SET number = number + 1");

@@ -35,8 +35,8 @@ class ChangeLog {
   int Attach(SqliteDatabase& database);
   /// Reads the log again when another connection has changed the store, or a change was undone.
   int Refresh();
-  /// What was noted since the last record is undone with its transaction.
-  void Forget() { isStale_ = true; }
+  /// The transaction is over; what was noted or folded in it is undone unless it is stored.
+  void End(bool isStored);
 
   /// Whether changes can be noted.
   bool IsKept() const { return database_ != nullptr; }
@@ -55,7 +55,9 @@ class ChangeLog {
 
  private:
   int Load();
+  int Read();
   int Add(std::string_view record);
+  int ReadRow(std::int64_t value, Bytes& bytes);
 
   SqliteDatabase* database_ = nullptr;
   SqliteStatement version_;
@@ -68,7 +70,9 @@ class ChangeLog {
   std::size_t recordCount_ = 0;
   std::size_t byteCount_ = 0;
   std::int64_t seenVersion_ = 0;
-  bool isStale_ = true;
+  std::size_t unpackedCount_ = 0;
+  bool isStale_ = true;   ///< to be read again
+  bool isDirty_ = false;  ///< the transaction has changed it
 };
 
 }  // namespace wattlark

@@ -125,7 +125,8 @@ class StoreContents {
     const std::int64_t id = row.Integer(0);
     if (!HasType(row, 1, SQLITE_INTEGER)) return;
     if (HasType(row, 3, SQLITE_NULL)) {
-      if (HasType(row, 2, SQLITE_TEXT)) generations_.insert(row.Integer(1));
+      if (HasType(row, 2, SQLITE_TEXT) && row.Text(2) == "change")
+        generations_.insert(row.Integer(1));
       if (HasType(row, 2, SQLITE_BLOB)) {
         const auto bytes = row.Bytes(2);
         Add(changes_[id], LogRow{row.Integer(1), {bytes.begin(), bytes.end()}});
@@ -168,9 +169,18 @@ class StoreContents {
     std::string_view changes = *unpacked;
     while (const auto change = TakeChange(changes)) {
       const auto rows = valueRows_.find(change->value);
-      if (rows == valueRows_.end()) continue;
+      // After one that did not fit, the next is made from other bytes, unless it keeps none.
+      if (rows == valueRows_.end() || (change->keep != 0 && misfits_.contains(change->value))) {
+        continue;
+      }
+      misfits_.erase(change->value);
       for (ValueRow& changed : rows->second) {
-        if (auto after = change->Apply(changed.value.data)) changed.value.data = std::move(*after);
+        if (IsContradicted(change->value, changed)) continue;
+        if (auto after = change->Apply(changed.value.data)) {
+          changed.value.data = std::move(*after);
+        } else {
+          misfits_.insert(change->value);
+        }
       }
     }
   }
@@ -208,6 +218,7 @@ class StoreContents {
   std::map<std::int64_t, std::vector<KeyRow>> keyRows_;
   std::map<std::int64_t, std::vector<ValueRow>> valueRows_;
   std::map<std::int64_t, std::vector<LogRow>> changes_;
+  std::set<std::int64_t> misfits_;      ///< values of which a change of the log is missing
   std::set<std::int64_t> generations_;  ///< of the log: one, when nothing of it is damaged
   std::map<std::int64_t, std::string> keyEntries_;
   std::map<std::int64_t, ValueEntry> valueEntries_;

@@ -22,12 +22,12 @@ int SqliteDatabase::Execute(const char* sql) {
   return sqlite3_exec(connection_.get(), sql, nullptr, nullptr, nullptr);
 }
 
-std::string SqliteDatabase::Problem() const {
+std::string SqliteDatabase::Problem(int result) const {
   if (connection_ == nullptr) return "there is not enough memory";
   const int systemError = sqlite3_system_errno(connection_.get());
   const std::string reason =
       systemError != 0 ? std::string(" (") + std::strerror(systemError) + ")" : std::string();
-  switch (sqlite3_errcode(connection_.get()) & 0xFF) {
+  switch (result & 0xFF) {
     case SQLITE_FULL:
       return "the disk is full";
     case SQLITE_BUSY:
@@ -45,7 +45,9 @@ std::string SqliteDatabase::Problem() const {
     case SQLITE_IOERR:
       return "the disk reports an error" + reason;
     default:
-      return sqlite3_errmsg(connection_.get());
+      return result == sqlite3_extended_errcode(connection_.get())
+                 ? sqlite3_errmsg(connection_.get())
+                 : sqlite3_errstr(result);
   }
 }
 

@@ -22,7 +22,9 @@ class SqliteDatabase {
   /// Whether a transaction is open.
   bool InTransaction() const { return sqlite3_get_autocommit(connection_.get()) == 0; }
   /// Why the last call failed, in words.
-  std::string Problem() const;
+  std::string Problem() const { return Problem(sqlite3_extended_errcode(Handle())); }
+  /// The same of a call with that result, which need not be the last one.
+  std::string Problem(int result) const;
 
  private:
   struct Closer {
@@ -60,6 +62,18 @@ class SqliteStatement {
     void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
   };
   std::unique_ptr<sqlite3_stmt, Finalizer> statement_;
+};
+
+/// Resets a statement at the end of its scope, so that it holds no lock of the file beyond.
+class StatementScope {
+ public:
+  explicit StatementScope(SqliteStatement& statement) : statement_(statement) {}
+  ~StatementScope() { statement_.Reset(); }
+  StatementScope(const StatementScope&) = delete;
+  StatementScope& operator=(const StatementScope&) = delete;
+
+ private:
+  SqliteStatement& statement_;
 };
 
 }  // namespace wattlark

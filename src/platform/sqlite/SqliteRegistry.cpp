@@ -9,6 +9,23 @@ namespace wattlark {
 
 namespace {
 
+/// One view of the file for several statements, within a transaction or not.
+class ReadView {
+ public:
+  explicit ReadView(SqliteDatabase& database)
+      : database_(database),
+        isOwn_(!database.InTransaction() && database.Execute("BEGIN") == SQLITE_OK) {}
+  ~ReadView() {
+    if (isOwn_) database_.Execute("COMMIT");
+  }
+  ReadView(const ReadView&) = delete;
+  ReadView& operator=(const ReadView&) = delete;
+
+ private:
+  SqliteDatabase& database_;
+  bool isOwn_;
+};
+
 constexpr std::int64_t HiveNumber(Hive hive) {
   return static_cast<std::int64_t>(hive);
 }
@@ -24,25 +41,23 @@ int SqliteRegistry::Attach(SqliteDatabase database, const std::string& name,
   // A password that was changed leaves no trace, and a salvage of the file finds no deleted meter.
   database.Execute("PRAGMA secure_delete = ON");
   const bool readOnly = sqlite3_db_readonly(database.Handle(), "main") == 1;
-  if (!readOnly && !ChangeLog::IsIn(database)) CreateStoreTables(database);
+  int result = readOnly || ChangeLog::IsIn(database) ? SQLITE_OK : CreateStoreTables(database);
+  if (result != SQLITE_OK) return result;
   std::unique_ptr<SqliteRegistry> attached(new SqliteRegistry(std::move(database), name));
-  int result = attached->sql_.Prepare(attached->database_);
+  result = attached->sql_.Prepare(attached->database_);
   if (result == SQLITE_OK) result = attached->log_.Attach(attached->database_);
   if (result == SQLITE_OK) registry = std::move(attached);
   return result;
 }
 
-void SqliteRegistry::Fail(const char* action) {
-  errorText_ = name_ + " could not be " + action + ": " + database_.Problem();
-}
-
 bool SqliteRegistry::Succeeded(int result, const char* action) {
   if (result == SQLITE_OK) return true;
-  Fail(action);
-  if (result == SQLITE_CORRUPT) {  // of the log, which SQLite itself knows nothing of
-    errorText_ = name_ + " could not be " + action + ": it is damaged";
-  }
+  errorText_ = name_ + " could not be " + action + ": " + database_.Problem(result);
   return false;
+}
+
+void SqliteRegistry::Fail(const char* action) {
+  Succeeded(sqlite3_extended_errcode(database_.Handle()), action);
 }
 
 /// What another process has stored meanwhile; false when that cannot be read.
@@ -72,9 +87,9 @@ bool SqliteRegistry::StepRow(SqliteStatement& statement) {
 }
 
 bool SqliteRegistry::Run(SqliteStatement& statement) {
+  const StatementScope scope(statement);
   const bool done = statement.Step() == SQLITE_DONE;
   if (!done) Fail("changed");
-  statement.Reset();
   return done;
 }
 
@@ -90,9 +105,8 @@ const std::string& SqliteRegistry::FoldedPath(Hive hive, const std::string& path
 
 std::int64_t SqliteRegistry::FindKey(Hive hive, std::string_view folded) {
   sql_.findKey.Bind(1, HiveNumber(hive)).Bind(2, folded);
-  const std::int64_t key = StepRow(sql_.findKey) ? sql_.findKey.Integer(0) : 0;
-  sql_.findKey.Reset();
-  return key;
+  const StatementScope scope(sql_.findKey);
+  return StepRow(sql_.findKey) ? sql_.findKey.Integer(0) : 0;
 }
 
 std::int64_t SqliteRegistry::FindOrCreateKey(Hive hive, const std::string& path) {
@@ -121,15 +135,11 @@ bool SqliteRegistry::Change(Work work) {
     Fail("changed");
     return false;
   }
+  Ending ending(*this);
   lastKey_ = 0;
   const Outcome outcome = Refresh() ? work() : Outcome::Failed;
-  bool done = outcome == Outcome::Done;
-  if (done && database_.Execute("COMMIT") != SQLITE_OK) {
-    Fail("changed");
-    done = false;
-  }
-  EndTransaction(done);
-  return done;
+  ending.isStored = outcome == Outcome::Done && Succeeded(database_.Execute("COMMIT"), "changed");
+  return ending.isStored;
 }
 
 bool SqliteRegistry::KeyExists(Hive hive, const std::string& path) {
@@ -149,7 +159,7 @@ SqliteRegistry::Outcome SqliteRegistry::RemoveKey(std::int64_t key) {
   sql_.findSubKey.Reset();
   if (readFailed_) return Outcome::Failed;
   if (hasSubKeys) return Outcome::Missing;
-  // The log's values have to be there when it is read.
+  // A log is made from rows: it must name none that is gone.
   if (!FoldLog()) return Outcome::Failed;
   sql_.deleteKeyValues.Bind(1, key);
   sql_.deleteKey.Bind(1, key);
@@ -171,18 +181,19 @@ std::vector<std::string> SqliteRegistry::SubKeys(Hive hive, const std::string& p
   const std::int64_t key = folded.empty() ? 0 : FindKey(hive, folded);
   if (key == 0 && !folded.empty()) return names;
   sql_.subKeys.Bind(1, HiveNumber(hive)).Bind(2, key);
+  const StatementScope scope(sql_.subKeys);
   while (StepRow(sql_.subKeys)) names.emplace_back(RegistryKeyName(sql_.subKeys.Text(0)));
-  sql_.subKeys.Reset();
   return names;
 }
 
 void SqliteRegistry::TakeSnapshot(Hive hive, const std::string& folded) {
   snapshot_.Clear();
+  const ReadView view(database_);
   if (!Refresh()) return;
   snapshot_.Start(hive, folded);
   sql_.readKey.Bind(1, HiveNumber(hive)).Bind(2, folded);
+  const StatementScope scope(sql_.readKey);
   while (StepRow(sql_.readKey)) snapshot_.Add(sql_.readKey.Text(3), ValueAt(sql_.readKey));
-  sql_.readKey.Reset();
   if (readFailed_) snapshot_.Clear();
 }
 
@@ -198,8 +209,8 @@ std::optional<RegistryValue> SqliteRegistry::Read(Hive hive, const std::string& 
     return value;
   }
   sql_.readValue.Bind(1, HiveNumber(hive)).Bind(2, foldedPath).Bind(3, folded);
+  const StatementScope scope(sql_.readValue);
   if (StepRow(sql_.readValue)) value = ValueAt(sql_.readValue);
-  sql_.readValue.Reset();
   return value;
 }
 
@@ -215,9 +226,9 @@ bool SqliteRegistry::Write(Hive hive, const std::string& path, const std::string
 std::int64_t SqliteRegistry::FindValue(std::int64_t key, std::string_view folded,
                                        std::optional<RegistryValue>& value) {
   sql_.findValue.Bind(1, key).Bind(2, folded);
+  const StatementScope scope(sql_.findValue);
   const std::int64_t id = StepRow(sql_.findValue) ? sql_.findValue.Integer(0) : 0;
   if (id != 0) value = ValueAt(sql_.findValue);
-  sql_.findValue.Reset();
   return id;
 }
 
@@ -228,7 +239,7 @@ SqliteRegistry::Outcome SqliteRegistry::WriteValue(const std::string& name,
   const std::int64_t id = FindValue(lastKey_, folded, stored);
   if (readFailed_) return Outcome::Failed;
   if (stored == value) return Outcome::Done;
-  if (isProgress_ && stored && stored->type == value.type) {
+  if (isProgress_ && id > 0 && stored && stored->type == value.type) {
     log_.Note(id, stored->data, value.data);
     return Outcome::Done;
   }
@@ -256,15 +267,17 @@ bool SqliteRegistry::DeleteValue(Hive hive, const std::string& path, const std::
 
 std::vector<NamedRegistryValue> SqliteRegistry::Values(Hive hive, const std::string& path) {
   std::vector<NamedRegistryValue> values;
+  const ReadView view(database_);
+  if (!inTransaction_ && !Refresh()) return values;
   const std::int64_t key = FindKey(hive, FoldedPath(hive, path));
-  if (key == 0 || (!inTransaction_ && !Refresh())) return values;
+  if (key == 0) return values;
   sql_.values.Bind(1, key);
+  const StatementScope scope(sql_.values);
   while (StepRow(sql_.values)) {
     if (auto value = ValueAt(sql_.values)) {
       values.push_back({sql_.values.Text(3), std::move(*value)});
     }
   }
-  sql_.values.Reset();
   return values;
 }
 

@@ -43,13 +43,26 @@ class SqliteRegistry final : public Registry {
   std::vector<NamedRegistryValue> Values(Hive hive, const std::string& path) override;
 
   bool Begin() override;
-  void MarkProgress() override { isProgress_ = inTransaction_ && log_.IsKept(); }
+  void MarkProgress() override;
   bool Commit() override;
   void Rollback() override;
   std::string ErrorText() const override { return errorText_; }
 
  private:
   enum class Outcome { Done, Missing, Failed };
+  /// Ends the transaction with its scope, an exception included.
+  struct Ending {
+    explicit Ending(SqliteRegistry& of) : registry(of) {}
+    ~Ending() {
+      if (isHeld) registry.EndTransaction(isStored);
+    }
+    Ending(const Ending&) = delete;
+    Ending& operator=(const Ending&) = delete;
+
+    SqliteRegistry& registry;
+    bool isStored = false;
+    bool isHeld = true;
+  };
 
   SqliteRegistry(SqliteDatabase database, const std::string& name)
       : database_(std::move(database)), name_(name) {}
@@ -62,6 +75,7 @@ class SqliteRegistry final : public Registry {
   bool StepRow(SqliteStatement& statement);
   bool Run(SqliteStatement& statement);
 
+  bool IsReadOnly() const { return sqlite3_db_readonly(database_.Handle(), "main") == 1; }
   bool Refresh();
   bool FoldLog();
   std::optional<RegistryValue> ValueAt(const SqliteStatement& row) const;

@@ -10,15 +10,13 @@ bool SqliteRegistry::Begin() {
     return false;
   }
   // Over a store that can only be read a transaction still gives a consistent view.
-  const bool readOnly = sqlite3_db_readonly(database_.Handle(), "main") == 1;
-  if (database_.Execute(readOnly ? "BEGIN" : "BEGIN IMMEDIATE") != SQLITE_OK) {
+  if (database_.Execute(IsReadOnly() ? "BEGIN" : "BEGIN IMMEDIATE") != SQLITE_OK) {
     Fail("changed");
     return false;
   }
-  if (!Refresh()) {
-    EndTransaction(false);
-    return false;
-  }
+  Ending ending(*this);
+  if (!Refresh()) return false;
+  ending.isHeld = false;
   inTransaction_ = true;
   errorText_.clear();
   snapshot_.Clear();
@@ -26,15 +24,16 @@ bool SqliteRegistry::Begin() {
   return true;
 }
 
+void SqliteRegistry::MarkProgress() {
+  isProgress_ = inTransaction_ && log_.IsKept() && !IsReadOnly();
+}
+
 bool SqliteRegistry::Commit() {
   if (!inTransaction_) return false;
-  bool done = !transactionFailed_ && Succeeded(log_.Store(), "changed");
-  if (done && database_.Execute("COMMIT") != SQLITE_OK) {
-    Fail("changed");
-    done = false;
-  }
-  EndTransaction(done);
-  return done;
+  Ending ending(*this);
+  ending.isStored = !transactionFailed_ && Succeeded(log_.Store(), "changed") &&
+                    Succeeded(database_.Execute("COMMIT"), "changed");
+  return ending.isStored;
 }
 
 void SqliteRegistry::Rollback() {
@@ -43,7 +42,7 @@ void SqliteRegistry::Rollback() {
 
 void SqliteRegistry::EndTransaction(bool isStored) {
   if (database_.InTransaction()) database_.Execute("ROLLBACK");
-  if (!isStored) log_.Forget();
+  log_.End(isStored);
   inTransaction_ = false;
   isProgress_ = false;
   transactionFailed_ = false;

@@ -5,7 +5,9 @@ namespace wattlark {
 namespace {
 
 // Ids of keys are never used twice (AUTOINCREMENT): they are the order of creation, and one that a
-// second process has meanwhile deleted must not come to mean another key.
+// second process has meanwhile deleted must not come to mean another key. Ids of values are used
+// again: before a value of the log is deleted, the log is brought into the rows. A salvage knows
+// the rows of a damaged file by the types of their columns: those of "generation" by the text.
 constexpr const char* kSchema =
     "BEGIN IMMEDIATE;"
     "CREATE TABLE IF NOT EXISTS key("

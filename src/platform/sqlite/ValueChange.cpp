@@ -11,7 +11,7 @@ namespace wattlark {
 namespace {
 
 constexpr std::size_t kChecksumBytes = 2;
-constexpr std::uint64_t kMostUnpacked = std::uint64_t{1} << 24;
+constexpr std::uint64_t kMostUnpacked = std::uint64_t{1} << 22;
 
 std::string_view AsText(std::span<const std::uint8_t> bytes) {
   return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};

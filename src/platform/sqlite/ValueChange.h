@@ -19,7 +19,8 @@ struct ValueChange {
   std::string_view tail;       ///< lives in the text that it was read from
   std::uint16_t checksum = 0;  ///< of the new bytes
 
-  /// The new bytes; nothing when `before` is not what the change was made from.
+  /// The new bytes; nothing when `before` is not what the change was made from, as far as 16 bits
+  /// tell. A change that keeps nothing fits any bytes.
   std::optional<std::vector<std::uint8_t>> Apply(std::span<const std::uint8_t> before) const;
 };
 
@@ -30,7 +31,7 @@ void AppendChange(std::int64_t value, std::span<const std::uint8_t> before,
 /// left of it.
 std::optional<ValueChange> TakeChange(std::string_view& record);
 
-/// The changes in fewer bytes.
+/// The changes in fewer bytes; at most 4 MiB of them can be unpacked again.
 std::string PackChanges(std::string_view changes);
 /// The changes of a packed record; nothing when it is damaged.
 std::optional<std::string> UnpackChanges(std::string_view record);
