@@ -46,32 +46,21 @@ TEST(MeterAlarm, RaisesNoticesAtTheRightSecond) {
   };
   struct Case {
     const char* what;
-    std::int32_t duration;
-    std::int32_t interval;
+    std::int32_t duration, interval;
     std::vector<Stretch> stretches;
     std::vector<int> notices;
   };
-  const Case cases[] = {
-      {"above", 60, 600, {{600, 2000}}, {61, 662, 1263, 1864}},
-      {"below", 60, 600, {{99.9, 700}}, {61, 662}},
-      {"the limits are in range", 1, 60, {{500, 500}, {100, 500}, {300, 100}}, {}},
-      {"duration 0", 0, 60, {{600, 65}}, {1, 62}},
-      {"a break starts again", 60, 600, {{600, 30}, {400, 1}, {600, 61}}, {92}},
-      {"from above to below is no break", 60, 600, {{600, 30}, {50, 31}}, {61}},
-      {"not quite", 60, 600, {{600, 60}, {400, 1}}, {}},
-      {"a second episode within the interval waits",
-       60,
-       600,
-       {{600, 61}, {400, 39}, {600, 600}},
-       {61, 662}},
-      {"a second episode after it does not",
-       60,
-       600,
-       {{600, 61}, {400, 939}, {600, 100}},
-       {61, 1061}},
-      {"an interval shorter than the duration", 60, 5, {{600, 70}}, {61, 67}},
-  };
-  for (const Case& test : cases) {
+  for (const Case& test :
+       {Case{"above", 60, 600, {{600, 1300}}, {61, 662, 1263}},
+        Case{"below", 60, 600, {{99.9, 700}}, {61, 662}},
+        Case{"the limits are in range", 1, 60, {{500, 500}, {100, 500}, {300, 100}}, {}},
+        Case{"duration 0", 0, 60, {{600, 65}}, {1, 62}},
+        Case{"a break starts again", 60, 600, {{600, 30}, {400, 1}, {600, 61}}, {92}},
+        Case{"from above to below is no break", 60, 600, {{600, 30}, {50, 31}}, {61}},
+        Case{"not quite", 60, 600, {{600, 60}, {400, 1}}, {}},
+        Case{"again within the interval", 60, 600, {{600, 61}, {400, 39}, {600, 600}}, {61, 662}},
+        Case{"again after it", 60, 600, {{600, 61}, {400, 939}, {600, 100}}, {61, 1061}},
+        Case{"an interval shorter than the duration", 60, 5, {{600, 70}}, {61, 67}}}) {
     Watched alarm(test.duration, test.interval);
     std::vector<int> notices;
     int second = 0;
@@ -103,10 +92,7 @@ TEST(MeterAlarm, CountsTheSecondsOfTheReading) {
   EXPECT_EQ(restarted.OutOfRangeSeconds(), 0);
   restarted.AddReading(600, 86400);
   EXPECT_TRUE(restarted.Tick());
-}
-
-TEST(MeterAlarm, CountersStayAtTheirEnd) {
-  Watched alarm;
+  // Counters stay at their end.
   for (int i = 0; i < 3; ++i) alarm.AddReading(600, std::int64_t{1} << 40);
   EXPECT_EQ(alarm.OutOfRangeSeconds(), std::numeric_limits<std::int32_t>::max());
   EXPECT_EQ(alarm.IntervalSeconds(), std::numeric_limits<std::int32_t>::max());
@@ -119,28 +105,17 @@ TEST(MeterAlarm, AssignmentsChangeTheCountersAsTheyMust) {
     std::int32_t outOfRange;  // from 40
     std::int32_t interval;    // from 640
   };
-  const Case cases[] = {
-      {"on while on", [](MeterAlarm& a) { a.SetAlarmActive(true); }, 0, 640},
-      {"off", [](MeterAlarm& a) { a.SetAlarmActive(false); }, 0, 0},
-      {"off and on",
-       [](MeterAlarm& a) {
-         a.SetAlarmActive(false);
-         a.SetAlarmActive(true);
-       },
-       0, 600},
-      {"same duration", [](MeterAlarm& a) { a.SetAlarmDuration(60); }, 40, 640},
-      {"other duration", [](MeterAlarm& a) { a.SetAlarmDuration(30); }, 0, 640},
-      {"same interval", [](MeterAlarm& a) { a.SetAlarmInterval(600); }, 40, 640},
-      {"other interval", [](MeterAlarm& a) { a.SetAlarmInterval(300); }, 40, 300},
-      {"limits",
-       [](MeterAlarm& a) {
-         a.SetAlarmUpperLimit(1);
-         a.SetAlarmLowerLimit(1);
-       },
-       40, 640},
-      {"notice", [](MeterAlarm& a) { a.ResetAlarmInterval(); }, 40, 0},
-  };
-  for (const Case& test : cases) {
+  for (const Case& test :
+       {Case{"on while on", [](MeterAlarm& a) { a.SetAlarmActive(true); }, 0, 640},
+        Case{"off", [](MeterAlarm& a) { a.SetAlarmActive(false); }, 0, 0},
+        Case{"on", [](MeterAlarm& a) { a.SetAlarmActive(false), a.SetAlarmActive(true); }, 0, 600},
+        Case{"same duration", [](MeterAlarm& a) { a.SetAlarmDuration(60); }, 40, 640},
+        Case{"other duration", [](MeterAlarm& a) { a.SetAlarmDuration(30); }, 0, 640},
+        Case{"same interval", [](MeterAlarm& a) { a.SetAlarmInterval(600); }, 40, 640},
+        Case{"other interval", [](MeterAlarm& a) { a.SetAlarmInterval(300); }, 40, 300},
+        Case{"limits", [](MeterAlarm& a) { a.SetAlarmUpperLimit(1), a.SetAlarmLowerLimit(1); }, 40,
+             640},
+        Case{"notice", [](MeterAlarm& a) { a.ResetAlarmInterval(); }, 40, 0}}) {
     Watched alarm;
     alarm.AddReading(600, 40);
     test.assign(alarm);

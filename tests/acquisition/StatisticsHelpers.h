@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gmock/gmock.h>
+
 #include <cstddef>
 #include <span>
 #include <vector>
@@ -27,6 +29,21 @@ inline std::vector<double> NewestUsages(const MeterStatistics& meter, int interv
 
 inline double NewestUsage(const MeterStatistics& meter, int interval) {
   return meter.UsageRecent(interval).back();
+}
+
+inline void ExpectNoSeries(const MeterStatistics& meter) {
+  for (int i = 0; i < IntervalCount; ++i) {
+    EXPECT_THAT(meter.DemandRecent(i), testing::Each(None));
+    EXPECT_THAT(meter.UsageRecent(i), testing::Each(None));
+  }
+}
+
+inline void ExpectNoPeriods(const MeterStatistics& meter) {
+  for (int i = 0; i < PeriodCount; ++i) {
+    EXPECT_EQ(meter.Usage(i), 0);
+    EXPECT_EQ(meter.Peak(i), 0);
+    EXPECT_TRUE(meter.PeakTime(i).IsNever());
+  }
 }
 
 /// A meter whose last reading was at `time` and tick 1000, with 100 in every entry of every series

@@ -1,5 +1,4 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 
@@ -57,11 +56,9 @@ TEST(clsKillAWatt, StartsWithItsDefaults) {
 
 TEST(clsKillAWatt, ClampsCalibration) {
   clsKillAWatt meter;
-  const std::pair<std::int16_t, std::int16_t> offsets[] = {
-      {2000, 1023}, {1024, 1023}, {1022, 1022}, {1, 1}, {0, 0}, {-5, 0}, {-32768, 0}};
-  for (const auto& [assigned, kept] : offsets) {
-    meter.SetCurrentOffset(assigned);
-    EXPECT_EQ(meter.CurrentOffset(), kept) << assigned;
+  for (const int assigned : {-32768, -5, 0, 1, 1022, 1024, 2000}) {
+    meter.SetCurrentOffset(static_cast<std::int16_t>(assigned));
+    EXPECT_EQ(meter.CurrentOffset(), std::clamp(assigned, 0, 1023)) << assigned;
   }
   const std::pair<double, double> currents[] = {{1, 1.25 / 15.5}, {0, 0.75 / 15.5}, {0.07, 0.07}};
   for (const auto& [assigned, kept] : currents) {
@@ -80,12 +77,7 @@ TEST(clsKillAWatt, ClampsCalibration) {
   EXPECT_EQ(meter.CurrentOffset(), 498);
   EXPECT_DOUBLE_EQ(meter.CurrentScaler(), 1 / 15.5);
   EXPECT_DOUBLE_EQ(meter.VoltageScaler(), 1.2);
-}
-
-TEST(clsKillAWatt, ScalesTheVoltageWithANominalVoltageTheUserChanges) {
-  clsKillAWatt meter;
-  meter.ChangeNominalVoltage(240);
-  EXPECT_DOUBLE_EQ(meter.VoltageScaler(), 1.2);
+  // A change by the user scales it.
   meter.SetVoltageScaler(1.26);
   meter.ChangeNominalVoltage(120);
   EXPECT_DOUBLE_EQ(meter.VoltageScaler(), 0.63);
@@ -93,25 +85,19 @@ TEST(clsKillAWatt, ScalesTheVoltageWithANominalVoltageTheUserChanges) {
 
 TEST(clsKillAWatt, ConvertsSamplesIntoAReading) {
   struct Case {
-    std::vector<std::uint16_t> voltage;
-    std::vector<std::uint16_t> current;
+    std::vector<std::uint16_t> voltage, current;
     int offset;
-    double volts;
-    double amps;
-    double watts;
+    double volts, amps, watts;
   };
   // 31 counts from the offset of 498 are 2 A, 200 counts from the middle 120 V.
   const Case cases[] = {
       // The outer samples take part in the peaks alone, but count in the divisor.
       {{700, 300, 700, 300}, {0, 467, 529, 0}, 500, 240 / 2.82842712474619, 0, 120},
       {{795, 229, 512}, {1023, 529, 0}, 512, 566 * 0.6 / 2.82842712474619, 2.0 / 3, 0},
-      {{700, 300, 700, 300}, {498, 529, 467, 498}, 500, 240 / 2.82842712474619, 0, 0},
       // The middle is cut to a whole count: (701 + 300) \ 2.
       {{701, 300, 700}, {498, 467, 498}, 500, 401 * 0.6 / 2.82842712474619, -2.0 / 3, 80},
       {{700, 300}, {529, 467}, 500, 240 / 2.82842712474619, 0, 0},
-      {{512}, {600}, 512, 0, 0, 0},
-      {{}, {}, 512, 0, 0, 0},
-  };
+      {{}, {}, 512, 0, 0, 0}};
   for (const Case& test : cases) {
     SCOPED_TRACE(testing::PrintToString(test.voltage));
     Meter meter;
@@ -123,13 +109,6 @@ TEST(clsKillAWatt, ConvertsSamplesIntoAReading) {
     EXPECT_EQ(meter.ShownWatts(), meter.Watts());
     EXPECT_EQ(meter.Timestamp(), At("2026-11-16T20:10:00"));
   }
-}
-
-TEST(clsKillAWatt, ReadsAFullSwingOf566CountsAs120Volts) {
-  Meter meter;
-  meter.Receive({795, 229, 795}, {498, 498, 498});
-  EXPECT_NEAR(meter.Volts(), 566 * 0.6 / 2.82842712474619, 1e-9);
-  EXPECT_NEAR(meter.Volts(), 120, 0.1);
 }
 
 TEST(clsKillAWatt, KeepsTheLastFramesWaveform) {
@@ -147,9 +126,7 @@ TEST(clsKillAWatt, KeepsTheLastFramesWaveform) {
 TEST(clsKillAWatt, TakesChannelsThatAreNotSampledForWhatTheyRead) {
   // Without A0 and A4 every reading is -1: no swing, and the current far below its offset.
   Meter meter;
-  FrameOptions options;
-  options.mask = 0x0400;
-  meter.decoder.ParseBytes(SampleFrame(5, 3, {1, 2, 3}, options));
+  meter.decoder.ParseBytes(SampleFrame(5, 3, {1, 2, 3}, {.mask = 0x0400}));
   meter.ProcessPacket(meter.decoder);
   EXPECT_EQ(meter.VoltageOffset(), 0) << "(0 + -1) \\ 2";
   EXPECT_NEAR(meter.Amps(), -499 / 15.5 / 3, 1e-9);
@@ -204,36 +181,29 @@ TEST(clsKillAWattDemo, StartsAtARandomLevelWithoutHistory) {
 
 TEST(clsKillAWattDemo, StartsAtTheMeanDemandOfTheLastHour) {
   Meter meter;
-  const std::vector<double> hour{800, 1200};
-  meter.Statistics().SetDemandRecent(Hour, hour);
+  meter.Statistics().SetDemandRecent(Hour, std::vector<double>{800, 1200});
   meter.Demo({0.5, 0.5, 0.5});
   EXPECT_EQ(meter.Watts(), 1000);
   EXPECT_EQ(meter.Volts(), 120);
 }
 
 TEST(clsKillAWattDemo, DriftsWithTheTimeOfDay) {
-  struct Case {
-    const char* time;
-    int direction;
-  };
-  const Case cases[] = {{"T05:59:59.999", 0}, {"T06:00:00", 1},     {"T07:00:00", 1},
-                        {"T09:30:00", 1},     {"T09:30:00.001", 0}, {"T16:29:59", 0},
-                        {"T16:30:00", -1},    {"T18:00:00", -1},    {"T20:00:00", -1},
-                        {"T20:00:01", 0},     {"T00:00:00", 0},     {"T23:59:59.999", 0}};
-  for (const Case& test : cases) {
-    SCOPED_TRACE(test.time);
+  const std::pair<const char*, int> cases[] = {
+      {"T05:59:59.999", 0}, {"T06:00:00", 1},  {"T09:30:00", 1},  {"T09:30:00.001", 0},
+      {"T16:29:59", 0},     {"T16:30:00", -1}, {"T20:00:00", -1}, {"T20:00:01", 0}};
+  for (const auto& [time, direction] : cases) {
+    SCOPED_TRACE(time);
     Meter meter;
-    const std::vector<double> hour(60, 1000.0);
-    meter.Statistics().SetDemandRecent(Hour, hour);
-    const std::string time = std::string("2026-11-16") + test.time;
-    if (test.direction == 0) {
-      meter.Demo({0.5, 0.5, 0.5}, time.c_str());
+    meter.Statistics().SetDemandRecent(Hour, std::vector<double>(60, 1000.0));
+    const std::string moment = std::string("2026-11-16") + time;
+    if (direction == 0) {
+      meter.Demo({0.5, 0.5, 0.5}, moment.c_str());
       EXPECT_EQ(meter.Watts(), 1000);
     } else {
-      meter.Demo({0.5, 0.5, 0.5, 0.5}, time.c_str());
-      EXPECT_DOUBLE_EQ(meter.Watts(), 1000 + test.direction * 0.1);
-      meter.Demo({0.5, 0.5, 0, 0.5}, time.c_str());
-      EXPECT_DOUBLE_EQ(meter.Watts(), 1000 + test.direction * 0.1);
+      meter.Demo({0.5, 0.5, 0.5, 0.5}, moment.c_str());
+      EXPECT_DOUBLE_EQ(meter.Watts(), 1000 + direction * 0.1);
+      meter.Demo({0.5, 0.5, 0, 0.5}, moment.c_str());
+      EXPECT_DOUBLE_EQ(meter.Watts(), 1000 + direction * 0.1);
     }
   }
 }

@@ -1,5 +1,4 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "app/FirstStartView.h"
 #include "twins/HandClock.h"
@@ -12,22 +11,7 @@ using testing::SizeIs;
 
 const SerialDevice kNamed{"/dev/serial/by-id/usb-a", "/dev/ttyUSB0", "FT232R USB UART"};
 const SerialDevice kPlain{"", "/dev/ttyACM0"};
-
-struct ReceiverCase {
-  const char* name;
-  FirstStartState state;
-  const char* text;
-  const char* command;
-};
-
-class FirstStartReceiver : public testing::TestWithParam<ReceiverCase> {};
-
-TEST_P(FirstStartReceiver, SaysWhatToDoNext) {
-  const FirstStartView view = MakeFirstStartView(GetParam().state, At("2026-11-16T20:10:00"));
-  EXPECT_EQ(view.receiverText, GetParam().text);
-  EXPECT_EQ(view.command, GetParam().command);
-  EXPECT_EQ(view.devices.size(), GetParam().state.isDemoMode ? 0 : GetParam().state.devices.size());
-}
+const DateTime kNow = At("2026-11-16T20:10:00");
 
 FirstStartState Closed(std::vector<SerialDevice> devices) {
   FirstStartState state;
@@ -59,32 +43,37 @@ FirstStartState Demo() {
   return state;
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Table, FirstStartReceiver,
-    testing::Values(
-        ReceiverCase{"Nothing", Closed({}),
-                     "No USB serial device is connected. Plug in the receiver: it appears here.",
-                     ""},
-        ReceiverCase{"One", Closed({kNamed}), "A serial device is connected. Is it the receiver?",
-                     ""},
-        ReceiverCase{"Several", Closed({kNamed, kPlain}), "Which of these is the receiver?", ""},
-        ReceiverCase{"InUse", Chosen(Closed({kNamed}), "/dev/ttyUSB0"),
-                     "In use: another program has /dev/ttyUSB0 open.", ""},
-        ReceiverCase{"Denied", Denied(),
-                     "You may not use /dev/serial/by-id/usb-a yet. Type this in a terminal, then "
-                     "log out and in again:",
-                     "sudo usermod -aG dialout $USER"},
-        ReceiverCase{"Open", Open(Chosen(Closed({kNamed}), kNamed.byIdPath)), "Listening on COM3.",
-                     ""},
-        ReceiverCase{"OpenElsewhere", Open(Closed({kNamed})), "Listening on COM3, /dev/ttyS2.", ""},
-        ReceiverCase{
-            "Demo", Demo(),
-            "Demo mode is on: no receiver is used, and every meter shows made-up readings.", ""}),
-    [](const auto& receiver) { return receiver.param.name; });
+TEST(FirstStartViewTest, SaysWhatToDoNext) {
+  const struct {
+    FirstStartState state;
+    const char* text;
+    const char* command = "";
+  } cases[] = {
+      {Closed({}), "No USB serial device is connected. Plug in the receiver: it appears here."},
+      {Closed({kNamed}), "A serial device is connected. Is it the receiver?"},
+      {Closed({kNamed, kPlain}), "Which of these is the receiver?"},
+      {Chosen(Closed({kNamed}), "/dev/ttyUSB0"), "In use: another program has /dev/ttyUSB0 open."},
+      {Denied(),
+       "You may not use /dev/serial/by-id/usb-a yet. Type this in a terminal, then log out and in "
+       "again:",
+       "sudo usermod -aG dialout $USER"},
+      {Open(Chosen(Closed({kNamed}), kNamed.byIdPath)), "Listening on COM3."},
+      {Open(Closed({kNamed})), "Listening on COM3, /dev/ttyS2."},
+      {Demo(), "Demo mode is on: no receiver is used, and every meter shows made-up readings."}};
+  for (const auto& [state, text, command] : cases) {
+    const FirstStartView view = MakeFirstStartView(state, kNow);
+    EXPECT_EQ(view.receiverText, text);
+    EXPECT_EQ(view.command, command);
+    EXPECT_EQ(view.devices.size(), state.isDemoMode ? 0 : state.devices.size());
+  }
+  const FirstStartView many = MakeFirstStartView(Closed(std::vector(200, kPlain)), kNow);
+  EXPECT_THAT(many.devices, SizeIs(6));
+  EXPECT_EQ(many.receiverText, "Which of these is the receiver? The options list all devices.");
+}
 
 TEST(FirstStartViewTest, NamesDevicesAndMarksTheOneInUse) {
-  const FirstStartView view = MakeFirstStartView(
-      Open(Chosen(Closed({kNamed, kPlain}), "/dev/ttyUSB0")), At("2026-11-16T20:10:00"));
+  const FirstStartView view =
+      MakeFirstStartView(Open(Chosen(Closed({kNamed, kPlain}), "/dev/ttyUSB0")), kNow);
   EXPECT_EQ(view.devices,
             (std::vector<FirstStartView::Device>{
                 {"/dev/serial/by-id/usb-a", "FT232R USB UART", "/dev/serial/by-id/usb-a", true},
@@ -92,46 +81,37 @@ TEST(FirstStartViewTest, NamesDevicesAndMarksTheOneInUse) {
 }
 
 TEST(FirstStartViewTest, OffersTheMetersThatSendNow) {
-  const DateTime now = At("2026-11-16T20:10:00");
   FirstStartState state = Open(Closed({}));
-  EXPECT_THAT(MakeFirstStartView(state, now).metersText, testing::StartsWith("No meter is heard"));
+  EXPECT_THAT(MakeFirstStartView(state, kNow).metersText, testing::StartsWith("No meter is heard"));
   // A minute ago, and an hour ahead as after the end of summer time.
-  state.heard = {{4, 9, now.PlusMilliseconds(-60'000)},
-                 {5, 1, now.PlusMilliseconds(-59'999)},
-                 {6, 9, now.PlusMilliseconds(3'600'000)}};
-  FirstStartView view = MakeFirstStartView(state, now);
+  state.heard = {{4, 9, kNow.PlusMilliseconds(-60'000)},
+                 {5, 1, kNow.PlusMilliseconds(-59'999)},
+                 {6, 9, kNow.PlusMilliseconds(3'600'000)}};
+  FirstStartView view = MakeFirstStartView(state, kNow);
   EXPECT_EQ(view.meters, (std::vector<FirstStartView::Meter>{{5, "Meter 5 is sending: add it?"}}));
   EXPECT_THAT(view.metersText, IsEmpty());
 
   state.heard.clear();
   for (std::int16_t address = 1; address <= 8; ++address) {
-    state.heard.push_back({address, static_cast<std::uint64_t>(address == 2 ? 1 : 10), now});
+    state.heard.push_back({address, static_cast<std::uint64_t>(address == 2 ? 1 : 10), kNow});
   }
-  view = MakeFirstStartView(state, now);
+  view = MakeFirstStartView(state, kNow);
   EXPECT_EQ(view.metersText, "And 2 more.");
   ASSERT_THAT(view.meters, SizeIs(6));
   EXPECT_EQ(view.meters[0].address, 1);
   EXPECT_EQ(view.meters[1].address, 3);
 
   state.isOpen = false;
-  EXPECT_THAT(MakeFirstStartView(state, now).meters, IsEmpty());
-}
-
-TEST(FirstStartViewTest, ListsNoMoreDevicesThanThereIsRoomFor) {
-  const FirstStartView view =
-      MakeFirstStartView(Closed(std::vector(200, kPlain)), At("2026-11-16T20:10:00"));
-  EXPECT_THAT(view.devices, SizeIs(6));
-  EXPECT_EQ(view.receiverText, "Which of these is the receiver? The options list all devices.");
+  EXPECT_THAT(MakeFirstStartView(state, kNow).meters, IsEmpty());
 }
 
 TEST(FirstStartViewTest, DemoModeIsOfferedAndLeft) {
-  const DateTime now = At("2026-11-16T20:10:00");
-  EXPECT_EQ(MakeFirstStartView(Closed({}), now).demoCaption, "Try demo mode…");
+  EXPECT_EQ(MakeFirstStartView(Closed({}), kNow).demoCaption, "Try demo mode…");
   FirstStartState demo = Demo();
-  EXPECT_EQ(MakeFirstStartView(demo, now).demoCaption, "Leave demo mode");
-  EXPECT_TRUE(MakeFirstStartView(demo, now).offersAdding);
+  EXPECT_EQ(MakeFirstStartView(demo, kNow).demoCaption, "Leave demo mode");
+  EXPECT_TRUE(MakeFirstStartView(demo, kNow).offersAdding);
   demo.canLeaveDemoMode = false;
-  EXPECT_THAT(MakeFirstStartView(demo, now).demoCaption, IsEmpty());
+  EXPECT_THAT(MakeFirstStartView(demo, kNow).demoCaption, IsEmpty());
 }
 
 }  // namespace

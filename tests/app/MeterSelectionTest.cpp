@@ -1,18 +1,14 @@
 #include <gtest/gtest.h>
 
-#include <memory>
-
 #include "app/MeterSelection.h"
+#include "twins/Meters.h"
 
 namespace wattlark {
 namespace {
 
 struct MeterSelectionTest : testing::Test {
   void Add(const char* name, std::int16_t address) {
-    auto meter = std::make_unique<clsKillAWatt>();
-    meter->SetName(name);
-    meter->SetXBeeAddress(address);
-    ASSERT_TRUE(profile.Meters().Add(std::move(meter)));
+    AddMeter(profile.Meters(), name, address);
     selection.RefreshTabs();
   }
 
@@ -21,15 +17,13 @@ struct MeterSelectionTest : testing::Test {
   MeterSelection selection{profile};
 };
 
-TEST_F(MeterSelectionTest, ShowsNothingWithoutMeters) {
+TEST_F(MeterSelectionTest, ShowsNoTotalOfNoMeterOrOne) {
   selection.RefreshTabs();
   EXPECT_EQ(selection.SelectedKillAWatt(false), nullptr);
   EXPECT_EQ(selection.SelectedKillAWatt(true), nullptr);
   ASSERT_EQ(selection.Tabs().size(), 1U);
   EXPECT_FALSE(selection.Tabs()[0].visible);
-}
-
-TEST_F(MeterSelectionTest, HidesTheTotalOfOneMeter) {
+  // Nor the total of one.
   Add("Kitchen", 5);
   EXPECT_EQ(selection.SelectedTab(), 1);
   EXPECT_EQ(selection.SelectedKillAWatt(false), &profile.Meters()[0]);
@@ -39,23 +33,13 @@ TEST_F(MeterSelectionTest, HidesTheTotalOfOneMeter) {
   EXPECT_EQ(selection.SelectedTab(), 1);
 }
 
-TEST_F(MeterSelectionTest, NamesTheTabsInOrder) {
+TEST_F(MeterSelectionTest, NamesAndFollowsTheTabsInOrder) {
   Add("Office", 300);
   Add("Kitchen", 5);
   const auto tabs = selection.Tabs();
-  ASSERT_EQ(tabs.size(), 3U);
-  const std::array<std::pair<const char*, const char*>, 3> expected{
-      {{"Total", "TOTAL"}, {"Office", "XBEE300"}, {"Kitchen", "XBEE5"}}};
-  for (std::size_t i = 0; i < tabs.size(); ++i) {
-    EXPECT_EQ(tabs[i].caption, expected[i].first);
-    EXPECT_EQ(tabs[i].key, expected[i].second);
-    EXPECT_TRUE(tabs[i].visible);
-  }
-}
-
-TEST_F(MeterSelectionTest, FollowsTheTabs) {
-  Add("Office", 300);
-  Add("Kitchen", 5);
+  std::string shown;
+  for (const auto& tab : tabs) shown += tab.caption + ' ' + tab.key + (tab.visible ? "; " : "- ");
+  EXPECT_EQ(shown, "Total TOTAL; Office XBEE300; Kitchen XBEE5; ");
   EXPECT_EQ(selection.SelectedTab(), 0);
   EXPECT_EQ(selection.SelectedKillAWatt(false), &profile.Total());
   selection.SelectTab(2);

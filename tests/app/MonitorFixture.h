@@ -7,11 +7,13 @@
 #include <string>
 
 #include "app/Monitor.h"
+#include "app/WebPublishers.h"
 #include "twins/Frames.h"
 #include "twins/HandClock.h"
 #include "twins/MemoryRegistry.h"
 #include "twins/RecordingDesktop.h"
 #include "twins/RecordingListener.h"
+#include "twins/ScriptedHttp.h"
 #include "twins/ScriptedPort.h"
 #include "twins/ScriptedPrompts.h"
 #include "twins/ScriptedRandom.h"
@@ -62,13 +64,27 @@ struct MonitorTest : testing::Test {
   ScriptedPort port;
   MemoryRegistry registry;
   modRegistry store{registry};
-  ScriptedRandom random{{0.5}};
+  ScriptedRandom random{0.5};
   RecordingDesktop desktop;
   ScriptedPrompts prompts;
   RecordingListener listener;
   const WebPorts* web = nullptr;
   const RegionalSettings region = RegionalSettings::UnitedStates();
   std::unique_ptr<Monitor> monitor;
+};
+
+/// A monitor that uses the web.
+struct WebMonitorTest : MonitorTest {
+  WebMonitorTest() { web = &webPorts; }
+  void TearDown() override { monitor.reset(); }  // it hears of its clients to its end
+
+  ScriptedHttp pachube;
+  ScriptedHttp google;
+  ScriptedHttp twitter;
+  ScriptedHttp versionAlert;
+  ScriptedPump pump{{&pachube, &google, &twitter, &versionAlert}};
+  WebPorts webPorts{pachube,      google, twitter,
+                    versionAlert, pump,   [](DateTime local) { return local.PlusHours(5); }};
 };
 
 /// 120 W: two samples of 2 A at 120 V among four.

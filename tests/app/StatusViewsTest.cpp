@@ -2,6 +2,7 @@
 
 #include "app/StatusViews.h"
 #include "twins/HandClock.h"
+#include "twins/Meters.h"
 
 namespace wattlark {
 namespace {
@@ -12,11 +13,7 @@ struct Status : testing::Test {
     profile.Settings().Mils = 0.106;
   }
   clsKillAWatt& Add(const char* name, std::int16_t address) {
-    auto meter = std::make_unique<clsKillAWatt>();
-    meter->SetName(name);
-    meter->SetXBeeAddress(address);
-    profile.Meters().Add(std::move(meter));
-    return *profile.Meters().FindAddress(address);
+    return AddMeter(profile.Meters(), name, address);
   }
   void Read(clsKillAWatt& meter, double watts, double todayWattHours) {
     meter.AddReading(120, 1, watts, now, 1000);
@@ -70,9 +67,8 @@ TEST_F(Status, CutsATooltipAt63Characters) {
 TEST_F(Status, PicturesTheLoadOfTheLastMinute) {
   clsKillAWatt& meter = Add("Kitchen", 5);
   const std::pair<double, const char*> cases[] = {
-      {0, "KILLAWATT0"},    {19.9, "KILLAWATT0"},  {20, "KILLAWATT1"},  {55, "KILLAWATT2"},
-      {79.9, "KILLAWATT3"}, {95, "KILLAWATT4"},    {100, "KILLAWATT4"}, {1000, "KILLAWATT4"},
-      {-50, "KILLAWATT0"},  {NoValue, "KILLAWATT"}};
+      {-50, "KILLAWATT0"},  {19.9, "KILLAWATT0"}, {20, "KILLAWATT1"},   {55, "KILLAWATT2"},
+      {79.9, "KILLAWATT3"}, {100, "KILLAWATT4"},  {1000, "KILLAWATT4"}, {NoValue, "KILLAWATT"}};
   for (const auto& [watts, image] : cases) {
     Read(meter, 1, 1);
     meter.Statistics().SetPeak(SinceReset, 100);

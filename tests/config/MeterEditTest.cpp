@@ -1,11 +1,12 @@
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <memory>
+#include <algorithm>
+#include <string>
 
 #include "config/MeterEdit.h"
 #include "support/NoValue.h"
 #include "support/RegionalForms.h"
+#include "twins/Meters.h"
 
 namespace wattlark {
 namespace {
@@ -14,16 +15,10 @@ const RegionalSettings kUnitedStates = RegionalSettings::UnitedStates();
 
 struct MeterEditTest : testing::Test {
   MeterEditTest() {
-    Add("Kitchen", 5);
-    Add("Office", 6);
+    AddMeter(meters, "Kitchen", 5);
+    AddMeter(meters, "Office", 6);
   }
 
-  void Add(const char* name, std::int16_t address) {
-    auto meter = std::make_unique<clsKillAWatt>();
-    meter->SetName(name);
-    meter->SetXBeeAddress(address);
-    ASSERT_TRUE(meters.Add(std::move(meter)));
-  }
   MeterEdit Filled() { return MakeMeterEdit(Kitchen(), kUnitedStates); }
   bool Apply(const MeterEdit& edit) {
     return ApplyMeterEdit(edit, meters, Kitchen(), kUnitedStates);
@@ -71,80 +66,62 @@ TEST_F(MeterEditTest, ShowsNothingForWhatItsListsLack) {
   EXPECT_EQ(edit.alarmInterval, -1);
 }
 
-struct ProblemCase {
-  const char* name;
-  std::function<void(MeterEdit&)> change;
-  std::optional<MeterField> field;
-  const char* text;
-};
-
-class CheckTest : public MeterEditTest, public testing::WithParamInterface<ProblemCase> {};
-
-TEST_P(CheckTest, NamesTheFirstFieldThatDoesNotFit) {
+TEST_F(MeterEditTest, NamesTheFirstFieldThatDoesNotFit) {
+  constexpr const char* kAddressText = "XBee Address: Enter a whole number from 0 to 32767.";
+  constexpr const char* kUpperText = "Upper Limit: Enter a number of watts.";
+  const struct {
+    std::string MeterEdit::*entry;
+    std::string typed;
+    MeterField field = {};
+    const char* text = nullptr;  ///< null when it fits
+  } cases[] = {
+      {&MeterEdit::name, "KITCHEN"},
+      {&MeterEdit::name, " ", MeterField::Name, "Name: The name must not be empty."},
+      {&MeterEdit::name, "a\\b", MeterField::Name, "Name: The name must not contain \"\\\"."},
+      {&MeterEdit::name, "office", MeterField::Name,
+       "Name: Another meter has the name \"office\"."},
+      {&MeterEdit::name, std::string(255, 'n')},
+      {&MeterEdit::name, std::string(256, 'n'), MeterField::Name,
+       "Name: The name must not be longer than 255 bytes."},
+      {&MeterEdit::xbeeAddress, "32767"},
+      {&MeterEdit::xbeeAddress, " 0"},
+      {&MeterEdit::xbeeAddress, "32768", MeterField::XBeeAddress, kAddressText},
+      {&MeterEdit::xbeeAddress, "-1", MeterField::XBeeAddress, kAddressText},
+      {&MeterEdit::xbeeAddress, "5.5", MeterField::XBeeAddress, kAddressText},
+      {&MeterEdit::xbeeAddress, "", MeterField::XBeeAddress, kAddressText},
+      {&MeterEdit::xbeeAddress, "6", MeterField::XBeeAddress,
+       "A Kill-A-Watt with that XBee address is already defined"},
+      {&MeterEdit::upperLimit, "1,500.5"},
+      {&MeterEdit::upperLimit, "", MeterField::UpperLimit, kUpperText},
+      {&MeterEdit::upperLimit, "500 W", MeterField::UpperLimit, kUpperText},
+      {&MeterEdit::upperLimit, "1" + std::string(308, '0'), MeterField::UpperLimit, kUpperText},
+      {&MeterEdit::lowerLimit, "-", MeterField::LowerLimit,
+       "Lower Limit: Enter a number of watts."}};
+  for (const auto& c : cases) {
+    MeterEdit edit = Filled();
+    edit.*c.entry = c.typed;
+    const auto problem = CheckMeterEdit(edit, meters, Kitchen(), kUnitedStates);
+    ASSERT_EQ(problem.has_value(), c.text != nullptr) << c.typed;
+    if (!problem) continue;
+    EXPECT_EQ(problem->field, c.field) << c.typed;
+    EXPECT_EQ(problem->text, c.text);
+  }
   MeterEdit edit = Filled();
-  GetParam().change(edit);
-  const auto problem = CheckMeterEdit(edit, meters, Kitchen(), kUnitedStates);
-  ASSERT_EQ(problem.has_value(), GetParam().field.has_value()) << problem->text;
-  if (!problem) return;
-  EXPECT_EQ(problem->field, *GetParam().field);
-  EXPECT_EQ(problem->text, GetParam().text);
+  EXPECT_FALSE(CheckMeterEdit(edit, meters, Kitchen(), kUnitedStates)) << "untouched";
+  edit.lowerLimit = edit.xbeeAddress = "x";
+  EXPECT_EQ(CheckMeterEdit(edit, meters, Kitchen(), kUnitedStates)->field, MeterField::XBeeAddress);
 }
 
-constexpr const char* kAddressText = "XBee Address: Enter a whole number from 0 to 32767.";
-constexpr const char* kUpperText = "Upper Limit: Enter a number of watts.";
-constexpr const char* kLowerText = "Lower Limit: Enter a number of watts.";
-
-std::function<void(MeterEdit&)> Set(std::string MeterEdit::*field, std::string text) {
-  return [field, text](MeterEdit& edit) { edit.*field = text; };
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Entries, CheckTest,
-    testing::Values(ProblemCase{"Untouched", [](MeterEdit&) {}, {}, ""},
-                    ProblemCase{"OwnNameInOtherCase", Set(&MeterEdit::name, "KITCHEN"), {}, ""},
-                    ProblemCase{"NoName", Set(&MeterEdit::name, " "), MeterField::Name,
-                                "Name: The name must not be empty."},
-                    ProblemCase{"Backslash", Set(&MeterEdit::name, "a\\b"), MeterField::Name,
-                                "Name: The name must not contain \"\\\"."},
-                    ProblemCase{"TakenName", Set(&MeterEdit::name, "office"), MeterField::Name,
-                                "Name: Another meter has the name \"office\"."},
-                    ProblemCase{"LargestAddress", Set(&MeterEdit::xbeeAddress, "32767"), {}, ""},
-                    ProblemCase{"SmallestAddress", Set(&MeterEdit::xbeeAddress, " 0"), {}, ""},
-                    ProblemCase{"AddressTooLarge", Set(&MeterEdit::xbeeAddress, "32768"),
-                                MeterField::XBeeAddress, kAddressText},
-                    ProblemCase{"AddressNegative", Set(&MeterEdit::xbeeAddress, "-1"),
-                                MeterField::XBeeAddress, kAddressText},
-                    ProblemCase{"AddressWithDecimals", Set(&MeterEdit::xbeeAddress, "5.5"),
-                                MeterField::XBeeAddress, kAddressText},
-                    ProblemCase{"NoAddress", Set(&MeterEdit::xbeeAddress, ""),
-                                MeterField::XBeeAddress, kAddressText},
-                    ProblemCase{"TakenAddress", Set(&MeterEdit::xbeeAddress, "6"),
-                                MeterField::XBeeAddress,
-                                "A Kill-A-Watt with that XBee address is already defined"},
-                    ProblemCase{"GroupedLimit", Set(&MeterEdit::upperLimit, "1,500.5"), {}, ""},
-                    ProblemCase{"NoUpperLimit", Set(&MeterEdit::upperLimit, ""),
-                                MeterField::UpperLimit, kUpperText},
-                    ProblemCase{"LimitWithUnit", Set(&MeterEdit::upperLimit, "500 W"),
-                                MeterField::UpperLimit, kUpperText},
-                    ProblemCase{"LimitOfTheMarkersSize",
-                                Set(&MeterEdit::upperLimit, "1" + std::string(308, '0')),
-                                MeterField::UpperLimit, kUpperText},
-                    ProblemCase{"LowerLimit", Set(&MeterEdit::lowerLimit, "-"),
-                                MeterField::LowerLimit, kLowerText},
-                    ProblemCase{"FirstOfTwo",
-                                [](MeterEdit& edit) {
-                                  edit.lowerLimit = "x";
-                                  edit.xbeeAddress = "x";
-                                },
-                                MeterField::XBeeAddress, kAddressText}),
-    [](const auto& problem) { return problem.param.name; });
-
-TEST_F(MeterEditTest, RefusesTheAddressOfAnotherMeterForANewOne) {
-  const clsKillAWatt fresh;
+TEST_F(MeterEditTest, ANewMeterNeedsAFreeAddressAndIsLeftOutOfTheCollection) {
+  clsKillAWatt fresh;
   MeterEdit edit = MakeMeterEdit(fresh, kUnitedStates);
   EXPECT_FALSE(CheckMeterEdit(edit, meters, fresh, kUnitedStates));
   edit.xbeeAddress = "5";
   EXPECT_TRUE(CheckMeterEdit(edit, meters, fresh, kUnitedStates));
+  edit.xbeeAddress = "77";
+  ApplyMeterEdit(edit, meters, fresh, kUnitedStates);
+  EXPECT_EQ(fresh.XBeeAddress(), 77);
+  EXPECT_EQ(meters.FindAddress(77), nullptr);
 }
 
 TEST_F(MeterEditTest, WritesEveryField) {
@@ -152,7 +129,8 @@ TEST_F(MeterEditTest, WritesEveryField) {
   ASSERT_FALSE(CheckMeterEdit(edit, meters, Kitchen(), kUnitedStates));
   EXPECT_FALSE(Apply(edit));
   EXPECT_EQ(Kitchen().Name(), "Solar");
-  EXPECT_EQ(Kitchen().XBeeAddress(), 77);
+  EXPECT_EQ(meters.FindAddress(77), &Kitchen()) << "frames come from there at once";
+  EXPECT_EQ(meters.FindAddress(5), nullptr);
   EXPECT_EQ(Kitchen().NominalVoltage(), 240);
   EXPECT_EQ(Kitchen().NominalFrequency(), 50);
   EXPECT_EQ(Kitchen().KillAWattType(), GeneratorMeter);
@@ -161,23 +139,6 @@ TEST_F(MeterEditTest, WritesEveryField) {
   EXPECT_EQ(Alarm().AlarmLowerLimit(), -10.5);
   EXPECT_EQ(Alarm().AlarmDuration(), 15);
   EXPECT_EQ(Alarm().AlarmInterval(), 600);
-}
-
-TEST_F(MeterEditTest, TakesFramesFromTheNewAddressAtOnce) {
-  MeterEdit edit = Filled();
-  edit.xbeeAddress = "77";
-  Apply(edit);
-  EXPECT_EQ(meters.FindAddress(77), &Kitchen());
-  EXPECT_EQ(meters.FindAddress(5), nullptr);
-}
-
-TEST_F(MeterEditTest, LeavesTheCollectionAloneForANewMeter) {
-  clsKillAWatt fresh;
-  MeterEdit edit = MakeMeterEdit(fresh, kUnitedStates);
-  edit.xbeeAddress = "77";
-  ApplyMeterEdit(edit, meters, fresh, kUnitedStates);
-  EXPECT_EQ(fresh.XBeeAddress(), 77);
-  EXPECT_EQ(meters.FindAddress(77), nullptr);
 }
 
 TEST_F(MeterEditTest, ScalesTheCalibrationWithTheVoltage) {
@@ -203,74 +164,51 @@ TEST_F(MeterEditTest, WritesZeroForAListWithoutASelection) {
   EXPECT_EQ(Alarm().AlarmInterval(), 0);
 }
 
-struct TimesCase {
-  const char* duration;
-  const char* interval;
-  std::int32_t durationSeconds;
-  std::int32_t intervalSeconds;
-  bool raised;
-};
-
 int IndexOf(std::span<const ListEntry> entries, const std::string& text) {
-  for (std::size_t i = 0; i < entries.size(); ++i) {
-    if (entries[i].text == text) return static_cast<int>(i);
+  const auto found = std::ranges::find(entries, text, &ListEntry::text);
+  EXPECT_NE(found, entries.end()) << text;
+  return static_cast<int>(found - entries.begin());
+}
+
+TEST_F(MeterEditTest, RaisesTheIntervalToTheDuration) {
+  struct Row {
+    const char *duration, *interval;
+    std::int32_t durationSeconds, intervalSeconds;
+    bool raised;
+  };
+  for (const auto& row :
+       {Row{"1 hour", "1 minute", 3600, 3600, true}, Row{"30 seconds", "5 minutes", 30, 30, false},
+        Row{"5 minutes", "5 minutes", 300, 300, true}, Row{"1 second", "1 minute", 0, 60, false},
+        Row{"5 seconds", "10 minutes", 0, 600, false},
+        Row{"10 minutes", "30 minutes", 600, 1800, false},
+        Row{"1 hour", "1 hour", 3600, 3600, false}}) {
+    MeterEdit edit = Filled();
+    edit.alarmDuration = IndexOf(AlarmDurationEntries(), row.duration);
+    edit.alarmInterval = IndexOf(AlarmIntervalEntries(), row.interval);
+    EXPECT_EQ(Apply(edit), row.raised) << row.duration;
+    EXPECT_EQ(Alarm().AlarmDuration(), row.durationSeconds) << row.duration;
+    EXPECT_EQ(Alarm().AlarmInterval(), row.intervalSeconds) << row.duration;
   }
-  return -1;
 }
 
-class TimesTest : public MeterEditTest, public testing::WithParamInterface<TimesCase> {};
-
-TEST_P(TimesTest, RaisesTheIntervalToTheDuration) {
-  MeterEdit edit = Filled();
-  edit.alarmDuration = IndexOf(AlarmDurationEntries(), GetParam().duration);
-  edit.alarmInterval = IndexOf(AlarmIntervalEntries(), GetParam().interval);
-  ASSERT_NE(edit.alarmDuration, -1);
-  ASSERT_NE(edit.alarmInterval, -1);
-  EXPECT_EQ(Apply(edit), GetParam().raised);
-  EXPECT_EQ(Alarm().AlarmDuration(), GetParam().durationSeconds);
-  EXPECT_EQ(Alarm().AlarmInterval(), GetParam().intervalSeconds);
-}
-
-INSTANTIATE_TEST_SUITE_P(Lists, TimesTest,
-                         testing::Values(TimesCase{"1 hour", "1 minute", 3600, 3600, true},
-                                         TimesCase{"30 seconds", "5 minutes", 30, 30, false},
-                                         TimesCase{"5 minutes", "5 minutes", 300, 300, true},
-                                         TimesCase{"1 second", "1 minute", 0, 60, false},
-                                         TimesCase{"5 seconds", "10 minutes", 0, 600, false},
-                                         TimesCase{"10 minutes", "30 minutes", 600, 1800, false},
-                                         TimesCase{"1 hour", "1 hour", 3600, 3600, false}));
-
-struct KeyCase {
-  const char* region;
-  RegionalSettings regional;
-  std::u32string typed;
-  std::u32string passed;
-};
-
-class LimitKeyTest : public testing::TestWithParam<KeyCase> {};
-
-TEST_P(LimitKeyTest, LetsOnlyNumbersThrough) {
-  std::u32string passed;
-  for (const char32_t character : GetParam().typed) {
-    if (IsLimitCharacter(character, GetParam().regional)) passed += character;
+TEST(IsLimitCharacter, LetsOnlyNumbersThrough) {
+  RegionalSettings arabic = kUnitedStates;
+  arabic.decimalSeparator = "\u066B";
+  const struct {
+    RegionalSettings regional;
+    std::u32string typed, passed;
+  } cases[] = {{kUnitedStates, U"12a.5,3", U"12.53"},
+               {kUnitedStates, U"+-0987\b\r\tDE e$\u0663", U"+-0987\b"},
+               {Germany(), U"-1,5.0 €", U"-1,5.0"},
+               {arabic, U"1\u066B5,", U"1\u066B5"}};
+  for (const auto& c : cases) {
+    std::u32string passed;
+    for (const char32_t character : c.typed) {
+      if (IsLimitCharacter(character, c.regional)) passed += character;
+    }
+    EXPECT_EQ(passed, c.passed);
   }
-  EXPECT_EQ(passed, GetParam().passed);
 }
-
-RegionalSettings ArabicSeparator() {
-  RegionalSettings regional = RegionalSettings::UnitedStates();
-  regional.decimalSeparator = "\u066B";
-  return regional;
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Regions, LimitKeyTest,
-    testing::Values(KeyCase{"UnitedStates", kUnitedStates, U"12a.5", U"12.5"},
-                    KeyCase{"Comma", kUnitedStates, U"1,5", U"15"},
-                    KeyCase{"Others", kUnitedStates, U"+-0987\b\r\tDE e$\u0663", U"+-0987\b"},
-                    KeyCase{"Germany", Germany(), U"-1,5.0 €", U"-1,5.0"},
-                    KeyCase{"Arabic", ArabicSeparator(), U"1\u066B5,", U"1\u066B5"}),
-    [](const auto& keys) { return keys.param.region; });
 
 }  // namespace
 }  // namespace wattlark

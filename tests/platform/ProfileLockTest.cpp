@@ -33,30 +33,6 @@ TEST(ProfileLock, BelongsToOneHolderAtATime) {
   EXPECT_TRUE(elsewhere.TryAcquire());
 }
 
-TEST(ProfileLock, IsFreeAfterItsHolderWasKilled) {
-  const TemporaryFolder folder;
-  int held[2];
-  ASSERT_EQ(::pipe(held), 0);
-  const pid_t child = ::fork();
-  ASSERT_GE(child, 0);
-  if (child == 0) {
-    ProfileLock lock(folder.Path());
-    const char answer = lock.TryAcquire() ? '1' : '0';
-    if (::write(held[1], &answer, 1) == 1) ::pause();
-    ::_exit(1);
-  }
-  char answer = 0;
-  ASSERT_EQ(::read(held[0], &answer, 1), 1);
-  EXPECT_EQ(answer, '1');
-  ProfileLock lock(folder.Path());
-  EXPECT_FALSE(lock.TryAcquire());
-  ::kill(child, SIGKILL);
-  ASSERT_EQ(::waitpid(child, nullptr, 0), child);
-  EXPECT_TRUE(lock.TryAcquire());
-  ::close(held[0]);
-  ::close(held[1]);
-}
-
 TEST(ProfileLock, IsNotHandedOnToAProgramThatWasStarted) {
   const TemporaryFolder folder;
   std::optional<ProfileLock> lock(folder.Path());

@@ -1,17 +1,13 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <QSslConfiguration>
 #include <atomic>
-#include <ctime>
 #include <vector>
 
 #include "EventLoop.h"
 #include "RawServer.h"
 #include "TemporaryFolder.h"
-#include "platform/qt/QtEventPump.h"
 #include "platform/qt/QtHttpClient.h"
-#include "publish/PublishResult.h"
 #include "publish/WebRequestRunner.h"
 #include "services/Certificate.h"
 #include "services/HttpServer.h"
@@ -74,9 +70,7 @@ TEST_F(QtHttpClientTest, SendsRequestsAsTheyAre) {
              operation == std::string("GET") ? "" : body,
              "Content-Type:application/x-www-form-URLencoded\r\nAuthorization: AuthSub "
              "token=\"x\"");
-    EXPECT_EQ(answer.code, 0);
     EXPECT_EQ(answer.body, " ");
-    EXPECT_EQ(answer.info, "");
     EXPECT_EQ(seen.method, operation);
     EXPECT_EQ(seen.get_param_value("key"), "a b");
     EXPECT_EQ(seen.get_header_value("Content-Type"), "application/x-www-form-URLencoded");
@@ -92,36 +86,25 @@ TEST_F(QtHttpClientTest, SendsRequestsAsTheyAre) {
   }
 }
 
-TEST_F(QtHttpClientTest, SendsCredentialsAtOnce) {
+TEST_F(QtHttpClientTest, SendsCredentialsAtOnceAndDeliversTheBodyOfEveryStatus) {
   HttpServer server;
   std::atomic<int> requests = 0;
   std::string authorization;
-  server.Handlers().Post("/update", [&](const httplib::Request& request, httplib::Response& r) {
+  server.Handlers().Post(R"(/(\d+))", [&](const httplib::Request& request, httplib::Response& r) {
     ++requests;
     authorization = request.get_header_value("Authorization");
-    r.status = 401;
-    r.set_header("WWW-Authenticate", "Basic realm=\"x\"");
-    r.set_content("Could not authenticate you.", "text/plain");
-  });
-  server.Start();
-  const Answer answer = Send("http://user:p@ss@" + server.Place("/update"), "POST", "status=x");
-  EXPECT_EQ(authorization, "Basic dXNlcjpwQHNz");
-  EXPECT_EQ(requests, 1);
-  EXPECT_EQ(answer.code, 0);
-  EXPECT_EQ(answer.body, "Could not authenticate you.");
-  EXPECT_EQ(answer.info, "The server answers with status 401");
-}
-
-TEST_F(QtHttpClientTest, DeliversTheBodyOfEveryStatus) {
-  HttpServer server;
-  server.Handlers().Get(R"(/(\d+))", [](const httplib::Request& request, httplib::Response& r) {
     r.status = std::stoi(request.matches[1]);
+    if (r.status == 401) r.set_header("WWW-Authenticate", "Basic realm=\"x\"");
     r.set_content("body of " + std::string(request.matches[1]), "text/plain");
   });
   server.Start();
-  for (const int status : {200, 400, 403, 404, 405, 409, 410, 418, 500, 501, 503, 599}) {
+  for (const int status : {200, 400, 401, 404, 500, 599}) {
     const std::string text = std::to_string(status);
-    const Answer answer = Send("http://" + server.Place("/" + text));
+    requests = 0;
+    const Answer answer = Send("http://user:p@ss@" + server.Place("/" + text), "POST", "status=x",
+                               "Content-Type: text/plain");
+    EXPECT_EQ(requests, 1) << status;
+    EXPECT_EQ(authorization, "Basic dXNlcjpwQHNz");
     EXPECT_EQ(answer.code, 0) << status;
     EXPECT_EQ(answer.body, "body of " + text);
     EXPECT_EQ(answer.info, status == 200 ? "" : "The server answers with status " + text);
@@ -135,26 +118,20 @@ TEST_F(QtHttpClientTest, BoundsTheResponse) {
     r.set_content(std::string(size, 'x'), "text/plain");
   });
   server.Start();
-  const auto get = [&](std::size_t size) {
-    return Send("http://" + server.Place("/" + std::to_string(size)));
-  };
-  EXPECT_EQ(get(1024 * 1024).body.size(), 1024U * 1024);
-  EXPECT_EQ(get(LongestResponse).body.size(), LongestResponse);
-  const Answer answer = get(LongestResponse + 1);
+  const std::string place = "http://" + server.Place("/");
+  EXPECT_EQ(Send(place + std::to_string(LongestResponse)).body.size(), LongestResponse);
+  const Answer answer = Send(place + std::to_string(LongestResponse + 1));
   EXPECT_NE(answer.code, 0);
   EXPECT_EQ(answer.body, "");
   EXPECT_EQ(answer.info, "The response is too long");
-}
-
-TEST_F(QtHttpClientTest, EndsAnEndlessResponse) {
   QTimer more;
-  RawServer server([&](QTcpSocket& socket) {
+  RawServer endless([&](QTcpSocket& socket) {
     socket.write("HTTP/1.1 200 OK\r\n\r\n");
     QObject::connect(&more, &QTimer::timeout, &socket,
-                     [&socket] { socket.write(QByteArray(256 * 1024, 'x')); });
+                     [&socket] { socket.write(QByteArray(qsizetype{256} << 10, 'x')); });
     more.start(0);
   });
-  EXPECT_EQ(Send(server.URL()).info, "The response is too long");
+  EXPECT_EQ(Send(endless.URL()).info, "The response is too long");
 }
 
 TEST_F(QtHttpClientTest, TellsACutResponseFromAWholeOne) {
@@ -178,37 +155,24 @@ TEST_F(QtHttpClientTest, TellsACutResponseFromAWholeOne) {
 }
 
 TEST_F(QtHttpClientTest, EndsARequestAtItsLimit) {
-  // One that never answers, and one that goes on and on, slowly.
+  // Though the answer goes on and on, slowly.
   QTimer drip;
-  for (const bool drips : {false, true}) {
-    RawServer server([&](QTcpSocket& socket) {
-      if (!drips) return;
-      socket.write("HTTP/1.1 200 OK\r\n\r\n");
-      QObject::connect(&drip, &QTimer::timeout, &socket, [&socket] { socket.write("x"); });
-      drip.start(20);
-    });
-    const Answer answer = Send(server.URL(), "GET", "", "", std::chrono::milliseconds(1000));
-    EXPECT_EQ(answer.code, HttpTimedOut);
-    EXPECT_EQ(answer.info, "No complete answer within 1 s");
-    EXPECT_TRUE(WaitUntil([&] { return server.disconnections == 1; }));
-    drip.stop();
-  }
+  RawServer server([&](QTcpSocket& socket) {
+    socket.write("HTTP/1.1 200 OK\r\n\r\n");
+    QObject::connect(&drip, &QTimer::timeout, &socket, [&socket] { socket.write("x"); });
+    drip.start(20);
+  });
+  const Answer answer = Send(server.URL(), "GET", "", "", std::chrono::milliseconds(1000));
+  EXPECT_EQ(answer.code, HttpTimedOut);
+  EXPECT_EQ(answer.info, "No complete answer within 1 s");
+  EXPECT_TRUE(WaitUntil([&] { return server.disconnections == 1; }));
 }
 
 TEST_F(QtHttpClientTest, TellsOfPlacesThatCannotBeReached) {
-  std::string closed;
-  {
-    const RawServer server([](QTcpSocket&) {});
-    closed = server.URL("/secret-path");
-  }
-  const Answer refused = Send(closed);
-  EXPECT_NE(refused.code, 0);
-  EXPECT_EQ(refused.info, "Connection refused");
+  const std::string closed = RawServer([](QTcpSocket&) {}).URL("/secret-path");
+  EXPECT_EQ(Send(closed).info, "Connection refused");
   for (const char* address : {"ftp://127.0.0.1/", "file:///etc/passwd", "", "http://"}) {
-    const Answer answer = Send(address);
-    EXPECT_NE(answer.code, 0) << address;
-    EXPECT_EQ(answer.body, "") << address;
-    EXPECT_EQ(answer.info, "The address is not valid") << address;
+    EXPECT_EQ(Send(address).info, "The address is not valid") << address;
   }
 }
 
@@ -231,21 +195,17 @@ TEST_F(QtHttpClientTest, FollowsRedirectsOnlyWhereTheyAreHarmless) {
   server.Start();
   struct Case {
     std::string target;
-    const char* operation;
-    const char* headers;
+    const char *operation, *headers;
     bool follows;
   };
-  const Case cases[] = {
-      {"/there", "GET", "", true},
-      {"/there", "POST", "Authorization: x", true},
-      {"http://" + other.Place("/there"), "GET", "", true},
-      // Another server must not get what this one was trusted with.
-      {"http://" + other.Place("/there"), "GET", "Authorization: x", false},
-      {"http://" + other.Place("/there"), "POST", "", false},
-      {"https://" + other.Place("/there"), "GET", "", false},
-      {"file:///etc/passwd", "GET", "", false},
-      {"/away", "GET", "", false},
-  };
+  const Case cases[] = {{"/there", "POST", "Authorization: x", true},
+                        {"http://" + other.Place("/there"), "GET", "", true},
+                        // Another server must not get what this one was trusted with.
+                        {"http://" + other.Place("/there"), "GET", "Authorization: x", false},
+                        {"http://" + other.Place("/there"), "POST", "", false},
+                        {"https://" + other.Place("/there"), "GET", "", false},
+                        {"file:///etc/passwd", "GET", "", false},
+                        {"/away", "GET", "", false}};
   for (const Case& c : cases) {
     target = c.target;
     reached = 0;
@@ -272,13 +232,11 @@ TEST_F(QtHttpClientTest, SendsABodyToOnePlaceOnly) {
     r.set_redirect("/there", std::stoi(request.matches[1]));
   });
   server.Start();
-  for (const auto& [status, body] :
-       {std::pair("301", "GET "), std::pair("302", "GET "), std::pair("303", "GET "),
-        std::pair("307", ""), std::pair("308", "")}) {
-    const Answer answer = Send("http://" + server.Place(std::string("/") + status), "POST", "x=y",
-                               "Content-Type: text/plain");
-    EXPECT_EQ(answer.body, body) << status;
-    EXPECT_EQ(answer.code == 0, !answer.body.empty()) << status;
+  for (const int status : {301, 302, 303, 307, 308}) {
+    const Answer answer = Send("http://" + server.Place("/" + std::to_string(status)), "POST",
+                               "x=y", "Content-Type: text/plain");
+    EXPECT_EQ(answer.body, status < 307 ? "GET " : "") << status;
+    EXPECT_EQ(answer.code == 0, status < 307) << status;
   }
 }
 
@@ -311,99 +269,6 @@ TEST_F(QtHttpClientTest, ChecksCertificates) {
   const std::string port = server.Place("").substr(server.Place("").find(':'));
   EXPECT_NE(Send("https://localhost" + port + "/").code, 0);
   QSslConfiguration::setDefaultConfiguration(before);
-}
-
-TEST_F(QtHttpClientTest, RunsOneRequestAtATime) {
-  const RawServer server([](QTcpSocket&) {});
-  QtHttpClient client;
-  std::vector<HttpState> states;
-  client.onState = [&](HttpState state) { states.push_back(state); };
-  client.Execute(server.URL(), "GET", "", "");
-  EXPECT_THROW(client.Execute(server.URL(), "GET", "", ""), std::runtime_error);
-  client.Cancel();
-  EXPECT_THAT(states, ElementsAre(HttpState::Error));
-  EXPECT_NE(client.ResponseCode(), 0);
-  // What was still to be told of the first one does not reach the second.
-  RawServer quick(
-      [](QTcpSocket& socket) { socket.write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok"); });
-  client.Execute(quick.URL(), "GET", "", "");
-  ASSERT_TRUE(WaitUntil([&] { return states.back() == HttpState::ResponseCompleted; }));
-  EXPECT_EQ(std::count(states.begin(), states.end(), HttpState::Error), 1);
-  EXPECT_EQ(client.GetChunk(10), "ok");
-  EXPECT_EQ(client.GetChunk(10), "");
-  client.Cancel();
-  EXPECT_EQ(states.back(), HttpState::ResponseCompleted);
-}
-
-TEST_F(QtHttpClientTest, MayEndWithARequestUnderWay) {
-  RawServer server([](QTcpSocket&) {});
-  auto client = std::make_unique<QtHttpClient>();
-  int events = 0;
-  client->onState = [&](HttpState) { ++events; };
-  client->Execute(server.URL(), "GET", "", "");
-  ASSERT_TRUE(WaitUntil([&] { return server.connections == 1; }));
-  const int before = events;
-  client.reset();
-  EXPECT_TRUE(WaitUntil([&] { return server.disconnections == 1; }));
-  EXPECT_EQ(events, before);
-}
-
-/// The status with which the event loop ends when a wait for a server that never answers is under
-/// way and `end` is called; -1 when the wait does not notice.
-int RunUntil(const std::function<void(QtEventPump&)>& end) {
-  const RawServer server([](QTcpSocket&) {});
-  QtHttpClient client;
-  QtEventPump pump;
-  WebRequestRunner runner(client, pump, "", [](const std::string&) {});
-  bool stopped = false;
-  QTimer::singleShot(0, [&] {
-    QTimer::singleShot(50, [&] { end(pump); });
-    try {
-      runner.ExecuteAndWait({server.URL(), "GET"});
-    } catch (const PublishStopped&) {
-      stopped = true;
-    }
-    // The next destination of the same tick must not wait either.
-    EXPECT_THROW(runner.ExecuteAndWait({server.URL(), "GET"}), PublishStopped);
-  });
-  QTimer patience;
-  patience.setSingleShot(true);
-  patience.callOnTimeout([&] { client.Cancel(); });
-  patience.start(10000);
-  const int status = QCoreApplication::exec();
-  return stopped ? status : -1;
-}
-
-TEST(QtEventPump, EndsAWaitWhenTheApplicationIsToldToQuit) {
-  EXPECT_EQ(RunUntil([](QtEventPump&) { QCoreApplication::quit(); }), 0);
-  EXPECT_EQ(RunUntil([](QtEventPump& pump) {
-              QCoreApplication::exit(3);
-              pump.NoteExit();
-            }),
-            3);
-}
-
-TEST(QtEventPump, GoesOnWhenQuittingWasRefused) {
-  QtEventPump pump;
-  pump.NoteExit();
-  QTimer::singleShot(0, [] {});
-  EXPECT_TRUE(pump.ProcessEvents());
-}
-
-TEST(QtEventPump, TakesNoProcessorTimeWhileItWaits) {
-  const auto processorTime = [] {
-    timespec time{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
-  };
-  const RawServer server([](QTcpSocket&) {});
-  QtHttpClient client(std::chrono::milliseconds(2000));
-  QtEventPump pump;
-  WebRequestRunner runner(client, pump, "", [](const std::string&) {});
-  const auto before = processorTime();
-  EXPECT_NE(runner.ExecuteAndWait({server.URL(), "GET"}).ResponseCode, 0);
-  const auto used = processorTime() - before;
-  EXPECT_LT(used, std::chrono::milliseconds(200)) << "of 2 s";
 }
 
 }  // namespace

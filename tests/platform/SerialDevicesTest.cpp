@@ -1,5 +1,4 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <filesystem>
 
@@ -14,44 +13,30 @@ using testing::IsEmpty;
 
 namespace fs = std::filesystem;
 
-struct DeviceFolder : testing::Test {
-  TemporaryFolder folder;
-  std::string byId = folder.File("serial/by-id");
-
-  void AddDevice(const std::string& name) const { WriteFile(folder.File(name), ""); }
-  void AddById(const std::string& name, const std::string& device) const {
-    fs::create_directories(byId);
-    fs::create_symlink("../../" + device, byId + "/" + name);
-  }
-  std::vector<std::string> Paths() const {
-    std::vector<std::string> paths;
-    for (const SerialDevice& device : ListSerialDevices(folder.Path())) {
-      paths.push_back(device.Path());
-    }
-    return paths;
-  }
-};
-
-TEST_F(DeviceFolder, WithoutDevicesListsNone) {
-  AddDevice("ttyS0");
-  AddDevice("tty1");
-  EXPECT_THAT(Paths(), IsEmpty());
+std::vector<std::string> Paths(const std::string& folder) {
+  std::vector<std::string> paths;
+  for (const SerialDevice& device : ListSerialDevices(folder)) paths.push_back(device.Path());
+  return paths;
 }
 
-TEST_F(DeviceFolder, ListsEachDeviceOnceUnderItsLastingName) {
-  for (const char* name : {"ttyUSB0", "ttyUSB1", "ttyUSB12", "ttyUSB3", "ttyACM0"}) AddDevice(name);
-  AddById("usb-B-if00", "ttyUSB0");
-  AddById("usb-A-if00", "ttyUSB1");
-  AddById("usb-A-if00-other-name", "ttyUSB1");
-  EXPECT_THAT(Paths(),
+TEST(ListSerialDevices, ListsEachDeviceOnceUnderItsLastingName) {
+  const TemporaryFolder folder;
+  const std::string byId = folder.File("serial/by-id");
+  for (const char* name : {"ttyS0", "tty1"}) WriteFile(folder.File(name), "");
+  EXPECT_THAT(Paths(folder.Path()), IsEmpty());
+  for (const char* name : {"ttyUSB0", "ttyUSB1", "ttyUSB12", "ttyUSB3", "ttyACM0"}) {
+    WriteFile(folder.File(name), "");
+  }
+  fs::create_directories(byId);
+  using Link = std::pair<const char*, const char*>;
+  for (const auto& [name, device] :
+       {Link{"usb-B-if00", "ttyUSB0"}, Link{"usb-A-if00", "ttyUSB1"},
+        Link{"usb-A-if00-other-name", "ttyUSB1"}, Link{"usb-gone-if00", "ttyUSB9"}}) {
+    fs::create_symlink(std::string("../../") + device, byId + "/" + name);
+  }
+  EXPECT_THAT(Paths(folder.Path()),
               ElementsAre(byId + "/usb-A-if00", byId + "/usb-B-if00", folder.File("ttyACM0"),
                           folder.File("ttyUSB3"), folder.File("ttyUSB12")));
-}
-
-TEST_F(DeviceFolder, LeavesOutALastingNameOfADeviceThatIsGone) {
-  AddDevice("ttyACM0");
-  AddById("usb-gone-if00", "ttyUSB0");
-  EXPECT_THAT(Paths(), ElementsAre(folder.File("ttyACM0")));
 }
 
 }  // namespace

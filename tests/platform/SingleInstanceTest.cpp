@@ -59,37 +59,22 @@ struct RunningInstance : testing::Test {
   }
 };
 
-TEST_F(RunningInstance, IsAskedToShowItself) {
-  SingleInstance first(profile);
-  first.onShow = [&] { ++shown; };
-  ASSERT_TRUE(first.Listen());
-  EXPECT_TRUE(StartSecond(profile));
-  EXPECT_EQ(shown, 1);
-  EXPECT_TRUE(StartSecond(profile));
-  EXPECT_EQ(shown, 2);
-}
-
-TEST_F(RunningInstance, IsFoundUnderEveryNameOfItsProfile) {
+TEST_F(RunningInstance, IsAskedToShowItselfUnderEveryNameOfItsProfile) {
   fs::create_symlink(profile, profiles.File("link"));
+  fs::create_directory(profiles.File("other"));
   SingleInstance first(profile + "/.");
   first.onShow = [&] { ++shown; };
+  EXPECT_FALSE(StartSecond(profile)) << "not before it listens";
   ASSERT_TRUE(first.Listen());
-  EXPECT_TRUE(StartSecond(profiles.File("link")));
+  EXPECT_TRUE(StartSecond(profile));
   EXPECT_EQ(shown, 1);
-}
-
-TEST_F(RunningInstance, OfAnotherProfileIsLeftAlone) {
-  fs::create_directory(profiles.File("other"));
-  SingleInstance first(profile);
-  first.onShow = [&] { ++shown; };
-  ASSERT_TRUE(first.Listen());
+  EXPECT_TRUE(StartSecond(profiles.File("link")));
+  EXPECT_EQ(shown, 2);
   EXPECT_FALSE(StartSecond(profiles.File("other")));
-  EXPECT_EQ(shown, 0);
-}
-
-TEST_F(RunningInstance, IsNotThereBeforeItListens) {
-  const SingleInstance first(profile);
-  EXPECT_FALSE(StartSecond(profile));
+  EXPECT_EQ(shown, 2);
+  struct stat file {};
+  ASSERT_EQ(::stat(SocketPath().c_str(), &file), 0);
+  EXPECT_EQ(file.st_mode & 0077, 0u) << "for its user alone";
 }
 
 TEST_F(RunningInstance, TakesTheSocketThatAKilledOneLeft) {
@@ -106,14 +91,6 @@ TEST_F(RunningInstance, TakesTheSocketThatAKilledOneLeft) {
   ASSERT_TRUE(next.Listen());
   EXPECT_TRUE(StartSecond(profile));
   EXPECT_EQ(shown, 1);
-}
-
-TEST_F(RunningInstance, ListensForItsUserAlone) {
-  SingleInstance first(profile);
-  ASSERT_TRUE(first.Listen());
-  struct stat file {};
-  ASSERT_EQ(::stat(SocketPath().c_str(), &file), 0);
-  EXPECT_EQ(file.st_mode & 0077, 0u);
 }
 
 TEST_F(RunningInstance, UsesTheProfileWhenThereIsNoRuntimeFolder) {
@@ -135,17 +112,10 @@ TEST_F(RunningInstance, IgnoresEveryOtherMessageAndEndsTheConnection) {
     return [&runs] { return CommandAnswer{++runs > 0, ""}; };
   };
   ASSERT_TRUE(first.Listen());
-  const QByteArray messages[] = {"hide\n",
-                                 "work\nwork\n",
-                                 "work\r\n",
-                                 " work\n",
-                                 "\n",
-                                 "show\r\n",
-                                 "show\nshow\n",
-                                 QByteArray("sh\0w\n", 5),
-                                 QByteArray(5000, 'x'),
-                                 QByteArray(1100, 's') + "\n"};
-  for (const QByteArray& message : messages) {
+  for (const QByteArray& message :
+       {QByteArray("hide\n"), QByteArray("work\nwork\n"), QByteArray("work\r\n"),
+        QByteArray(" work\n"), QByteArray("show\nshow\n"), QByteArray("sh\0w\n", 5),
+        QByteArray(5000, 'x'), QByteArray(1100, 's') + "\n"}) {
     QLocalSocket socket;
     ConnectRaw(socket, message);
     EXPECT_TRUE(WaitUntil([&] { return socket.state() == QLocalSocket::UnconnectedState; }));

@@ -2,29 +2,12 @@
 
 #include <QDateTime>
 
+#include "ZoneScope.h"
 #include "platform/qt/StandardRandom.h"
 #include "platform/qt/SystemClock.h"
 
 namespace wattlark {
 namespace {
-
-// A zone that is half an hour off whole hours, set for the length of a test.
-class ZoneScope {
- public:
-  explicit ZoneScope(const char* zone) {
-    qputenv("TZ", zone);
-    tzset();
-  }
-  ~ZoneScope() {
-    before_.isNull() ? qunsetenv("TZ") : qputenv("TZ", before_);
-    tzset();
-  }
-  ZoneScope(const ZoneScope&) = delete;
-  ZoneScope& operator=(const ZoneScope&) = delete;
-
- private:
-  QByteArray before_ = qgetenv("TZ");
-};
 
 TEST(SystemClock, TellsTheLocalTime) {
   const ZoneScope india("IST-5:30");
@@ -47,16 +30,12 @@ TEST(SystemClock, TicksAreMilliseconds) {
   EXPECT_LT(clock.Ticks() - start, 5000u);
 }
 
-TEST(StandardRandom, TheSameSeedTwiceDoesNotRepeatTheNumbers) {
+TEST(StandardRandom, FillsTheUnitIntervalAndRepeatsNothingWithTheSameSeed) {
   StandardRandom random(1);
   random.Reseed(12345);
   const double first = random.Next();
   random.Reseed(12345);
   EXPECT_NE(random.Next(), first);
-}
-
-TEST(StandardRandom, NumbersFillTheUnitInterval) {
-  StandardRandom random(1);
   double least = 1;
   double largest = 0;
   for (int i = 0; i < 10000; ++i) {

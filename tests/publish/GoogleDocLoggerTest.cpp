@@ -8,7 +8,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 std::string Entry(const std::string& title, const std::string& relation, const std::string& href) {
   return "<entry><title type='text'>" + title + "</title><link rel='self' href='http://self/'/>" +
@@ -122,6 +121,11 @@ TEST_F(GoogleDocLoggerTest, ForgetsWhatARefusedRowWasSentWith) {
 }
 
 TEST_F(GoogleDocLoggerTest, TellsWhatCouldNotBeFound) {
+  settings.GooglePassword.clear();
+  for (const bool quiet : {true, false}) {
+    EXPECT_EQ(Log(quiet).text, "Google: Bad username or password");
+    EXPECT_EQ(prompts.signIns.size(), quiet ? 0U : 1U);
+  }
   settings.GoogleAuthToken = "thetoken";
   const std::string noDocument = "Google: The document 'wattlark' could not be found";
   const std::string noWorksheet =
@@ -137,15 +141,6 @@ TEST_F(GoogleDocLoggerTest, TellsWhatCouldNotBeFound) {
   EXPECT_EQ(settings.GoogleAuthToken, "thetoken");
   http.Execute("http://host/", "GET", "", "");
   EXPECT_EQ(Log().text, "Google: Still executing the last request");
-}
-
-TEST_F(GoogleDocLoggerTest, TellsOfRefusedCredentials) {
-  http.answers = {{"Error=BadAuthentication"}};
-  EXPECT_EQ(Log(true).text, "Google: Bad username or password");
-  EXPECT_THAT(prompts.signIns, IsEmpty());
-  settings.GooglePassword.clear();
-  EXPECT_EQ(Log(false).text, "Google: Bad username or password");
-  EXPECT_EQ(prompts.signIns.size(), 1U);
 }
 
 TEST_F(GoogleDocLoggerTest, PostsAveragesOverItsInterval) {
@@ -184,42 +179,19 @@ TEST_F(GoogleDocLoggerTest, LeavesOutNamesThatMakeNoColumn) {
 }
 
 TEST(GoogleColumn, IsTheNameInLowerCaseWithoutBlanks) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"Kitchen", "kitchen"},
-      {"Living Room", "livingroom"},
-      {" A  B ", "ab"},
-      {"TV-Set_2.old", "tv-set_2.old"},
-      {"_x", "_x"},
-      {"Küche ÄÖÜ", "kücheäöü"},
-      {"ΦΩς", "φως"},
-      {"Încălzire ȘȚ șț", "încălzireșțșț"},
-      {"Nhà BẾP ỸỲ ẞ ǍǛǜ", "nhàbếpỹỳẞǎǜǜ"},
-      {"Кухня", "кухня"},
-      {"台所", "台所"},
-      {"𠀀", "𠀀"},
-      {"x\xCC\x88", "x\xCC\x88"},
-      // No names of XML elements:
-      {"", ""},
-      {"   ", ""},
-      {"1st", ""},
-      {"-x", ""},
-      {"\xCC\x88x", ""},
-      {"a'b", ""},
-      {"a<b", ""},
-      {"a&b", ""},
-      {"a:b", ""},
-      {"a/b", ""},
-      {"a\tb", ""},
-      {"a×b", ""},
-      {"😀", "😀"},
-      {"a\xFF", ""},
-      {"a\xC3", ""},
-      {"a\xE2\x82", ""},
-      {"a\xC0\xAF", ""},
-      {"a\xED\xA0\x80", ""},      // a surrogate
-      {"a\xF4\x90\x80\x80", ""},  // beyond Unicode
-  };
-  for (const auto& [name, column] : cases) EXPECT_EQ(GoogleColumn(name), column) << name;
+  using Row = std::pair<const char*, const char*>;
+  for (const auto& [name, column] :
+       {Row{"Living Room", "livingroom"}, Row{" A  B ", "ab"}, Row{"TV-Set_2.old", "tv-set_2.old"},
+        Row{"_x", "_x"}, Row{"Küche ÄÖÜ ΦΩς", "kücheäöüφως"},
+        Row{"Încălzire ȘȚ șț", "încălzireșțșț"}, Row{"Nhà BẾP ỸỲ ẞ ǍǛǜ", "nhàbếpỹỳẞǎǜǜ"},
+        Row{"台所", "台所"}, Row{"𠀀", "𠀀"}, Row{"x\xCC\x88", "x\xCC\x88"}, Row{"😀", "😀"}}) {
+    EXPECT_EQ(GoogleColumn(name), column) << name;
+  }
+  for (const char* noElement :
+       {"", "   ", "1st", "-x", "\xCC\x88x", "a'b", "a<b", "a&b", "a:b", "a/b", "a\tb", "a×b",
+        "a\xFF", "a\xC3", "a\xE2\x82", "a\xC0\xAF", "a\xED\xA0\x80", "a\xF4\x90\x80\x80"}) {
+    EXPECT_EQ(GoogleColumn(noElement), "") << noElement;
+  }
 }
 
 TEST(GoogleRow, StaysOneDocumentWhateverTheRegionWrites) {
@@ -227,10 +199,7 @@ TEST(GoogleRow, StaysOneDocumentWhateverTheRegionWrites) {
   odd.decimalSeparator = "<";
   odd.longTime = "'&' HH";
   MeterCollection meters;
-  auto meter = std::make_unique<clsKillAWatt>();
-  meter->SetName("A");
-  meter->AddReading(1, 1, 2, At("2026-11-16T20:09:00"), 1);
-  meters.Add(std::move(meter));
+  AddMeter(meters, "A", 1).AddReading(1, 1, 2, At("2026-11-16T20:09:00"), 1);
   const std::string row = GoogleRow({}, meters, odd, At("2026-11-16T20:10:00"), false);
   EXPECT_THAT(row, HasSubstr(">11/16/2026 &amp; 20</gsx:timestamp>"));
   EXPECT_THAT(row, HasSubstr(">2&lt;0000</gsx:a>"));
@@ -240,31 +209,26 @@ TEST(GoogleFeeds, FindTheLinkOfTheFirstEntryThatHoldsTheName) {
   const std::string links = "<link rel='x#worksheetsfeed' href='http://a/'/>";
   struct Case {
     std::string feed;
-    const char* name;
-    const char* found;
+    const char *name, *found;
   };
-  const Case cases[] = {
-      {kSheets, "wattlark", "http://g/sheets"},
-      {kSheets, "other", "http://g/other"},
-      {kSheets, "Wattlark", ""},
-      {kSheets, "", "http://g/other"},
-      {"", "wattlark", ""},
-      // The name inside another entry's text selects that entry.
-      {Feed(Entry("my wattlark copy", "worksheetsfeed", "http://copy/") +
-            Entry("wattlark", "worksheetsfeed", "http://g/")),
-       "wattlark", "http://copy/"},
-      // The link must follow within the same entry.
-      {"<entry>doc</entry><entry>" + links + "</entry>", "doc", ""},
-      {"<entry>" + links + "doc</entry>", "doc", ""},
-      {"<entry>doc" + links, "doc", ""},
-      {"<entry>doc worksheetsfeed</entry><link href='http://outside/'/></entry>", "doc", ""},
-      {"<entry>doc worksheetsfeed href='http://cut</entry>'", "doc", ""},
-      {"<entry>doc worksheetsfeed href=\"http://quoted/\"</entry>", "doc", ""},
-      {"<entry>doc worksheetsfeed href=''</entry>", "doc", ""},
-      {"<entry>doc href='http://before/' worksheetsfeed href='http://behind/'</entry>", "doc",
-       "http://behind/"},
-  };
-  for (const Case& c : cases) EXPECT_EQ(FindWorksheetsFeed(c.feed, c.name), c.found) << c.feed;
+  for (const Case& c :
+       {Case{kSheets, "wattlark", "http://g/sheets"}, Case{kSheets, "other", "http://g/other"},
+        Case{kSheets, "Wattlark", ""}, Case{kSheets, "", "http://g/other"},
+        // The name inside another entry's text selects that entry.
+        Case{Feed(Entry("my wattlark copy", "worksheetsfeed", "http://copy/") +
+                  Entry("wattlark", "worksheetsfeed", "http://g/")),
+             "wattlark", "http://copy/"},
+        // The link must follow within the same entry.
+        Case{"<entry>doc</entry><entry>" + links + "</entry>", "doc", ""},
+        Case{"<entry>" + links + "doc</entry>", "doc", ""}, Case{"<entry>doc" + links, "doc", ""},
+        Case{"<entry>doc worksheetsfeed</entry><link href='http://outside/'/></entry>", "doc", ""},
+        Case{"<entry>doc worksheetsfeed href='http://cut</entry>'", "doc", ""},
+        Case{"<entry>doc worksheetsfeed href=\"http://quoted/\"</entry>", "doc", ""},
+        Case{"<entry>doc worksheetsfeed href=''</entry>", "doc", ""},
+        Case{"<entry>doc href='http://before/' worksheetsfeed href='http://behind/'</entry>", "doc",
+             "http://behind/"}}) {
+    EXPECT_EQ(FindWorksheetsFeed(c.feed, c.name), c.found) << c.feed;
+  }
   EXPECT_EQ(FindListFeed(kWorksheets, "Sheet1"), "http://g/list");
   EXPECT_EQ(FindListFeed(kSheets, "wattlark"), "");
 }

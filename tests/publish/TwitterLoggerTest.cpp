@@ -48,54 +48,37 @@ TEST_F(TwitterLoggerTest, PostsTheSubstitutedTemplate) {
 }
 
 TEST_F(TwitterLoggerTest, ReplacesEveryCode) {
+  EXPECT_EQ(Text("%W, peak %P"), "--- W, peak --- W");
   Read(1500);
   meter.Statistics().SetUsage(Yesterday, NoValue);
-  const std::pair<const char*, const char*> cases[] = {
-      {"", ""},
-      {"no codes, 100 %", "no codes, 100 %"},
-      {"%T", "11/16/2026 8:10:00 PM"},
-      {"%W and %W", "1.5000 kW and 1.5000 kW"},
-      {"%Y/%D", "--- Wh/0.00 Wh"},
-      {"%P", "1.5000 kW"},
-      {"%N%N", "KitchenKitchen"},
-      {"%w %n %X %", "%w %n %X %"},
-      {"%%W", "%1.5000 kW"},
-  };
-  for (const auto& [messageTemplate, text] : cases) EXPECT_EQ(Text(messageTemplate), text);
-}
-
-TEST_F(TwitterLoggerTest, LeavesCodesInALaterReplacement) {
+  using Row = std::pair<const char*, const char*>;
+  for (const auto& [messageTemplate, text] :
+       {Row{"%T", "11/16/2026 8:10:00 PM"}, Row{"%W and %W", "1.5000 kW and 1.5000 kW"},
+        Row{"%Y/%D", "--- Wh/0.00 Wh"}, Row{"%P", "1.5000 kW"}, Row{"%N%N", "KitchenKitchen"},
+        Row{"%w %n %X %", "%w %n %X %"}, Row{"%%W", "%1.5000 kW"}}) {
+    EXPECT_EQ(Text(messageTemplate), text);
+  }
   meter.SetName("%T %W %N");
-  EXPECT_EQ(Text("%N"), "%T %W %N");
-}
-
-TEST_F(TwitterLoggerTest, ShowsWhatAMeterWithoutReadingsLacks) {
-  EXPECT_EQ(Text("%W, peak %P"), "--- W, peak --- W");
+  EXPECT_EQ(Text("%N"), "%T %W %N") << "codes in a later replacement";
 }
 
 TEST_F(TwitterLoggerTest, EncodesWhatAFormReaderWouldMistake) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"", "status="},
-      {"as it is: ü; /?#'\"<>", "status=as it is: ü; /?#'\"<>"},
-      {"100 % & 1+1=2", "status=100 %25 %26 1%2B1%3D2"},
-      {"a\r\nb\tc\x7F", "status=a%0D%0Ab%09c%7F"},
-  };
-  for (const auto& [message, body] : cases) EXPECT_EQ(TwitterBody(message), body);
-}
-
-TEST_F(TwitterLoggerTest, PutsTheCredentialsBeforeTheHost) {
+  using Row = std::pair<const char*, const char*>;
+  for (const auto& [message, body] : {Row{"as it is: ü; /?#'\"<>", "status=as it is: ü; /?#'\"<>"},
+                                      Row{"100 % & 1+1=2", "status=100 %25 %26 1%2B1%3D2"},
+                                      Row{"a\r\nb\tc\x7F", "status=a%0D%0Ab%09c%7F"}}) {
+    EXPECT_EQ(TwitterBody(message), body);
+  }
   EXPECT_EQ(TwitterAddress("http://127.0.0.1:81/x?a=http://b/", "me@home", "p:w/"),
             "http://me@home:p:w%2F@127.0.0.1:81/x?a=http://b/");
 }
 
 TEST_F(TwitterLoggerTest, TellsHowAPostFailed) {
-  const std::pair<ScriptedAnswer, const char*> cases[] = {
-      {{""}, "Twitter: Invalid or no response"},
-      {{"", 99, "Timeout", HttpState::Error}, "Twitter: Invalid or no response"},
-      {{"<html>500</html>"}, "Twitter: Invalid or no response"},
-      {{kRefused}, "Twitter: Bad username or password"},
-  };
-  for (const auto& [answer, text] : cases) {
+  using Row = std::pair<ScriptedAnswer, const char*>;
+  for (const auto& [answer, text] :
+       {Row{{"", 99, "Timeout", HttpState::Error}, "Twitter: Invalid or no response"},
+        Row{{"<html>500</html>"}, "Twitter: Invalid or no response"},
+        Row{{kRefused}, "Twitter: Bad username or password"}}) {
     http.answers = {answer};
     const PublishResult result = Post();
     EXPECT_FALSE(result.success);
@@ -134,19 +117,14 @@ TEST_F(TwitterLoggerTest, AsksAgainUntilTheCredentialsAreTaken) {
   EXPECT_EQ(settings.TwitterPassword, "right");
 }
 
-TEST_F(TwitterLoggerTest, EndsInAnErrorWhenTheSecondPromptIsCancelled) {
-  prompts.credentials = {{{"name", "other"}}, std::nullopt};
-  http.answers = {{kRefused}, {kRefused}};
+TEST_F(TwitterLoggerTest, EndsInAnErrorWhenASecondPromptIsCancelledOrTheMeterIsGone) {
+  prompts.credentials = {{{"name", "other"}}, std::nullopt, {{"name", "third"}}};
+  http.answers = {{kRefused}, {kRefused}, {kRefused}};
   EXPECT_EQ(Post(false).text, "Twitter: Bad username or password");
   EXPECT_EQ(settings.TwitterPassword, "other");
-}
-
-TEST_F(TwitterLoggerTest, OutlivesTheMeterItTellsOf) {
-  prompts.credentials = {{{"name", "other"}}};
-  http.answers = {{kRefused}};
   pump.onRound = [this](int) { subject = nullptr; };
   EXPECT_EQ(Post(false).text, "Twitter: There is no meter to tell of");
-  EXPECT_EQ(http.requests.size(), 1U);
+  EXPECT_EQ(http.requests.size(), 3U);
 }
 
 }  // namespace

@@ -1,19 +1,17 @@
 #pragma once
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "acquisition/MeterCollection.h"
 #include "config/AppSettings.h"
 #include "config/ServiceEndpoints.h"
 #include "publish/PublishResult.h"
 #include "publish/WebRequestRunner.h"
 #include "support/RegionalSettings.h"
 #include "twins/HandClock.h"
+#include "twins/Meters.h"
 #include "twins/ScriptedHttp.h"
 #include "twins/ScriptedPrompts.h"
 
@@ -22,11 +20,7 @@ namespace wattlark {
 /// Meters, settings and a scripted server for the loggers that use the web.
 struct WebLoggerTest : testing::Test {
   clsKillAWatt& Add(const std::string& name, std::int16_t address) {
-    auto meter = std::make_unique<clsKillAWatt>();
-    meter->SetName(name);
-    meter->SetXBeeAddress(address);
-    meters.Add(std::move(meter));
-    return *meters.FindAddress(address);
+    return AddMeter(meters, name, address);
   }
   clsKillAWatt& AddWithReading(const std::string& name, std::int16_t address, double watts) {
     clsKillAWatt& meter = Add(name, address);
@@ -38,7 +32,7 @@ struct WebLoggerTest : testing::Test {
   }
 
   const DateTime timestamp = At("2026-11-16T20:10:00");
-  const RegionalSettings region = RegionalSettings::UnitedStates();
+  RegionalSettings region = RegionalSettings::UnitedStates();
   AppSettings settings;
   ServiceEndpoints endpoints;
   MeterCollection meters;

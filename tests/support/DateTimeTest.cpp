@@ -1,42 +1,28 @@
 #include <gtest/gtest.h>
 
-#include "support/DateTime.h"
+#include <array>
+
+#include "twins/HandClock.h"
 
 namespace wattlark {
 namespace {
 
-DateTime At(const char* iso) {
-  const std::optional<DateTime> moment = DateTime::FromIso(iso);
-  EXPECT_TRUE(moment) << iso;
-  return moment.value_or(DateTime());
+TEST(DateTime, ReadsWritesAndNamesTheDay) {
+  struct Row {
+    const char* iso;
+    std::int64_t milliseconds;
+    int dayOfWeek;
+  };
+  for (const auto& known : {Row{"1970-01-01T00:00:00", 0, 4}, Row{"1969-12-31T23:59:59.999", -1, 3},
+                            Row{"1969-12-28T00:00:00", -4 * 86400000LL, 0},
+                            Row{"2009-02-13T23:31:30.045", 1234567890045, 5},
+                            Row{"0001-01-01T00:00:00", -62135596800000, 1},
+                            Row{"9999-12-31T23:59:59.999", 253402300799999, 5}}) {
+    EXPECT_EQ(At(known.iso).Milliseconds(), known.milliseconds);
+    EXPECT_EQ(DateTime::FromMilliseconds(known.milliseconds).ToIso(), known.iso);
+    EXPECT_EQ(At(known.iso).DayOfWeek(), known.dayOfWeek) << known.iso;
+  }
 }
-
-struct KnownMoment {
-  const char* iso;
-  std::int64_t milliseconds;
-  int dayOfWeek;
-};
-
-class DateTimeKnown : public testing::TestWithParam<KnownMoment> {};
-
-TEST_P(DateTimeKnown, ReadsWritesAndNamesTheDay) {
-  const KnownMoment& known = GetParam();
-  EXPECT_EQ(At(known.iso).Milliseconds(), known.milliseconds);
-  EXPECT_EQ(DateTime::FromMilliseconds(known.milliseconds).ToIso(), known.iso);
-  EXPECT_EQ(At(known.iso).DayOfWeek(), known.dayOfWeek);
-}
-
-INSTANTIATE_TEST_SUITE_P(Calendar, DateTimeKnown,
-                         testing::Values(KnownMoment{"1970-01-01T00:00:00", 0, 4},
-                                         KnownMoment{"1969-12-31T23:59:59.999", -1, 3},
-                                         KnownMoment{"1969-12-28T00:00:00", -4 * 86400000LL, 0},
-                                         KnownMoment{"2000-03-01T00:00:00", 951868800000, 3},
-                                         KnownMoment{"2001-09-09T01:46:40", 1000000000000, 0},
-                                         KnownMoment{"2009-02-13T23:31:30.045", 1234567890045, 5},
-                                         KnownMoment{"2038-01-19T03:14:07", 2147483647000, 2},
-                                         KnownMoment{"0001-01-01T00:00:00", -62135596800000, 1},
-                                         KnownMoment{"9999-12-31T23:59:59.999", 253402300799999,
-                                                     5}));
 
 TEST(DateTime, CountsEveryDayOfFourCenturies) {
   DateTime day = At("1800-01-01T00:00:00");
@@ -52,103 +38,67 @@ TEST(DateTime, CountsEveryDayOfFourCenturies) {
   EXPECT_EQ(leapDays, 97);
 }
 
-class DateTimeInvalid : public testing::TestWithParam<CivilTime> {};
-
-TEST_P(DateTimeInvalid, IsRefused) {
-  EXPECT_FALSE(DateTime::FromCivil(GetParam()));
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    FieldsOutOfRange, DateTimeInvalid,
-    testing::Values(CivilTime{0, 1, 1}, CivilTime{10000, 1, 1}, CivilTime{2010, 0, 1},
-                    CivilTime{2010, 13, 1}, CivilTime{2010, 1, 0}, CivilTime{2010, 1, 32},
-                    CivilTime{2010, 2, 29}, CivilTime{2100, 2, 29}, CivilTime{2000, 2, 30},
-                    CivilTime{2010, 4, 31}, CivilTime{2010, 1, 1, 24}, CivilTime{2010, 1, 1, -1},
-                    CivilTime{2010, 1, 1, 0, 60}, CivilTime{2010, 1, 1, 0, 0, 60},
-                    CivilTime{2010, 1, 1, 0, 0, 0, 1000}, CivilTime{2010, 1, 1, 0, 0, 0, -1}));
-
-class DateTimeBadIso : public testing::TestWithParam<const char*> {};
-
-TEST_P(DateTimeBadIso, IsRefused) {
-  EXPECT_FALSE(DateTime::FromIso(GetParam())) << GetParam();
-}
-
-INSTANTIATE_TEST_SUITE_P(OtherForms, DateTimeBadIso,
-                         testing::Values("", "2010-01-02", "2010-01-02 03:04:05",
-                                         "2010-01-02T03:04", "2010-01-02T03:04:05Z",
-                                         "2010-01-02T03:04:05.1", "2010-01-02T03:04:05.1234",
-                                         "2010-01-02T03:04:05,123", "2010-1-02T03:04:005",
-                                         "+010-01-02T03:04:05", "2010-01-02T03:04:-5",
-                                         " 2010-01-02T03:04:0", "2010-02-30T00:00:00",
-                                         "2010-01-02T24:00:00", "2010-01-02T03:04:05.-12"));
-
-TEST(DateTime, ReadsLeapDays) {
-  EXPECT_TRUE(DateTime::FromIso("2000-02-29T00:00:00"));
-  EXPECT_TRUE(DateTime::FromIso("2008-02-29T00:00:00"));
-}
-
-struct Difference {
-  const char* from;
-  const char* to;
-  std::int64_t seconds, minutes, hours, days, weeks, months, years;
-};
-
-class DateTimeDifference : public testing::TestWithParam<Difference> {
- protected:
-  static void Expect(DateTime from, DateTime to, std::int64_t sign) {
-    const Difference& d = GetParam();
-    EXPECT_EQ(from.SecondsTo(to), sign * d.seconds);
-    EXPECT_EQ(from.MinutesTo(to), sign * d.minutes);
-    EXPECT_EQ(from.HoursTo(to), sign * d.hours);
-    EXPECT_EQ(from.DaysTo(to), sign * d.days);
-    EXPECT_EQ(from.WeeksTo(to), sign * d.weeks);
-    EXPECT_EQ(from.MonthsTo(to), sign * d.months);
-    EXPECT_EQ(from.YearsTo(to), sign * d.years);
+TEST(DateTime, RefusesFieldsOutOfRange) {
+  for (const CivilTime& civil :
+       {CivilTime{0, 1, 1}, CivilTime{10000, 1, 1}, CivilTime{2010, 0, 1}, CivilTime{2010, 13, 1},
+        CivilTime{2010, 1, 0}, CivilTime{2010, 1, 32}, CivilTime{2010, 2, 29},
+        CivilTime{2100, 2, 29}, CivilTime{2010, 4, 31}, CivilTime{2010, 1, 1, 24},
+        CivilTime{2010, 1, 1, -1}, CivilTime{2010, 1, 1, 0, 60}, CivilTime{2010, 1, 1, 0, -1},
+        CivilTime{2010, 1, 1, 0, 0, 60}, CivilTime{2010, 1, 1, 0, 0, 0, 1000},
+        CivilTime{2010, 1, 1, 0, 0, 0, -1}}) {
+    EXPECT_FALSE(DateTime::FromCivil(civil))
+        << civil.year << ' ' << civil.month << ' ' << civil.day;
   }
-};
-
-TEST_P(DateTimeDifference, CountsBoundariesForwards) {
-  Expect(At(GetParam().from), At(GetParam().to), 1);
 }
 
-TEST_P(DateTimeDifference, CountsBoundariesBackwards) {
-  Expect(At(GetParam().to), At(GetParam().from), -1);
+TEST(DateTime, RefusesOtherForms) {
+  for (const char* text :
+       {"", "2010-01-02", "2010-01-02 03:04:05", "2010-01-02T03:04", "2010-01-02T03:04:05Z",
+        "2010-01-02T03:04:05.1", "2010-01-02T03:04:05.1234", "2010-01-02T03:04:05,123",
+        "2010-1-02T03:04:005", "+010-01-02T03:04:05", "2010-01-02T03:04:-5", " 2010-01-02T03:04:0",
+        "2010-02-30T00:00:00", "2010-01-02T24:00:00", "2010-01-02T03:04:05.-12"}) {
+    EXPECT_FALSE(DateTime::FromIso(text)) << text;
+  }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Boundaries, DateTimeDifference,
-    testing::Values(
-        Difference{"2010-01-01T10:00:00.999", "2010-01-01T10:00:01", 1, 0, 0, 0, 0, 0, 0},
-        Difference{"2010-01-01T10:00:00", "2010-01-01T10:00:00.999", 0, 0, 0, 0, 0, 0, 0},
-        Difference{"2010-01-01T23:59:00", "2010-01-02T00:01:00", 120, 2, 1, 1, 0, 0, 0},
-        // Saturday to Sunday.
-        Difference{"2010-01-02T23:59:59", "2010-01-03T00:00:00", 1, 1, 1, 1, 1, 0, 0},
-        Difference{"2010-01-03T00:00:00", "2010-01-09T00:00:00", 518400, 8640, 144, 6, 0, 0, 0},
-        // Friday to Monday.
-        Difference{"2010-01-08T12:00:00", "2010-01-11T12:00:00", 259200, 4320, 72, 3, 1, 0, 0},
-        Difference{"2009-12-31T23:59:59.999", "2010-01-01T00:00:00", 1, 1, 1, 1, 0, 1, 1},
-        Difference{"1969-12-31T23:59:59.500", "1970-01-01T00:00:00.500", 1, 1, 1, 1, 0, 1, 1},
-        Difference{"2008-02-28T00:00:00", "2010-03-01T00:00:00", 63244800, 1054080, 17568, 732, 105,
-                   25, 2}));
-
-struct Start {
-  const char* moment;
-  const char* hour;
-  const char* day;
-};
-
-class DateTimeStart : public testing::TestWithParam<Start> {};
-
-TEST_P(DateTimeStart, OfHourAndDay) {
-  EXPECT_EQ(At(GetParam().moment).StartOfHour().ToIso(), GetParam().hour);
-  EXPECT_EQ(At(GetParam().moment).StartOfDay().ToIso(), GetParam().day);
+TEST(DateTime, CountsBoundaries) {
+  using Counts =
+      std::array<std::int64_t, 7>;  // seconds, minutes, hours, days, weeks, months, years
+  struct Row {
+    const char* from;
+    const char* to;
+    Counts counts;
+  };
+  const auto between = [](DateTime from, DateTime to, int sign) {
+    Counts counts{from.SecondsTo(to), from.MinutesTo(to), from.HoursTo(to), from.DaysTo(to),
+                  from.WeeksTo(to),   from.MonthsTo(to),  from.YearsTo(to)};
+    for (std::int64_t& count : counts) count *= sign;
+    return counts;
+  };
+  for (const auto& c :
+       {Row{"2010-01-01T10:00:00.999", "2010-01-01T10:00:01", {1, 0, 0, 0, 0, 0, 0}},
+        Row{"2010-01-01T10:00:00", "2010-01-01T10:00:00.999", {0, 0, 0, 0, 0, 0, 0}},
+        Row{"2010-01-01T23:59:00", "2010-01-02T00:01:00", {120, 2, 1, 1, 0, 0, 0}},
+        // Saturday to Sunday, Sunday to Saturday, and Friday to Monday.
+        Row{"2010-01-02T23:59:59", "2010-01-03T00:00:00", {1, 1, 1, 1, 1, 0, 0}},
+        Row{"2010-01-03T00:00:00", "2010-01-09T00:00:00", {518400, 8640, 144, 6, 0, 0, 0}},
+        Row{"2010-01-08T12:00:00", "2010-01-11T12:00:00", {259200, 4320, 72, 3, 1, 0, 0}},
+        Row{"1969-12-31T23:59:59.500", "1970-01-01T00:00:00.500", {1, 1, 1, 1, 0, 1, 1}},
+        Row{"2008-02-28T00:00:00",
+            "2010-03-01T00:00:00",
+            {63244800, 1054080, 17568, 732, 105, 25, 2}}}) {
+    EXPECT_EQ(between(At(c.from), At(c.to), 1), c.counts) << c.from;
+    EXPECT_EQ(between(At(c.to), At(c.from), -1), c.counts) << c.from;
+  }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    AnyMoment, DateTimeStart,
-    testing::Values(Start{"2010-05-06T17:59:59.999", "2010-05-06T17:00:00", "2010-05-06T00:00:00"},
-                    Start{"2010-05-06T00:00:00", "2010-05-06T00:00:00", "2010-05-06T00:00:00"},
-                    Start{"1969-07-20T20:17:40", "1969-07-20T20:00:00", "1969-07-20T00:00:00"}));
+TEST(DateTime, StartsOfHourAndDay) {
+  EXPECT_EQ(At("2010-05-06T17:59:59.999").StartOfHour(), At("2010-05-06T17:00:00"));
+  EXPECT_EQ(At("2010-05-06T17:59:59.999").StartOfDay(), At("2010-05-06T00:00:00"));
+  EXPECT_EQ(At("2010-05-06T00:00:00").StartOfDay(), At("2010-05-06T00:00:00"));
+  EXPECT_EQ(At("1969-07-20T20:17:40").StartOfHour(), At("1969-07-20T20:00:00"));
+  EXPECT_EQ(At("1969-07-20T20:17:40").StartOfDay(), At("1969-07-20T00:00:00"));
+}
 
 TEST(DateTime, DefaultIsNever) {
   const DateTime never;

@@ -38,6 +38,21 @@ inline RegionalSettings France() {
   return regional;
 }
 
+/// A negative sign of its own.
+inline RegionalSettings Sweden() {
+  RegionalSettings regional = France();
+  regional.negativeSign = "\u2212";
+  regional.currencySymbol = "kr";
+  return regional;
+}
+
+inline RegionalSettings WithParentheses() {
+  RegionalSettings regional = RegionalSettings::UnitedStates();
+  regional.currencyNegative = "(¤#)";
+  regional.percentPattern = "%#";
+  return regional;
+}
+
 /// The United States form with other date and time patterns and half-day texts.
 inline RegionalSettings WithPatterns(const char* shortDate, const char* longTime,
                                      const char* amText = "AM", const char* pmText = "PM") {

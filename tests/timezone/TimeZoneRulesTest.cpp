@@ -68,95 +68,70 @@ void ExpectRight(const ZoneOffsets& zone, const clsTimeZone& rules, DateTime utc
   ASSERT_EQ(LocalToUTC(local, rules).ToIso(), utc.ToIso()) << "local time " << local.ToIso();
 }
 
-struct WholeYears {
-  const char* name;
-  ZoneOffsets zone;
-  int firstYear;  ///< right from here
-  int lastYear;   ///< to the end of this year
-};
-
-class RulesOfWholeYears : public testing::TestWithParam<WholeYears> {};
-
-TEST_P(RulesOfWholeYears, AreRightWheneverTheyWereMade) {
-  const WholeYears& c = GetParam();
-  const DateTime from = *DateTime::FromCivil({.year = c.firstYear});
-  const DateTime to = *DateTime::FromCivil({.year = c.lastYear + 1});
-  for (const char* now : {"2026-01-01T00:00:00", "2026-04-30T12:00:00", "2026-07-01T12:00:00",
-                          "2026-12-31T23:59:59"}) {
-    const clsTimeZone rules = RulesAt(c.zone, c.firstYear, c.lastYear, At(now));
-    EXPECT_EQ(rules.FirstTZI, c.firstYear);
-    EXPECT_EQ(rules.LastTZI, c.lastYear);
-    for (const DateTime utc : Moments(c.zone, from.PlusMinutes(-c.zone.firstOffset),
-                                      to.PlusMinutes(-OffsetAt(c.zone, to)))) {
-      ExpectRight(c.zone, rules, utc);
-      if (HasFatalFailure()) return;
+TEST(TimeZoneRules, OfWholeYearsAreRightWheneverTheyWereMade) {
+  const struct {
+    const char* name;
+    ZoneOffsets zone;
+    int firstYear;  ///< right from here
+    int lastYear;   ///< to the end of this year
+  } cases[] = {
+      {"constant", Zone(345, {}), 2025, 2027},
+      {"northern summer",
+       Zone(-300, {{"2025-03-09T07:00:00", -240},
+                   {"2025-11-02T06:00:00", -300},
+                   {"2026-03-08T07:00:00", -240},
+                   {"2026-11-01T06:00:00", -300}}),
+       2025, 2027},
+      {"southern summer of half an hour",
+       Zone(660, {{"2026-04-04T15:00:00", 630}, {"2026-10-03T15:30:00", 660}}), 2026, 2026},
+      {"forward for good", Zone(60, {{"2026-06-01T00:00:00", 120}}), 2025, 2027},
+      {"back for good", Zone(60, {{"2026-06-01T00:00:00", -120}}), 2025, 2027},
+      {"summers end for good",
+       Zone(60, {{"2025-03-30T01:00:00", 120},
+                 {"2025-10-26T01:00:00", 60},
+                 {"2026-03-29T01:00:00", 120}}),
+       2025, 2028},
+      {"summers begin",
+       Zone(120, {{"2026-10-25T01:00:00", 60},
+                  {"2027-03-28T01:00:00", 120},
+                  {"2027-10-31T01:00:00", 60}}),
+       2025, 2028},
+      {"another offset in each year",
+       Zone(180, {{"2025-12-31T21:00:00", 240}, {"2026-12-31T20:00:00", 120}}), 2025, 2027},
+      {"an hour forward at the new year", Zone(-60, {{"2026-01-01T00:30:00", 0}}), 2025, 2026},
+      {"a day left out", Zone(-600, {{"2026-12-31T10:00:00", 840}}), 2025, 2027},
+      {"a change of the name alone",
+       Zone(60, {{"2026-03-29T01:00:00", 120},
+                 {"2026-05-01T01:00:00", 120},
+                 {"2026-10-25T01:00:00", 60}}),
+       2026, 2026}};
+  for (const auto& [name, zone, firstYear, lastYear] : cases) {
+    SCOPED_TRACE(name);
+    const DateTime from = *DateTime::FromCivil({.year = firstYear});
+    const DateTime to = *DateTime::FromCivil({.year = lastYear + 1});
+    for (const char* now : {"2026-01-01T00:00:00", "2026-07-01T12:00:00", "2026-12-31T23:59:59"}) {
+      const clsTimeZone rules = RulesAt(zone, firstYear, lastYear, At(now));
+      EXPECT_EQ(rules.FirstTZI, firstYear);
+      EXPECT_EQ(rules.LastTZI, lastYear);
+      for (const DateTime utc : Moments(zone, from.PlusMinutes(-zone.firstOffset),
+                                        to.PlusMinutes(-OffsetAt(zone, to)))) {
+        ASSERT_NO_FATAL_FAILURE(ExpectRight(zone, rules, utc));
+      }
     }
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Table, RulesOfWholeYears,
-    testing::Values(
-        WholeYears{"Constant", Zone(345, {}), 2025, 2027},
-        WholeYears{"NorthernSummer",
-                   Zone(-300, {{"2025-03-09T07:00:00", -240},
-                               {"2025-11-02T06:00:00", -300},
-                               {"2026-03-08T07:00:00", -240},
-                               {"2026-11-01T06:00:00", -300}}),
-                   2025, 2027},
-        WholeYears{"SouthernSummer",
-                   Zone(660, {{"2025-04-05T16:00:00", 600},
-                              {"2025-10-04T16:00:00", 660},
-                              {"2026-04-04T16:00:00", 600},
-                              {"2026-10-03T16:00:00", 660}}),
-                   2025, 2027},
-        WholeYears{"HalfHourSummer",
-                   Zone(660, {{"2026-04-04T15:00:00", 630}, {"2026-10-03T15:30:00", 660}}), 2026,
-                   2026},
-        WholeYears{"ForwardForGood", Zone(60, {{"2026-06-01T00:00:00", 120}}), 2025, 2027},
-        WholeYears{"BackForGood", Zone(60, {{"2026-06-01T00:00:00", -120}}), 2025, 2027},
-        WholeYears{"SummersEndForGood",
-                   Zone(60, {{"2024-03-31T01:00:00", 120},
-                             {"2024-10-27T01:00:00", 60},
-                             {"2025-03-30T01:00:00", 120},
-                             {"2025-10-26T01:00:00", 60},
-                             {"2026-03-29T01:00:00", 120}}),
-                   2024, 2028},
-        WholeYears{"SummersBegin",
-                   Zone(120, {{"2026-10-25T01:00:00", 60},
-                              {"2027-03-28T01:00:00", 120},
-                              {"2027-10-31T01:00:00", 60}}),
-                   2025, 2028},
-        WholeYears{"OtherOffsetInEachYear",
-                   Zone(180, {{"2025-12-31T21:00:00", 240}, {"2026-12-31T20:00:00", 120}}), 2025,
-                   2027},
-        WholeYears{"AnHourForwardAtTheNewYear", Zone(-60, {{"2026-01-01T00:30:00", 0}}), 2025,
-                   2026},
-        WholeYears{"DayLeftOutBeforeTheNewYear", Zone(-600, {{"2026-12-31T10:00:00", 840}}), 2025,
-                   2027},
-        WholeYears{"ChangeOfNameAlone",
-                   Zone(60, {{"2026-03-29T01:00:00", 120},
-                             {"2026-05-01T01:00:00", 120},
-                             {"2026-10-25T01:00:00", 60}}),
-                   2026, 2026}),
-    [](const auto& test) { return test.param.name; });
-
-// Three offsets and more changes than a rule can show.
-ZoneOffsets RestlessZone() {
-  return Zone(60, {{"2026-01-10T02:00:00", 0},
-                   {"2026-02-10T02:00:00", 60},
-                   {"2026-05-01T00:00:00", 720},
-                   {"2026-09-01T00:00:00", -720},
-                   {"2026-12-26T02:00:00", 0},
-                   {"2026-12-30T02:00:00", 60}});
-}
-
 TEST(TimeZoneRules, AreRightForTheMomentTheyAreMadeAtWhateverTheZoneDoes) {
-  const ZoneOffsets zone = RestlessZone();
+  // Three offsets and more changes than a rule can show.
+  const ZoneOffsets zone = Zone(60, {{"2026-01-10T02:00:00", 0},
+                                     {"2026-02-10T02:00:00", 60},
+                                     {"2026-05-01T00:00:00", 720},
+                                     {"2026-09-01T00:00:00", -720},
+                                     {"2026-12-26T02:00:00", 0},
+                                     {"2026-12-30T02:00:00", 60}});
   for (const DateTime utc : Moments(zone, At("2026-01-01T00:00:00"), At("2027-01-01T00:00:00"))) {
     const DateTime local = utc.PlusMinutes(OffsetAt(zone, utc));
-    ExpectRight(zone, RulesAt(zone, 2025, 2027, local), utc);
-    if (HasFatalFailure()) return;
+    ASSERT_NO_FATAL_FAILURE(ExpectRight(zone, RulesAt(zone, 2025, 2027, local), utc));
   }
 }
 
@@ -169,35 +144,30 @@ TEST(TimeZoneRules, KeepAsMuchOfThePresentYearAsCanBeKept) {
                                      {"2031-01-26T02:00:00", 60}});
   const clsTimeZone summer = RulesAt(zone, 2029, 2031, At("2030-07-01T12:00:00"));
   for (const DateTime utc : Moments(zone, At("2029-01-01T00:00:00"), At("2030-12-22T02:00:00"))) {
-    ExpectRight(zone, summer, utc);
-    if (HasFatalFailure()) return;
+    ASSERT_NO_FATAL_FAILURE(ExpectRight(zone, summer, utc));
   }
   const clsTimeZone winter = RulesAt(zone, 2029, 2031, At("2030-12-24T12:00:00"));
   for (const DateTime utc : Moments(zone, At("2030-01-20T02:00:00"), At("2031-12-31T00:00:00"))) {
-    ExpectRight(zone, winter, utc);
-    if (HasFatalFailure()) return;
+    ASSERT_NO_FATAL_FAILURE(ExpectRight(zone, winter, utc));
   }
 }
 
-TEST(TimeZoneRules, RepeatedTimesAreThoseBeforeTheChange) {
+TEST(TimeZoneRules, RepeatedTimesAreThoseBeforeTheChangeAndTimesOutsideTakeTheNearest) {
   const ZoneOffsets southern =
       Zone(660, {{"2026-04-04T16:00:00", 600}, {"2026-10-03T16:00:00", 660}});
-  const clsTimeZone rules = RulesAt(southern, 2025, 2027, At("2026-04-05T02:30:00"));
-  EXPECT_EQ(LocalToUTC(At("2026-04-05T02:30:00"), rules), At("2026-04-04T15:30:00"));
   const ZoneOffsets northern =
       Zone(-300, {{"2026-03-08T07:00:00", -240}, {"2026-11-01T06:00:00", -300}});
-  EXPECT_EQ(LocalToUTC(At("2026-11-01T01:30:00"),
-                       RulesAt(northern, 2025, 2027, At("2026-11-01T01:30:00"))),
-            At("2026-11-01T05:30:00"));
-}
-
-TEST(TimeZoneRules, TimesOutsideTheYearsTakeTheNearest) {
-  const ZoneOffsets zone =
-      Zone(-300, {{"2026-03-08T07:00:00", -240}, {"2026-11-01T06:00:00", -300}});
-  for (const char* now : {"1999-07-01T00:00:00", "2050-07-01T00:00:00"}) {
-    const clsTimeZone rules = RulesAt(zone, 2026, 2026, At(now));
-    EXPECT_EQ(LocalToUTC(At("2026-07-01T12:00:00"), rules), At("2026-07-01T16:00:00")) << now;
-    EXPECT_EQ(LocalToUTC(At("2026-12-01T12:00:00"), rules), At("2026-12-01T17:00:00")) << now;
+  const struct {
+    const ZoneOffsets& zone;
+    const char* now;
+    const char* local;
+    const char* utc;
+  } cases[] = {{southern, "2026-04-05T02:30:00", "2026-04-05T02:30:00", "2026-04-04T15:30:00"},
+               {northern, "2026-11-01T01:30:00", "2026-11-01T01:30:00", "2026-11-01T05:30:00"},
+               {northern, "1999-07-01T00:00:00", "2026-07-01T12:00:00", "2026-07-01T16:00:00"},
+               {northern, "2050-07-01T00:00:00", "2026-12-01T12:00:00", "2026-12-01T17:00:00"}};
+  for (const auto& c : cases) {
+    EXPECT_EQ(LocalToUTC(At(c.local), RulesAt(c.zone, 2026, 2026, At(c.now))), At(c.utc)) << c.now;
   }
 }
 

@@ -28,6 +28,11 @@ TEST(clsTimeZoneInformation, ReadsEveryFieldAtItsPlace) {
   EXPECT_EQ(rule->DaylightDate,
             (clsSystemTime{0xFFFF, 0x8000, 0x0201, 0x0403, 0x0605, 0x0807, 0x0A09, 0x0C0B}));
   EXPECT_EQ(rule->ToBlob(), std::vector<std::uint8_t>(kBlob.begin(), kBlob.end()));
+  for (std::size_t i = 0; i < kBlob.size(); ++i) {
+    auto other = kBlob;
+    other[i] = static_cast<std::uint8_t>(other[i] + 1);
+    EXPECT_FALSE(clsTimeZoneInformation::FromBlob(other) == rule) << i;
+  }
 }
 
 TEST(clsTimeZoneInformation, TakesNoOtherLength) {
@@ -77,12 +82,7 @@ TEST(clsTimeZone, MissingEndRulesFallBackToTheStandardOne) {
   EXPECT_EQ(zone.Bias(1999), 7);
   EXPECT_EQ(zone.Bias(2005), 8);
   EXPECT_EQ(zone.Bias(2011), 7);
-}
-
-TEST(clsTimeZone, AddedRulesAreEmpty) {
-  clsTimeZone zone;
-  zone.AddDynamicTZI(2005).Bias = 8;
-  EXPECT_EQ(zone.AddDynamicTZI(2005), clsTimeZoneInformation());
+  EXPECT_EQ(zone.AddDynamicTZI(2005), clsTimeZoneInformation()) << "added anew, it is empty";
   zone.AddDynamicTZI(-1);
   EXPECT_EQ(zone.DynamicTZI.size(), 2u);
   EXPECT_EQ(zone.DynamicTZI.count("2005"), 1u);

@@ -12,7 +12,7 @@
 namespace wattlark {
 
 /// The `Registry` port in memory, with switches that make it fail.
-class MemoryRegistry final : public Registry {
+class MemoryRegistry : public Registry {
  public:
   bool failsWrites = false;  ///< every change fails as on a full disk
   bool failsCommit = false;

@@ -20,9 +20,11 @@ class ScriptedPrompts final : public Prompts {
   std::deque<PromptAnswer> answers;
   std::vector<SaveFileQuestion> choosers;
   std::optional<std::string> chosenFile;
+  std::function<void()> duringAsk;
 
   PromptAnswer Ask(const PromptMessage& message) override {
     asked.push_back(message);
+    if (duringAsk) duringAsk();
     if (answers.empty()) return message.defaultAnswer;
     const PromptAnswer answer = answers.front();
     answers.pop_front();
