@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <QPixmap>
+#include <QTimer>
 
 #include "app/forms/NotificationIcon.h"
 
@@ -9,18 +9,6 @@ namespace wattlark {
 namespace {
 
 using Reason = QSystemTrayIcon::ActivationReason;
-
-struct Click {
-  int millisecondsLater;
-  Reason reason;
-};
-
-struct ClickCase {
-  const char* name;
-  std::vector<Click> clicks;
-  int shows;
-  int menus;
-};
 
 struct NotificationIconTest : testing::Test {
   NotificationIcon::Options Options() {
@@ -42,52 +30,41 @@ struct NotificationIconTest : testing::Test {
   QMenu menu;
 };
 
-struct NotificationIconClicks : NotificationIconTest, testing::WithParamInterface<ClickCase> {};
-
 // The timer is taken for elapsed when its 500 ms would have passed; nothing waits for it.
-TEST_P(NotificationIconClicks, TellsClicksApart) {
+TEST_F(NotificationIconTest, TellsClicksApart) {
   NotificationIcon icon(menu, Options());
   icon.Add({"Wattlark", "KILLAWATT"});
   auto* timer = icon.findChild<QTimer*>("tmrLeftButtonClick");
   auto* area = icon.findChild<QSystemTrayIcon*>("trayIcon");
   ASSERT_EQ(timer->interval(), 500);
-  const auto elapse = [timer] {
-    if (!timer->isActive()) return;
-    timer->stop();
-    QMetaObject::invokeMethod(timer, "timeout");
-  };
-  for (const Click& click : GetParam().clicks) {
-    if (click.millisecondsLater >= 500) elapse();
-    emit area->activated(click.reason);
+  const struct {
+    const char* name;
+    std::vector<std::pair<int, Reason>> clicks;  ///< each after milliseconds
+    int shows;
+    int menus;
+  } cases[] = {{"Single", {{0, Reason::Trigger}}, 0, 1},
+               {"Double", {{0, Reason::Trigger}, {200, Reason::DoubleClick}}, 1, 0},
+               {"DoubleAsTwoSingles", {{0, Reason::Trigger}, {499, Reason::Trigger}}, 1, 0},
+               {"TwoSlowSingles", {{0, Reason::Trigger}, {500, Reason::Trigger}}, 0, 2},
+               {"Middle", {{0, Reason::MiddleClick}}, 0, 0}};
+  for (const auto& test : cases) {
+    shows = menus = 0;
+    const auto elapse = [timer] {
+      if (!timer->isActive()) return;
+      timer->stop();
+      QMetaObject::invokeMethod(timer, "timeout");
+    };
+    for (const auto& [milliseconds, reason] : test.clicks) {
+      if (milliseconds >= 500) elapse();
+      emit area->activated(reason);
+    }
+    elapse();
+    EXPECT_EQ(shows, test.shows) << test.name;
+    EXPECT_EQ(menus, test.menus) << test.name;
   }
-  elapse();
-  EXPECT_EQ(shows, GetParam().shows);
-  EXPECT_EQ(menus, GetParam().menus);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Table, NotificationIconClicks,
-    testing::Values(
-        ClickCase{"Single", {{0, Reason::Trigger}}, 0, 1},
-        ClickCase{"Double", {{0, Reason::Trigger}, {200, Reason::DoubleClick}}, 1, 0},
-        ClickCase{
-            "DoubleReportedAsTwoSingles", {{0, Reason::Trigger}, {499, Reason::Trigger}}, 1, 0},
-        ClickCase{"TwoSlowSingles", {{0, Reason::Trigger}, {500, Reason::Trigger}}, 0, 2},
-        ClickCase{"Middle", {{0, Reason::MiddleClick}}, 0, 0}),
-    [](const auto& clicks) { return clicks.param.name; });
-
-TEST_F(NotificationIconTest, ShowsTooltipAndPictureAndDrawsOnlyWhatChanged) {
-  NotificationIcon icon(menu, Options());
-  icon.Add({"Wattlark", "KILLAWATT"});
-  auto* area = icon.findChild<QSystemTrayIcon*>("trayIcon");
-  icon.Modify({"Current Power: 612.4 W\r\nToday: 3.200 kWh ($0.3392)", "KILLAWATT2"});
-  icon.Modify({"Current Power: 613.0 W\r\nToday: 3.200 kWh ($0.3392)", "KILLAWATT2"});
-  EXPECT_THAT(keys, testing::ElementsAre("KILLAWATT", "KILLAWATT2"));
-  EXPECT_EQ(area->toolTip(), "Current Power: 613.0 W\nToday: 3.200 kWh ($0.3392)");
-  EXPECT_EQ(area->contextMenu(), &menu);
-}
-
-TEST_F(NotificationIconTest, IsReachableOnlyInAnArea) {
+TEST_F(NotificationIconTest, ShowsWhatChangedAndIsReachableOnlyInAnArea) {
   hasArea = false;
   NotificationIcon icon(menu, Options());
   icon.Add({"Wattlark", "KILLAWATT"});
@@ -95,9 +72,15 @@ TEST_F(NotificationIconTest, IsReachableOnlyInAnArea) {
   hasArea = true;
   icon.LookForArea();
   EXPECT_TRUE(icon.IsReachable());
+  const auto* area = icon.findChild<QSystemTrayIcon*>("trayIcon");
+  icon.Modify({"Current Power: 612.4 W\r\nToday: 3.200 kWh ($0.3392)", "KILLAWATT2"});
+  icon.Modify({"Current Power: 613.0 W\r\nToday: 3.200 kWh ($0.3392)", "KILLAWATT2"});
+  EXPECT_THAT(keys, testing::ElementsAre("KILLAWATT", "KILLAWATT2"));
+  EXPECT_EQ(area->toolTip(), "Current Power: 613.0 W\nToday: 3.200 kWh ($0.3392)");
+  EXPECT_EQ(area->contextMenu(), &menu);
   icon.Delete();
   EXPECT_FALSE(icon.IsReachable());
-  EXPECT_FALSE(icon.findChild<QSystemTrayIcon*>("trayIcon")->isVisible());
+  EXPECT_FALSE(area->isVisible());
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-#include <QAbstractButton>
 #include <QTest>
+#include <map>
 
 #include "MainWindowFixture.h"
 
@@ -43,33 +43,26 @@ struct PagesTest : MainWindowTest {
   }
 };
 
-TEST_F(PagesTest, ButtonsStepAndStopAtBothEnds) {
+TEST_F(PagesTest, ButtonsStepAndStopAtBothEndsAndMenuAndKeysChoose) {
   ShowWindow();
-  ExpectPage(1);
-  auto& back = Control<QAbstractButton>("elaNavigation0");
-  auto& forward = Control<QAbstractButton>("elaNavigation1");
-  back.click();
+  Click(*window, "elaNavigation0");
   ExpectPage(1);
   for (const int page : {2, 3, 4, 4}) {
-    forward.click();
+    Click(*window, "elaNavigation1");
     ExpectPage(page);
   }
-  back.click();
+  Click(*window, "elaNavigation0");
   ExpectPage(3);
-}
-
-TEST_F(PagesTest, MenuAndKeysChooseAPage) {
-  ShowWindow();
-  Choose("mnuView2");
-  ExpectPage(3);
-  Choose("mnuView2");
-  ExpectPage(3);
+  for (int i = 0; i < 2; ++i) {
+    Choose("mnuView1");
+    ExpectPage(2);
+  }
   window->activateWindow();
   ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
   QTest::keyClick(window.get(), Qt::Key_PageDown, Qt::ControlModifier);
-  ExpectPage(4);
-  QTest::keyClick(window.get(), Qt::Key_Left, Qt::AltModifier);
   ExpectPage(3);
+  QTest::keyClick(window.get(), Qt::Key_Left, Qt::AltModifier);
+  ExpectPage(2);
 }
 
 TEST_F(PagesTest, ASlideIsShortAndTheCycleGoesOnMeanwhile) {
@@ -109,21 +102,18 @@ TEST_F(PagesTest, TheKeyboardReachesAllOfThePageShownAndNothingOfOthers) {
 }
 
 // Counts the paint events of a window and everything in it.
-class PaintCounter : public QObject {
- public:
-  explicit PaintCounter(QWidget& window) : window_(window) { qApp->installEventFilter(this); }
-  std::map<QWidget*, int> counts;
-
- protected:
+struct PaintCounter : QObject {
+  explicit PaintCounter(const QWidget& painted) : window(painted) {
+    qApp->installEventFilter(this);
+  }
   bool eventFilter(QObject* object, QEvent* event) override {
     auto* widget = qobject_cast<QWidget*>(object);
-    const bool isOurs = widget != nullptr && widget->window() == &window_;
+    const bool isOurs = widget != nullptr && widget->window() == &window;
     if (isOurs && event->type() == QEvent::Paint) ++counts[widget];
     return false;
   }
-
- private:
-  QWidget& window_;
+  const QWidget& window;
+  std::map<QWidget*, int> counts;
 };
 
 TEST_F(PagesTest, ATickPaintsEachWidgetAtMostOnceAndAHiddenWindowNone) {

@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <ostream>
-
 #include "platform/qtwidgets/Theme.h"
 
 namespace wattlark {
@@ -18,100 +15,71 @@ TEST(ContrastRatio, FollowsTheFormulaInEitherOrder) {
   EXPECT_NEAR(ContrastRatio("#0000ff", Qt::black), 2.444, 0.001);
 }
 
-struct PaletteCase {
-  const char* name;
-  const char* base;
-  const char* window;
-  const char* text;
-  bool isDark;
-};
-
-std::ostream& operator<<(std::ostream& out, const PaletteCase& palette) {
-  return out << palette.name;
-}
-
-QPalette PaletteOf(const PaletteCase& colors) {
+Theme ThemeOf(const char* base, const char* window, const char* text) {
   QPalette palette;
-  palette.setColor(QPalette::Base, colors.base);
-  palette.setColor(QPalette::Window, colors.window);
-  palette.setColor(QPalette::WindowText, colors.text);
-  palette.setColor(QPalette::Text, colors.text);
-  return palette;
+  palette.setColor(QPalette::Base, base);
+  palette.setColor(QPalette::Window, window);
+  palette.setColor(QPalette::WindowText, text);
+  palette.setColor(QPalette::Text, text);
+  return Theme::FromPalette(palette);
 }
 
-class ThemeTest : public testing::TestWithParam<PaletteCase> {
- protected:
-  const Theme theme_ = Theme::FromPalette(PaletteOf(GetParam()));
-};
-
-INSTANTIATE_TEST_SUITE_P(
-    Palettes, ThemeTest,
-    testing::Values(PaletteCase{"Light", "#ffffff", "#efefef", "#000000", false},
-                    PaletteCase{"Cool", "#ffffff", "#f5f7fa", "#1f2328", false},
-                    PaletteCase{"Classic", "#ffffff", "#c0c0c0", "#000000", false},
-                    PaletteCase{"Sepia", "#fdf6e3", "#eee8d5", "#586e75", false},
-                    PaletteCase{"Pale", "#ffffff", "#ffffff", "#c8c8c8", false},
-                    PaletteCase{"Green", "#7fd6a8", "#8fe0b8", "#0a2018", false},
-                    PaletteCase{"Orange", "#ffb37a", "#ffc08f", "#201008", false},
-                    PaletteCase{"MiddleGrey", "#8a8a8a", "#808080", "#000000", false},
-                    PaletteCase{"Dark", "#1b1e20", "#2a2e32", "#fcfcfc", true},
-                    PaletteCase{"Slate", "#242a30", "#1a1d23", "#e8ebee", true},
-                    PaletteCase{"Night", "#000000", "#000000", "#ffffff", true},
-                    PaletteCase{"YellowOnBlack", "#000000", "#101010", "#ffff00", true},
-                    PaletteCase{"DeepBlue", "#002b36", "#073642", "#839496", true},
-                    PaletteCase{"DarkGreen", "#1f5a40", "#184a34", "#f0fff8", true}),
-    [](const auto& parameter) { return std::string(parameter.param.name); });
-
-TEST_P(ThemeTest, TellsLightFromDark) {
-  EXPECT_EQ(theme_.isDark, GetParam().isDark);
-}
-
-TEST_P(ThemeTest, TextColorsAreReadableOnTheirGrounds) {
-  for (const QColor& ground : {theme_.base, theme_.window}) {
-    EXPECT_GE(ContrastRatio(theme_.accent, ground), 4.5);
-    EXPECT_GE(ContrastRatio(theme_.warning, ground), 4.5);
-    EXPECT_GE(ContrastRatio(theme_.mutedText, ground), 4.5);
-  }
-  EXPECT_GE(ContrastRatio(theme_.accent, theme_.selectedFill), 4.5);
-}
-
-TEST_P(ThemeTest, LinesStandOutFromTheChartAndItsZones) {
-  for (const QColor& ground : {theme_.base, theme_.zone}) {
-    EXPECT_GE(ContrastRatio(theme_.firstSeries, ground), 3);
-    EXPECT_GE(ContrastRatio(theme_.secondSeries, ground), 3);
-  }
-  EXPECT_GT(ContrastRatio(theme_.firstSeries, theme_.seriesFill), 1.5);
-}
-
-TEST_P(ThemeTest, QuietColorsShowAndStayQuiet) {
-  for (const QColor& quiet : {theme_.hairline, theme_.zone, theme_.selectedFill}) {
-    EXPECT_GT(ContrastRatio(quiet, theme_.base), 1.02);
-    EXPECT_LT(ContrastRatio(quiet, theme_.base), 2);
-    EXPECT_EQ(quiet.alpha(), 255);
+TEST(Theme, IsReadableAndQuietOnEveryPalette) {
+  const struct {
+    const char* name;
+    const char* base;
+    const char* window;
+    const char* text;
+    bool isDark;
+  } palettes[] = {{"Light", "#ffffff", "#efefef", "#000000", false},
+                  {"Classic", "#ffffff", "#c0c0c0", "#000000", false},
+                  {"Sepia", "#fdf6e3", "#eee8d5", "#586e75", false},
+                  {"Pale", "#ffffff", "#ffffff", "#c8c8c8", false},
+                  {"Green", "#7fd6a8", "#8fe0b8", "#0a2018", false},
+                  {"Orange", "#ffb37a", "#ffc08f", "#201008", false},
+                  {"MiddleGrey", "#8a8a8a", "#808080", "#000000", false},
+                  {"Dark", "#1b1e20", "#2a2e32", "#fcfcfc", true},
+                  {"Night", "#000000", "#000000", "#ffffff", true},
+                  {"YellowOnBlack", "#000000", "#101010", "#ffff00", true},
+                  {"DeepBlue", "#002b36", "#073642", "#839496", true},
+                  {"DarkGreen", "#1f5a40", "#184a34", "#f0fff8", true}};
+  for (const auto& palette : palettes) {
+    SCOPED_TRACE(palette.name);
+    const Theme theme = ThemeOf(palette.base, palette.window, palette.text);
+    EXPECT_EQ(theme.isDark, palette.isDark);
+    for (const QColor& ground : {theme.base, theme.window}) {
+      for (const QColor& text : {theme.accent, theme.warning, theme.mutedText}) {
+        EXPECT_GE(ContrastRatio(text, ground), 4.5);
+      }
+    }
+    EXPECT_GE(ContrastRatio(theme.accent, theme.selectedFill), 4.5);
+    for (const QColor& ground : {theme.base, theme.zone}) {
+      EXPECT_GE(ContrastRatio(theme.firstSeries, ground), 3);
+      EXPECT_GE(ContrastRatio(theme.secondSeries, ground), 3);
+    }
+    EXPECT_GT(ContrastRatio(theme.firstSeries, theme.seriesFill), 1.5);
+    for (const QColor& quiet : {theme.hairline, theme.zone, theme.selectedFill}) {
+      EXPECT_GT(ContrastRatio(quiet, theme.base), 1.02);
+      EXPECT_LT(ContrastRatio(quiet, theme.base), 2);
+      EXPECT_EQ(quiet.alpha(), 255);
+    }
   }
 }
 
 TEST(Theme, KeepsItsOwnGreenAndOrangeWhereTheyAreReadable) {
-  const Theme light =
-      Theme::FromPalette(PaletteOf({"Light", "#ffffff", "#f5f7fa", "#1f2328", false}));
+  const Theme light = ThemeOf("#ffffff", "#f5f7fa", "#1f2328");
   EXPECT_EQ(light.accent, QColor("#1f7a57"));
   EXPECT_EQ(light.warning, QColor("#c2410c"));
-  const Theme dark = Theme::FromPalette(PaletteOf({"Dark", "#242a30", "#1a1d23", "#e8ebee", true}));
+  EXPECT_LT(ContrastRatio(light.mutedText, light.base),
+            ContrastRatio(light.text, light.base) * 0.6);
+  const Theme dark = ThemeOf("#242a30", "#1a1d23", "#e8ebee");
   EXPECT_EQ(dark.accent, QColor("#4cc49a"));
   EXPECT_EQ(dark.warning, QColor("#ff9455"));
 }
 
-TEST(Theme, MutedTextIsQuieterThanText) {
-  const Theme theme =
-      Theme::FromPalette(PaletteOf({"Light", "#ffffff", "#f5f7fa", "#1f2328", false}));
-  EXPECT_LT(ContrastRatio(theme.mutedText, theme.base),
-            ContrastRatio(theme.text, theme.base) * 0.6);
-}
-
 // White beside a dark grey: the best grey has about 3.5:1 on either.
 TEST(Theme, TakesTheMostReadableColorForGroundsThatAreFarApart) {
-  const Theme theme =
-      Theme::FromPalette(PaletteOf({"Split", "#ffffff", "#303030", "#808080", false}));
+  const Theme theme = ThemeOf("#ffffff", "#303030", "#808080");
   for (const QColor& color : {theme.accent, theme.warning, theme.mutedText}) {
     EXPECT_GE(ContrastRatio(color, theme.base), 3);
     EXPECT_GE(ContrastRatio(color, theme.window), 3);

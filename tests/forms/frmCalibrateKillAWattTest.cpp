@@ -1,9 +1,11 @@
 #include <gmock/gmock.h>
 
+#include <QPushButton>
 #include <QScrollBar>
-#include <QTest>
+#include <QTimer>
 
 #include "config/forms/frmCalibrateKillAWatt.h"
+#include "forms/FormChecks.h"
 #include "twins/HandClock.h"
 
 namespace wattlark {
@@ -23,15 +25,9 @@ struct frmCalibrateKillAWattTest : testing::Test {
     // The wizard's timer is the test's.
     QMetaObject::invokeMethod(form.findChild<QTimer*>("tmrUpdate"), "timeout");
   }
-  template <typename Control = QPushButton>
-  Control& Get(const char* name) {
-    auto* control = form.findChild<Control*>(name);
-    if (control == nullptr) throw std::runtime_error(name);
-    return *control;
-  }
-  QScrollBar& Bar(const char* name) { return Get<QScrollBar>(name); }
-  QString Text(const char* name) { return Get<QLabel>(name).text(); }
-  void Click(const char* name) { Get(name).click(); }
+  QPushButton& Button(const char* name) const { return Find<QPushButton>(form, name); }
+  QScrollBar& Bar(const char* name) const { return Find<QScrollBar>(form, name); }
+  QString Text(const char* name) const { return Find<QLabel>(form, name).text(); }
   bool HasStartingValues() const {
     return meter.VoltageScaler() == 0.6 && meter.CurrentOffset() == 498 &&
            meter.CurrentScaler() == 1 / 15.5;
@@ -58,25 +54,25 @@ TEST_F(frmCalibrateKillAWattTest, ComesAliveWithTheMeterAndKeepsTheFocusOffCance
     for (const char* bar : {"scrVoltageScaler", "scrCurrentOffset", "scrCurrentScaler"}) {
       EXPECT_EQ(Bar(bar).isEnabled(), enabled) << bar;
     }
-    EXPECT_EQ(Get("cmdNext").isEnabled(), enabled);
-    EXPECT_EQ(Get("cmdBack").isEnabled(), enabled && form.Step() != 1);
-    EXPECT_TRUE(Get("cmdCancel").isEnabled());
-    EXPECT_FALSE(Get("cmdCancel").hasFocus());
+    EXPECT_EQ(Button("cmdNext").isEnabled(), enabled);
+    EXPECT_EQ(Button("cmdBack").isEnabled(), enabled && form.Step() != 1);
+    EXPECT_TRUE(Button("cmdCancel").isEnabled());
+    EXPECT_FALSE(Button("cmdCancel").hasFocus());
   };
   expect("--- Volts", "--- Amps", "--- Watts", false);
-  EXPECT_TRUE(Get<QTimer>("tmrUpdate").isActive());
-  EXPECT_EQ(Get<QTimer>("tmrUpdate").interval(), 1000);
+  EXPECT_TRUE(form.findChild<QTimer*>("tmrUpdate")->isActive());
+  EXPECT_EQ(form.findChild<QTimer*>("tmrUpdate")->interval(), 1000);
   Second();
   expect("120.1 Volts", "0.0 Amps", "1,510.0 Watts", true);
   EXPECT_TRUE(Bar("scrVoltageScaler").hasFocus());
-  Click("cmdNext");
+  Click(form, "cmdNext");
   expect("120.1 Volts", "0.0 Amps", "1,510.0 Watts", true);
-  Get("cmdBack").setFocus();
+  Button("cmdBack").setFocus();
   for (int i = 0; i < 5; ++i) Second(false);
   expect("--- Volts", "--- Amps", "--- Watts", false);
   Second();
   expect("120.1 Volts", "0.0 Amps", "1,510.0 Watts", true);
-  EXPECT_TRUE(Get("cmdBack").hasFocus());
+  EXPECT_TRUE(Button("cmdBack").hasFocus());
 }
 
 TEST_F(frmCalibrateKillAWattTest, GoesThroughTheStepsWithTheKeyboard) {
@@ -86,14 +82,14 @@ TEST_F(frmCalibrateKillAWattTest, GoesThroughTheStepsWithTheKeyboard) {
   EXPECT_EQ(Text("lblVoltageScaler"), "0.54 volts/bit");
   QTest::keyClick(&form, Qt::Key_Return);
   EXPECT_EQ(form.windowTitle(), "Calibrate Kill-A-Watt - Step 2 of 3");
-  EXPECT_EQ(Get("cmdNext").text(), "Next");
+  EXPECT_EQ(Button("cmdNext").text(), "Next");
   ASSERT_TRUE(Bar("scrCurrentOffset").hasFocus());
   QTest::keyClick(&Bar("scrCurrentOffset"), Qt::Key_Up);
   EXPECT_EQ(meter.CurrentOffset(), 497);
   EXPECT_EQ(Text("lblCurrentOffset"), "497 counts");
   QTest::keyClick(&form, Qt::Key_Return);
   EXPECT_EQ(form.windowTitle(), "Calibrate Kill-A-Watt - Step 3 of 3");
-  EXPECT_EQ(Get("cmdNext").text(), "Save");
+  EXPECT_EQ(Button("cmdNext").text(), "Save");
   ASSERT_TRUE(Bar("scrCurrentScaler").hasFocus());
   Bar("scrCurrentScaler").setValue(-100);
   EXPECT_EQ(meter.CurrentScaler(), 1.25 / 15.5);
@@ -101,7 +97,7 @@ TEST_F(frmCalibrateKillAWattTest, GoesThroughTheStepsWithTheKeyboard) {
 
   form.SetStep(0);
   EXPECT_EQ(form.Step(), 1);
-  EXPECT_EQ(Get("cmdNext").text(), "Next");
+  EXPECT_EQ(Button("cmdNext").text(), "Next");
   EXPECT_EQ(Bar("scrVoltageScaler").value(), 10) << "a step revisited shows what was set";
   form.SetStep(5);
   EXPECT_EQ(form.Step(), 3);
@@ -113,36 +109,30 @@ TEST_F(frmCalibrateKillAWattTest, GoesThroughTheStepsWithTheKeyboard) {
   EXPECT_EQ(meter.CurrentScaler(), 1.25 / 15.5);
 }
 
-class frmCalibrateKillAWattCancelTest : public frmCalibrateKillAWattTest,
-                                        public testing::WithParamInterface<int> {};
+struct frmCalibrateKillAWattEnd : frmCalibrateKillAWattTest, testing::WithParamInterface<int> {};
 
-TEST_P(frmCalibrateKillAWattCancelTest, RestoresTheMeterFromTheButtonAndByEscape) {
+TEST_P(frmCalibrateKillAWattEnd, RestoresTheMeterUnlessItsFrameCloses) {
   Second();
   AdjustEverything();
-  form.SetStep(GetParam());
   EXPECT_FALSE(HasStartingValues());
-  if (GetParam() == 2) {
+  const int step = GetParam();
+  form.SetStep(step);
+  if (step == 2) {
     QTest::keyClick(&form, Qt::Key_Escape);
-  } else {
+  } else if (step <= 3) {
     for (int i = 0; i < 5; ++i) Second(false);
-    Click("cmdCancel");
+    Click(form, "cmdCancel");
+  } else {
+    form.close();
+    EXPECT_NEAR(meter.VoltageScaler(), 0.54, 1e-15);
+    EXPECT_EQ(meter.CurrentOffset(), 508);
   }
-  EXPECT_TRUE(HasStartingValues());
-  EXPECT_TRUE(form.Cancelled());
+  EXPECT_EQ(HasStartingValues(), step <= 3);
+  EXPECT_EQ(form.Cancelled(), step <= 3);
   EXPECT_FALSE(form.isVisible());
 }
 
-INSTANTIATE_TEST_SUITE_P(Steps, frmCalibrateKillAWattCancelTest, testing::Values(1, 2, 3));
-
-TEST_F(frmCalibrateKillAWattTest, ClosedByItsFrameLeavesWhatWasSet) {
-  Second();
-  AdjustEverything();
-  form.close();
-  EXPECT_FALSE(form.isVisible());
-  EXPECT_FALSE(form.Cancelled());
-  EXPECT_NEAR(meter.VoltageScaler(), 0.54, 1e-15);
-  EXPECT_EQ(meter.CurrentOffset(), 508);
-}
+INSTANTIATE_TEST_SUITE_P(StepsAndFrame, frmCalibrateKillAWattEnd, testing::Range(1, 5));
 
 }  // namespace
 }  // namespace wattlark

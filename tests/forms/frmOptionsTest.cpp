@@ -1,19 +1,15 @@
 #include <gmock/gmock.h>
 
-#include <QApplication>
 #include <QCheckBox>
 #include <QClipboard>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScreen>
-#include <QTest>
-#include <QTimer>
 #include <memory>
-#include <set>
 
 #include "config/forms/frmOptions.h"
 #include "config/modRegistry.h"
+#include "forms/FormChecks.h"
 #include "twins/MemoryRegistry.h"
 #include "twins/ScriptedPrompts.h"
 
@@ -39,16 +35,14 @@ struct frmOptionsTest : testing::Test {
         {settings, registry, text, regional, prompts, &devices, "/opt/wattlark", [] {}},
         PortDeviceList::Ports{
             devices, list,
-            [this](const std::string& path) { return path == "/dev/busy" ? "In use" : ""; }},
+            [](const std::string& path) { return path == "/dev/busy" ? "In use" : ""; }},
         [] {}});
     form->show();
     QApplication::setActiveWindow(form.get());
   }
   template <typename Control = QLineEdit>
   Control& Get(const QString& name) {
-    auto* control = form->findChild<Control*>(name);
-    if (control == nullptr) throw std::runtime_error(name.toStdString());
-    return *control;
+    return Find<Control>(*form, name);
   }
   QString Note(const QString& field) {
     const auto& note = Get<QLabel>(field + "Note");
@@ -64,7 +58,6 @@ struct frmOptionsTest : testing::Test {
     box.setCurrentIndex(index);
     emit box.activated(index);
   }
-  void Click(const QString& button) { Get<QPushButton>(button).click(); }
 
   RegionalSettings regional = RegionalSettings::UnitedStates();
   StoreText text{regional};
@@ -103,7 +96,7 @@ TEST_F(frmOptionsTest, EveryControlEditsItsSetting) {
                          "txtTwitterMessage",  "txtPowerMeterAuthToken", "txtTwitterAlarmMessage",
                          "txtTwitterUsername", "txtTwitterPassword"};
   for (const char* box : boxes) Get(box).setText(QString(" ") + box);
-  Click("cmdOK");
+  Click(*form, "cmdOK");
   EXPECT_FALSE(form->isVisible());
   const AppSettings& s = settings;
   EXPECT_THAT((std::vector<bool>{s.ShowAtLaunch, s.RunAtStartup, s.AutoUpdate, s.DemoMode,
@@ -134,7 +127,7 @@ TEST_F(frmOptionsTest, AStateFillsTheElectricityFieldsOnceItIsChosen) {
   Choose("cboServiceState", "CA");
   EXPECT_EQ(Get("txtMils").text(), "$0.7000");
   EXPECT_EQ(Get("txtCO2").text(), "0.1251");
-  Click("cmdCancel");
+  Click(*form, "cmdCancel");
   EXPECT_EQ(settings.Mils, 0.2);
   EXPECT_FALSE(store.AppSectionExists("", "Settings"));
 }
@@ -149,7 +142,7 @@ TEST_F(frmOptionsTest, PointsOutWhatIsNotTaken) {
   EXPECT_EQ(Note("txtMils"), "This is no number: $0.2000 stays.");
   Get("txtTwitterMessage").clear();
   EXPECT_NE(Note("txtTwitterMessage"), "");
-  Click("cmdOK");
+  Click(*form, "cmdOK");
   EXPECT_FALSE(form->isVisible());
   EXPECT_THAT(prompts.asked, IsEmpty());
 }
@@ -175,7 +168,7 @@ TEST_F(frmOptionsTest, TheDeviceOfEachPortIsChosen) {
   list.hidePopup();
   Choose("cboPortDevice", QString("FT232R \u2013 /dev/serial/by-id/usb-A"));
   EXPECT_EQ(list.currentText(), "/dev/serial/by-id/usb-A");
-  Click("cmdOK");
+  Click(*form, "cmdOK");
   EXPECT_EQ(devices.Path(1), "/dev/serial/by-id/usb-A");
   EXPECT_EQ(store.GetAppSetting("", "PortDevices", "COM5", "none"), "none") << "no path";
 }
@@ -184,7 +177,7 @@ TEST_F(frmOptionsTest, TheButtonChoosesTheCSVFile) {
   settings.CSVFilename = "/logs/" + std::string(60, 'x') + "/wattlark.csv";
   Open();
   EXPECT_EQ(Get("txtCSVFilename").text(), "/logs/.../wattlark.csv");
-  Click("cmdSetCSVFilename");
+  Click(*form, "cmdSetCSVFilename");
   ASSERT_EQ(prompts.choosers.size(), 1u);
   EXPECT_EQ(prompts.choosers[0].caption, "Save Log File");
   EXPECT_EQ(prompts.choosers[0].filter, "CSV (Comma Separated Value) File (*.csv)");
@@ -192,10 +185,10 @@ TEST_F(frmOptionsTest, TheButtonChoosesTheCSVFile) {
   EXPECT_TRUE(prompts.choosers[0].appends);
   EXPECT_EQ(Get("txtCSVFilename").text(), "/logs/.../wattlark.csv") << "cancelled";
   prompts.chosenFile = "/logs/new.csv";
-  Click("cmdSetCSVFilename");
+  Click(*form, "cmdSetCSVFilename");
   EXPECT_EQ(Get("txtCSVFilename").text(), "/logs/new.csv");
   EXPECT_NE(settings.CSVFilename, "/logs/new.csv");
-  Click("cmdOK");
+  Click(*form, "cmdOK");
   EXPECT_EQ(settings.CSVFilename, "/logs/new.csv");
   EXPECT_TRUE(settings.CSVFileChanged);
 }
@@ -203,7 +196,7 @@ TEST_F(frmOptionsTest, TheButtonChoosesTheCSVFile) {
 TEST_F(frmOptionsTest, TextsThatNobodyTouchesKeepTheirBytes) {
   settings.TwitterMessage = "a\xFF\nb";
   Open();
-  Click("cmdOK");
+  Click(*form, "cmdOK");
   EXPECT_EQ(settings.TwitterMessage, "a\xFF\nb");
 }
 
@@ -224,7 +217,7 @@ TEST_F(frmOptionsTest, PasswordsAreNeverGivenAway) {
   }
 }
 
-TEST_F(frmOptionsTest, TabGoesThroughEveryControlInOrder) {
+TEST_F(frmOptionsTest, EveryControlIsReachedNamedAndHasAKeyOfItsTab) {
   Open();
   const std::vector<std::vector<std::string>> orders = {
       {"chkShowAtLaunch", "chkRunAtStartup", "chkAutoUpdate", "chkDemoMode", "cboPortNum",
@@ -240,46 +233,11 @@ TEST_F(frmOptionsTest, TabGoesThroughEveryControlInOrder) {
        "txtTwitterAlarmMessage", "txtTwitterUsername", "txtTwitterPassword"}};
   for (std::size_t tab = 0; tab < orders.size(); ++tab) {
     ShowTab(static_cast<int>(tab));
-    Get<QWidget>(QString::fromStdString(orders[tab][0])).setFocus();
-    std::vector<std::string> order;
-    for (std::size_t i = 0; i < orders[tab].size() + 2; ++i) {
-      order.push_back(form->focusWidget()->objectName().toStdString());
-      QTest::keyClick(form->focusWidget(), Qt::Key_Tab);
-    }
     std::vector<std::string> expected = orders[tab];
     expected.insert(expected.end(), {"cmdOK", "cmdCancel"});
-    EXPECT_EQ(order, expected);
-  }
-}
-
-bool IsPartOfList(const QWidget& control) {
-  const QWidget* above = control.parentWidget();
-  while (above != nullptr && qobject_cast<const QComboBox*>(above) == nullptr) {
-    above = above->parentWidget();
-  }
-  return above != nullptr;
-}
-
-TEST_F(frmOptionsTest, EveryControlHasANameAndAKeyOfItsOwn) {
-  Open();
-  auto& tabs = Get<QTabWidget>("tabOptions");
-  for (int tab = 0; tab < tabs.count(); ++tab) {
+    EXPECT_EQ(TabOrder(*form, QString::fromStdString(expected[0]), expected.size()), expected);
     std::set<QKeySequence> keys;
-    for (const QWidget* control : tabs.widget(tab)->findChildren<QWidget*>()) {
-      const auto* label = qobject_cast<const QLabel*>(control);
-      const auto* button = qobject_cast<const QAbstractButton*>(control);
-      if (label != nullptr && label->buddy() == nullptr) continue;
-      const QString caption = label != nullptr    ? label->text()
-                              : button != nullptr ? button->text()
-                                                  : QString();
-      if (!caption.isEmpty()) {
-        EXPECT_TRUE(keys.insert(QKeySequence::mnemonic(caption)).second) << caption.toStdString();
-      }
-      if (control->focusPolicy() == Qt::NoFocus || IsPartOfList(*control)) continue;
-      EXPECT_FALSE(control->accessibleName().isEmpty()) << control->objectName().toStdString();
-      EXPECT_GE(control->minimumHeight(), 26) << control->objectName().toStdString();
-    }
-    EXPECT_FALSE(keys.contains(QKeySequence())) << tab;
+    ExpectNamesAndKeys(*Get<QTabWidget>("tabOptions").widget(static_cast<int>(tab)), keys);
   }
 }
 

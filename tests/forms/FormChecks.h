@@ -1,0 +1,67 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QComboBox>
+#include <QKeySequence>
+#include <QLabel>
+#include <QTest>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace wattlark {
+
+/// The only widget of that type and name below `form`.
+template <typename Widget = QWidget>
+Widget& Find(const QWidget& form, const QString& name) {
+  const auto found = form.findChildren<Widget*>(name);
+  if (found.size() != 1) throw std::logic_error("not one " + name.toStdString());
+  return *found.front();
+}
+
+inline void Click(const QWidget& form, const QString& button) {
+  Find<QAbstractButton>(form, button).click();
+}
+
+/// Where the tab key leads to from the control that is named first, as often as there are `stops`.
+inline std::vector<std::string> TabOrder(const QWidget& form, const QString& first,
+                                         std::size_t stops) {
+  Find(form, first).setFocus();
+  std::vector<std::string> order;
+  for (std::size_t i = 0; i < stops; ++i) {
+    order.push_back(form.focusWidget()->objectName().toStdString());
+    QTest::keyClick(form.focusWidget(), Qt::Key_Tab);
+  }
+  return order;
+}
+
+/// Each control of the part has a spoken name and room for a finger, and each caption a key that is
+/// not among `keys`.
+inline void ExpectNamesAndKeys(const QWidget& part, std::set<QKeySequence>& keys) {
+  for (const QWidget* control : part.findChildren<QWidget*>()) {
+    const auto* label = qobject_cast<const QLabel*>(control);
+    const auto* button = qobject_cast<const QAbstractButton*>(control);
+    const QString caption = label != nullptr && label->buddy() != nullptr ? label->text()
+                            : button != nullptr                           ? button->text()
+                                                                          : QString();
+    if (!caption.isEmpty()) {
+      const QKeySequence key = QKeySequence::mnemonic(caption);
+      EXPECT_FALSE(key.isEmpty()) << caption.toStdString();
+      EXPECT_TRUE(keys.insert(key).second) << caption.toStdString();
+    }
+    bool isPartOfList = false;
+    for (const QWidget* above = control->parentWidget(); above != nullptr;
+         above = above->parentWidget()) {
+      isPartOfList = isPartOfList || qobject_cast<const QComboBox*>(above) != nullptr;
+    }
+    if (control->focusPolicy() == Qt::NoFocus || isPartOfList) continue;
+    EXPECT_FALSE(control->accessibleName().isEmpty()) << control->objectName().toStdString();
+    EXPECT_GE(control->minimumHeight(), 26) << control->objectName().toStdString();
+  }
+}
+
+}  // namespace wattlark
