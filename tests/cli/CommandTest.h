@@ -53,13 +53,21 @@ class CommandTest : public testing::Test {
     EXPECT_EQ(result.status, ExitOK) << arguments.front();
     EXPECT_EQ(result.messages, "");
   }
+  static void ExpectRefused(const CommandResult& result, const std::string& message,
+                            int status = ExitRefused) {
+    EXPECT_EQ(result.status, status) << message;
+    EXPECT_EQ(result.output, "");
+    EXPECT_NE(result.messages.find(message), std::string::npos) << result.messages;
+  }
   void AddKitchen() const { ExpectDone({"meter", "add", "--name", "Kitchen", "--address", "5"}); }
+  nlohmann::json Meters() const { return RunHere({"meter", "list", "--json"}).Json(); }
   std::string Setting(const std::string& name) const {
     return RunHere({"setting", "get", name}).output;
   }
   /// The names and bytes of all files of the profile.
   std::map<std::string, std::string> ProfileFiles() const {
     std::map<std::string, std::string> files;
+    if (!ProfileExists()) return files;
     for (const auto& entry : std::filesystem::directory_iterator(profile_)) {
       files[entry.path().filename()] = FileBytes(entry.path());
     }

@@ -53,8 +53,8 @@ TEST(MeterJson, IsReceivingIsJudgedAtTheGivenTime) {
 
 TEST(MeterJson, NumbersReadBackAsTheSameDouble) {
   using Limits = std::numeric_limits<double>;
-  for (const double value : {0.1 + 0.2, 1.0 / 3, 450.3, 1e22, 123456789.123456789, Limits::min(),
-                             Limits::denorm_min(), Limits::max(), Limits::epsilon(), -2.5e-7}) {
+  for (const double value :
+       {0.1 + 0.2, 1.0 / 3, 1e22, Limits::denorm_min(), Limits::max(), -2.5e-7}) {
     clsKillAWatt meter;
     meter.Statistics().SetUsage(ToDate, value);
     const auto json = nlohmann::json::parse(JsonText(MeterToJson(meter, DateTime())));
