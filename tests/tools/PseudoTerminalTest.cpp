@@ -5,10 +5,10 @@
 #include <unistd.h>
 
 #include <array>
-#include <fstream>
 #include <numeric>
 #include <stdexcept>
 
+#include "platform/TemporaryFolder.h"
 #include "sim/PseudoTerminal.h"
 
 namespace wattlark {
@@ -48,41 +48,28 @@ class Reader {
   int descriptor_;
 };
 
-class PseudoTerminalTest : public testing::Test {
- protected:
-  void SetUp() override {
-    std::string name = (fs::temp_directory_path() / "wattlark-sim-XXXXXX").string();
-    ASSERT_NE(mkdtemp(name.data()), nullptr);
-    folder_ = name;
-    link_ = folder_ / "meters";
-  }
-  void TearDown() override { fs::remove_all(folder_); }
-
-  fs::path folder_;
-  fs::path link_;
+struct PseudoTerminalTest : testing::Test {
+  TemporaryFolder folder;
+  fs::path link = folder.File("meters");
 };
 
-TEST_F(PseudoTerminalTest, CarriesEveryByteValueUnchanged) {
-  PseudoTerminal terminal(link_);
-  const Reader reader(link_);
+TEST_F(PseudoTerminalTest, CarriesEveryByteValueToReadersThatComeAndGo) {
   Bytes all(256);
   std::iota(all.begin(), all.end(), std::uint8_t{0});
-  terminal.Write(all, 0);
-  EXPECT_EQ(reader.Read(256), all);
-}
-
-TEST_F(PseudoTerminalTest, ReadersComeAndGo) {
-  PseudoTerminal terminal(link_);
-  for (std::uint8_t round = 1; round <= 3; ++round) {
-    const Reader reader(link_);
-    terminal.Write({round}, std::int64_t{100} * round);
-    EXPECT_EQ(reader.Read(1), Bytes{round});
+  for (const fs::path& name : {link, fs::path()}) {
+    PseudoTerminal terminal(name);
+    EXPECT_EQ(terminal.PublicPath(), name.empty() ? terminal.DevicePath() : name);
+    for (int round = 1; round <= 3; ++round) {
+      const Reader reader(terminal.PublicPath());
+      terminal.Write(all, std::int64_t{100} * round);
+      EXPECT_EQ(reader.Read(256), all);
+    }
   }
 }
 
 TEST_F(PseudoTerminalTest, WithoutAReaderOnlyTheNewestBytesWait) {
-  PseudoTerminal terminal(link_);
-  const Reader observer(link_);
+  PseudoTerminal terminal(link);
+  const Reader observer(link);
   for (std::uint8_t i = 1; i <= 50; ++i) {
     terminal.Write({i, i}, std::int64_t{250} * i);
     ASSERT_TRUE(observer.HasBytes(5000));
@@ -94,8 +81,8 @@ TEST_F(PseudoTerminalTest, WithoutAReaderOnlyTheNewestBytesWait) {
 }
 
 TEST_F(PseudoTerminalTest, NoticesAReaderOnceAndThatItLeft) {
-  PseudoTerminal terminal(link_);
-  const Reader reader(link_);
+  PseudoTerminal terminal(link);
+  const Reader reader(link);
   terminal.Write({1}, 0);
   ASSERT_EQ(reader.Read(1), Bytes{1});
   EXPECT_TRUE(terminal.CheckForReader(100));
@@ -114,13 +101,14 @@ TEST_F(PseudoTerminalTest, NoticesAReaderOnceAndThatItLeft) {
 }
 
 TEST_F(PseudoTerminalTest, FullBufferNeitherBlocksNorEndsIt) {
-  PseudoTerminal terminal(link_);
-  const Reader reader(link_);
+  PseudoTerminal terminal(link);
+  const Reader reader(link);
   terminal.Write({1}, 0);
   ASSERT_EQ(reader.Read(1), Bytes{1});
   ASSERT_TRUE(terminal.CheckForReader(100));
   // Far more than any terminal buffers, while the reader still counts as there.
   for (int i = 0; i < 100; ++i) terminal.Write(Bytes(4096, 7), 101);
+  ASSERT_TRUE(reader.HasBytes(5000));
 
   // Unread for too long, all of it goes.
   EXPECT_FALSE(terminal.CheckForReader(1200));
@@ -131,8 +119,8 @@ TEST_F(PseudoTerminalTest, FullBufferNeitherBlocksNorEndsIt) {
 }
 
 TEST_F(PseudoTerminalTest, WhatReadersWriteNeverFillsItUp) {
-  PseudoTerminal terminal(link_);
-  const Reader reader(link_);
+  PseudoTerminal terminal(link);
+  const Reader reader(link);
   const Bytes request(1024, 'x');
   for (int i = 0; i < 100; ++i) {
     ASSERT_EQ(write(reader.Descriptor(), request.data(), request.size()), 1024);
@@ -143,36 +131,27 @@ TEST_F(PseudoTerminalTest, WhatReadersWriteNeverFillsItUp) {
 }
 
 TEST_F(PseudoTerminalTest, RemovesItsLinkButNotAnothers) {
-  { const PseudoTerminal terminal(link_); }
-  EXPECT_EQ(fs::symlink_status(link_).type(), fs::file_type::not_found);
+  fs::create_symlink("/dev/pts/4095", link);  // of a killed run
   {
-    const PseudoTerminal terminal(link_);
-    fs::remove(link_);
-    fs::create_symlink("/dev/null", link_);
+    const PseudoTerminal terminal(link);
+    EXPECT_EQ(fs::read_symlink(link), terminal.DevicePath());
   }
-  EXPECT_EQ(fs::read_symlink(link_), "/dev/null");
-}
-
-TEST_F(PseudoTerminalTest, ReplacesTheLinkOfAKilledRun) {
-  fs::create_symlink("/dev/pts/4095", link_);
-  const PseudoTerminal terminal(link_);
-  EXPECT_EQ(fs::read_symlink(link_), terminal.DevicePath());
+  EXPECT_EQ(fs::symlink_status(link).type(), fs::file_type::not_found);
+  {
+    const PseudoTerminal terminal(link);
+    fs::remove(link);
+    fs::create_symlink("/dev/null", link);
+  }
+  EXPECT_EQ(fs::read_symlink(link), "/dev/null");
 }
 
 TEST_F(PseudoTerminalTest, LeavesAnythingElseInItsPlaceAlone) {
-  std::ofstream(link_) << "kept";
-  EXPECT_THROW(PseudoTerminal{link_}, std::runtime_error);
-  EXPECT_EQ(fs::file_size(link_), 4U);
-  EXPECT_THROW(PseudoTerminal{folder_}, std::runtime_error);
-  EXPECT_THROW(PseudoTerminal{folder_ / "none" / "meters"}, std::runtime_error);
-}
-
-TEST_F(PseudoTerminalTest, WithoutALinkTheDeviceItselfIsPublic) {
-  PseudoTerminal terminal{fs::path()};
-  EXPECT_EQ(terminal.PublicPath(), terminal.DevicePath());
-  const Reader reader(terminal.PublicPath());
-  terminal.Write({9}, 0);
-  EXPECT_EQ(reader.Read(1), Bytes{9});
+  WriteFile(link, "kept");
+  for (const fs::path& taken :
+       {link, fs::path(folder.Path()), fs::path(folder.File("none/meters"))}) {
+    EXPECT_THROW(PseudoTerminal{taken}, std::runtime_error) << taken;
+  }
+  EXPECT_EQ(FileBytes(link), "kept");
 }
 
 }  // namespace
