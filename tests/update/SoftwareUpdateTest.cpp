@@ -171,12 +171,11 @@ TEST_F(SoftwareUpdateTest, TellsNothingThatNobodyAskedForOnceAlertsAreOff) {
 }
 
 TEST_F(SoftwareUpdateTest, WithoutAnAddressOnlyTheUserWhoAskedIsTold) {
-  update.Find("", false, false);
-  EXPECT_FALSE(update.Tell());
-  EXPECT_TRUE(IsSilent());
-  update.Find("", false, true);
-  EXPECT_FALSE(update.Tell());
-  ASSERT_EQ(prompts.asked.size(), 1U);
+  for (const bool isAskedFor : {false, true}) {
+    update.Find("", false, isAskedFor);
+    EXPECT_FALSE(update.Tell());
+    ASSERT_EQ(prompts.asked.size(), isAskedFor ? 1U : 0U);
+  }
   EXPECT_EQ(prompts.asked[0].text, "No address is configured.");
   EXPECT_THAT(http.requests, IsEmpty());
 }
