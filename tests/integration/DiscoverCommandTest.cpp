@@ -9,20 +9,10 @@ namespace {
 using testing::AllOf;
 using testing::HasSubstr;
 
-// A new profile, and a receiver on a pseudo-terminal that hears the simulated meters 5 and 6.
 struct DiscoverCommand : HeadlessRun {
-  void Simulate() {
-    std::filesystem::remove(device);
-    sim.emplace(std::vector<std::string>{WATTLARK_SIM_PROGRAM, "--link", device, "--meter",
-                                         "Kitchen:5:620", "--meter", "Office:6:80", "--period",
-                                         "0.2"});
-    ASSERT_TRUE(WaitUntil([&] { return std::filesystem::exists(device); })) << sim->Messages();
+  std::vector<std::string> Discover() const {
+    return Command({"meter", "discover", "--device", device, "--seconds", "1"});
   }
-  std::vector<std::string> Discover(std::vector<std::string> more = {}) const {
-    more.insert(more.begin(), {"meter", "discover", "--device", device, "--seconds", "1"});
-    return Command(std::move(more));
-  }
-  std::optional<RunningProgram> sim;
 };
 
 TEST_F(DiscoverCommand, TellsWhoSendsAndWhatToType) {
@@ -37,9 +27,8 @@ TEST_F(DiscoverCommand, TellsWhoSendsAndWhatToType) {
                               "--profile " +
                               profile + "\n"),
                     HasSubstr("\nwattlark-headless setting set PortDevices/COM3 " + device + " ")));
-  RunningProgram json(Discover({"--json"}));
-  EXPECT_EQ(json.Wait(), 0) << json.Messages();
-  const auto meters = nlohmann::json::parse(json.Output()).at("Meters");
+  const auto json = Run({"meter", "discover", "--device", device, "--seconds", "1", "--json"});
+  const auto meters = nlohmann::json::parse(json).at("Meters");
   ASSERT_EQ(meters.size(), 2u);
   EXPECT_EQ(meters[0].at("Name"), "Kitchen");
   EXPECT_TRUE(meters[1].at("Name").is_null());

@@ -10,6 +10,7 @@
 
 #include "integration/RunningProgram.h"
 #include "platform/TemporaryFolder.h"
+#include "services/HttpServer.h"
 #include "twins/Frames.h"
 #include "twins/TestTerminal.h"
 
@@ -40,6 +41,7 @@ struct HeadlessRun : testing::Test {
   std::string device = folder.File("receiver");
   std::string capture = folder.File("capture");
   std::optional<TestTerminal> receiver;
+  std::optional<RunningProgram> sim;
 
   HeadlessRun() { PlugIn(); }
 
@@ -54,24 +56,48 @@ struct HeadlessRun : testing::Test {
     receiver.reset();
   }
 
-  std::vector<std::string> Command(std::vector<std::string> arguments) const {
-    arguments.insert(arguments.begin(), WATTLARK_HEADLESS_PROGRAM);
+  std::vector<std::string> Command(std::vector<std::string> arguments,
+                                   const char* program = WATTLARK_HEADLESS_PROGRAM) const {
+    arguments.insert(arguments.begin(), program);
     arguments.insert(arguments.end(), {"--profile", profile});
     return arguments;
   }
-  std::vector<std::string> RunCommand() const {
-    return Command({"--device", device, "--record", capture});
+  std::vector<std::string> RunCommand(const char* program = WATTLARK_HEADLESS_PROGRAM) const {
+    return Command({"--device", device, "--record", capture}, program);
+  }
+  // What a command that succeeds prints.
+  std::string Run(std::vector<std::string> arguments) const {
+    RunningProgram command(Command(std::move(arguments)));
+    EXPECT_EQ(command.Wait(), 0) << command.Messages();
+    return command.Output();
   }
   void AddKitchen(const std::vector<std::string>& options = {}) const {
     std::vector<std::string> arguments = {"meter", "add", "--name", "Kitchen", "--address", "5"};
     arguments.insert(arguments.end(), options.begin(), options.end());
-    RunningProgram add(Command(arguments));
-    ASSERT_EQ(add.Wait(), 0) << add.Messages();
+    Run(arguments);
   }
-  double KitchenEnergy() const {
-    RunningProgram list(Command({"meter", "list", "--json"}));
-    EXPECT_EQ(list.Wait(), 0) << list.Messages();
-    return nlohmann::json::parse(list.Output()).at(0).at("Usage").at("ToDate").get<double>();
+  nlohmann::json Kitchen() const {
+    return nlohmann::json::parse(Run({"meter", "list", "--json"})).at(0);
+  }
+  double KitchenEnergy() const { return Kitchen().at("Usage").at("ToDate").get<double>(); }
+  // In place of the receiver, a simulated one that hears the meters 5 and 6.
+  void Simulate() {
+    std::filesystem::remove(device);
+    sim.emplace(std::vector<std::string>{WATTLARK_SIM_PROGRAM, "--link", device, "--meter",
+                                         "Kitchen:5:620", "--meter", "Office:6:80", "--period",
+                                         "0.2"});
+    ASSERT_TRUE(WaitUntil([&] { return std::filesystem::exists(device); })) << sim->Messages();
+  }
+  // A server of version information, to which the profile is pointed.
+  std::unique_ptr<HttpServer> OfferVersion9() const {
+    auto server = std::make_unique<HttpServer>();
+    server->Handlers().Get("/version", [](const httplib::Request&, httplib::Response& response) {
+      response.set_content("9.0\r\n27 August 2010\r\nhttp://maker.example/setup\r\n", "text/plain");
+    });
+    server->Start();
+    Run({"setting", "set", "ServiceEndpoints/VersionFileURL",
+         "http://" + server->Place("/version")});
+    return server;
   }
   // As a capture has it.
   static std::string BurstText(std::uint16_t address) {

@@ -22,21 +22,7 @@ struct Service : HeadlessRun {
   NotifySocket manager{folder.File("notify")};
 };
 
-TEST_F(Service, TellsThatItIsReadyThatItLivesAndThatItStops) {
-  AddKitchen();
-  RunningProgram program(RunCommand());
-  ASSERT_TRUE(WaitUntil([&] { return manager.Count("READY=1") == 1; })) << program.Messages();
-  // The store is open and the receiver is listened to by then.
-  SendBurst();
-  ASSERT_TRUE(WaitUntil([&] { return manager.Count("STATUS=1 of 1 meter sends") == 1; }));
-  const auto signs = manager.Count("WATCHDOG=1");
-  EXPECT_TRUE(WaitUntil([&] { return manager.Count("WATCHDOG=1") >= signs + 2; }));
-  EXPECT_EQ(manager.Count("STOPPING=1"), 0);
-  EXPECT_EQ(program.End(SIGTERM), 0);
-  EXPECT_EQ(manager.Messages().back(), "STOPPING=1");
-}
-
-TEST_F(Service, IsReadyWithoutItsReceiverAndSaysWhatIsWrong) {
+TEST_F(Service, TellsThatItIsReadyWhatIsWrongThatItLivesAndThatItStops) {
   AddKitchen();
   Unplug();
   RunningProgram program(RunCommand());
@@ -44,7 +30,15 @@ TEST_F(Service, IsReadyWithoutItsReceiverAndSaysWhatIsWrong) {
   EXPECT_THAT(
       manager.Messages(),
       Contains(AllOf(StartsWith("STATUS=Unable to communicate on COM3: "), HasSubstr(device))));
+  PlugIn();
+  ASSERT_TRUE(WaitUntil([&] { return manager.Count("STATUS=0 of 1 meter sends") == 1; }));
+  SendBurst();
+  ASSERT_TRUE(WaitUntil([&] { return manager.Count("STATUS=1 of 1 meter sends") == 1; }));
+  const auto signs = manager.Count("WATCHDOG=1");
+  EXPECT_TRUE(WaitUntil([&] { return manager.Count("WATCHDOG=1") >= signs + 2; }));
+  EXPECT_EQ(manager.Count("STOPPING=1"), 0);
   EXPECT_EQ(program.End(SIGTERM), 0);
+  EXPECT_EQ(manager.Messages().back(), "STOPPING=1");
 }
 
 TEST_F(Service, RefusedIsNeverReady) {
