@@ -24,6 +24,7 @@ class TestDesktop {
     ::setenv("XDG_RUNTIME_DIR", runtime.c_str(), 1);
     ::setenv("HOME", folder_.Path().c_str(), 1);
     ::setenv("QT_QPA_PLATFORM", "xcb", 1);
+    ::setenv("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1", 1);
     // Without strict string checks: the X keyboard library hands on texts that end by their length
     // alone. Read by the address sanitizer.
     ::setenv("ASAN_OPTIONS", "detect_stack_use_after_return=1", 1);
@@ -43,11 +44,8 @@ class TestDesktop {
                              "^" + window + "$", "windowactivate", "--sync"});
     if (activate.Wait() != 0) throw std::runtime_error("no window \"" + window + "\"");
   }
-  /// Presses keys on the keyboard, named as xdotool names them ("alt+f").
-  void Press(std::vector<std::string> keys) {
-    keys.insert(keys.begin(), {"/usr/bin/xdotool", "key"});
-    RunningProgram(std::move(keys)).Wait();
-  }
+  /// Presses a key on the keyboard, named as xdotool names it ("alt+f").
+  void Press(const std::string& key) { RunningProgram({"/usr/bin/xdotool", "key", key}).Wait(); }
   void Type(const std::string& text) { RunningProgram({"/usr/bin/xdotool", "type", text}).Wait(); }
   /// Whether a window of this title is on the screen.
   bool Shows(const std::string& window) {

@@ -1,100 +1,168 @@
 #include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
-#include "integration/HeadlessRun.h"
+#include <QCoreApplication>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <regex>
+
+#include "integration/RunningProgram.h"
+#include "integration/ScreenReader.h"
 #include "integration/TestDesktop.h"
+#include "platform/TemporaryFolder.h"
+#include "services/HttpServer.h"
 
 namespace wattlark {
 namespace {
 
-// The program in its window, with a simulated meter, on a desktop.
-struct WindowRun : HeadlessRun {
+using Json = nlohmann::json;
+
+// The program in its window, with a simulated meter, on a desktop, and someone who reads the
+// screen.
+struct WindowRun : testing::Test {
+  TemporaryFolder folder;
+  std::string profile = folder.File("profile");
+  std::string device = folder.File("receiver");
   TestDesktop desktop;
+  int argc = 0;
+  QCoreApplication application{argc, nullptr};
+  ScreenReader reader;
+  RunningProgram sim{
+      {WATTLARK_SIM_PROGRAM, "--link", device, "--meter", "Kitchen:5:620", "--period", "0.5"}};
 
-  void SetUp() override { Simulate(); }
+  void SetUp() override {
+    ASSERT_TRUE(WaitUntil([&] { return std::filesystem::exists(device); })) << sim.Messages();
+  }
 
-  std::vector<std::string> Window(std::vector<std::string> options = {}) const {
-    options.insert(options.end(), {"--checkpoint", "1"});
-    return Command(std::move(options), WATTLARK_PROGRAM);
+  std::vector<std::string> Command(const char* program, std::vector<std::string> arguments) const {
+    arguments.insert(arguments.begin(), program);
+    arguments.insert(arguments.end(), {"--profile", profile});
+    return arguments;
   }
-  bool Measures(double since = 0) const {
-    return WaitUntil([&] { return KitchenEnergy() > since; });
+  std::vector<std::string> Window() const {
+    return Command(WATTLARK_PROGRAM, {"--device", device});
   }
-  bool Opens(const std::string& window) {
-    return WaitUntil([&] { return desktop.Shows(window); });
+  // What a command of the headless program prints.
+  std::string Run(std::vector<std::string> arguments) const {
+    RunningProgram command(Command(WATTLARK_HEADLESS_PROGRAM, std::move(arguments)));
+    EXPECT_EQ(command.Wait(), 0) << command.Messages();
+    return command.Output();
   }
-  bool Closes(const std::string& window) {
-    return WaitUntil([&] { return !desktop.Shows(window); });
-  }
-  void OpenFromTheMenu(const char* menu, const char* item, const std::string& window) {
-    desktop.Activate("Wattlark");
-    desktop.Press({menu, item});
-    ASSERT_TRUE(Opens(window));
-    desktop.Activate(window);
+  Json Kitchen() const { return Json::parse(Run({"meter", "list", "--json"})).at(0); }
+  double KitchenEnergy() const { return Kitchen().at("Usage").at("ToDate").get<double>(); }
+  /// Waits until the screen has a text of this form somewhere, and returns it. A text that was
+  /// there `before` does not count.
+  std::string Expect(const std::string& pattern, const std::string& before = "") {
+    std::string screen;
+    std::smatch found;
+    EXPECT_TRUE(WaitUntil([&] {
+      screen = reader.Screen();
+      return std::regex_search(screen, found, std::regex(pattern)) && found.str() != before;
+    })) << pattern
+        << " is not in:\n"
+        << screen;
+    return found.str();
   }
   void EndFromTheMenu(RunningProgram& program) {
     desktop.Activate("Wattlark");
-    desktop.Press({"alt+f", "x"});
-    EXPECT_TRUE(WaitUntil([&] {
-      desktop.Press({"alt+y"});  // to the question whether to end
-      return !program.IsRunning();
-    }));
+    desktop.Press("alt+f");
+    Expect("Exit");
+    desktop.Press("x");
+    Expect("Are you sure you want to exit Wattlark\\?");
+    EXPECT_TRUE(reader.Choose("Yes")) << reader.Screen();
     EXPECT_EQ(program.Wait(), 0) << program.Messages();
   }
 };
 
-TEST_F(WindowRun, RaisesAnAlarmHidesComesBackAndKeepsItsTotals) {
-  AddKitchen({"--alarm", "on", "--alarm-upper", "300", "--alarm-duration", "1"});
-  RunningProgram program(Window({"--device", device}));
-  EXPECT_TRUE(Opens("Alarm!")) << program.Messages();
+// What the simulated meter draws, give or take its drift and noise.
+constexpr const char* kReading = "(5[5-9]|6[0-9])[0-9]\\.[0-9] W\n";
+
+TEST_F(WindowRun, ShowsAMeterRaisesAnAlarmHidesComesBackAndKeepsItsTotals) {
+  Run({"meter", "add", "--name", "Kitchen", "--address", "5", "--alarm", "on", "--alarm-upper",
+       "300", "--alarm-duration", "1"});
+  RunningProgram program(Window());
+  Expect(kReading);
+  Expect("Alarm!");
+  Expect("Kitchen: Using (5[5-9]|6[0-9])[0-9]\\.[0-9] Watts");
+
   desktop.Activate("Wattlark");
-  desktop.Press({"alt+F4"});
-  EXPECT_TRUE(Closes("Wattlark"));
+  const char* const pageTexts[] = {"Recent values", "Since Reset", "Last Kill-A-Watt packet"};
+  for (const char* const text : pageTexts) {
+    desktop.Press("ctrl+Next");
+    Expect(text);
+  }
+  EXPECT_TRUE(WaitUntil([&] { return reader.Screen().find("Since Reset") == std::string::npos; }));
+
+  desktop.Press("alt+F4");
+  EXPECT_TRUE(WaitUntil([&] { return !desktop.Shows("Wattlark"); }));
   EXPECT_TRUE(program.IsRunning());
-  RunningProgram second(Window({"--device", device}));
+  RunningProgram second(Window());
   EXPECT_EQ(second.Wait(), 0) << second.Messages();
-  EXPECT_TRUE(Opens("Wattlark"));
+  EXPECT_TRUE(WaitUntil([&] { return desktop.Shows("Wattlark"); }));
+
   EndFromTheMenu(program);
   const double energy = KitchenEnergy();
   EXPECT_GT(energy, 0);
-  RunningProgram next(Window({"--device", device}));
-  EXPECT_TRUE(Measures(energy));
+  RunningProgram next(Window());
+  // The first reading of a run adds no energy.
+  Expect(kReading, Expect(kReading));
+  EndFromTheMenu(next);
+  EXPECT_GT(KitchenEnergy(), energy);
 }
 
 TEST_F(WindowRun, MeasuresWhileAnUpdateIsOfferedAndSavesACalibration) {
-  const auto server = OfferVersion9();
-  AddKitchen();
-  RunningProgram program(Window({"--device", device}));
-  EXPECT_TRUE(Opens("Software Update")) << program.Messages();
-  EXPECT_TRUE(Measures());
-  desktop.Activate("Software Update");
-  desktop.Press({"Escape"});
+  HttpServer server;
+  server.Handlers().Get("/version", [](const httplib::Request&, httplib::Response& response) {
+    response.set_content("9.0\r\n27 August 2010\r\nhttp://maker.example/setup\r\n", "text/plain");
+  });
+  server.Start();
+  Run({"meter", "add", "--name", "Kitchen", "--address", "5"});
+  Run({"setting", "set", "ServiceEndpoints/VersionFileURL", "http://" + server.Place("/version")});
+  RunningProgram program(Window());
+  Expect("A new version of Wattlark is available!");
+  Expect(kReading);
+  EXPECT_TRUE(reader.Choose("Skip This Version")) << reader.Screen();
   // The main window takes no keys before.
-  EXPECT_TRUE(Closes("Software Update"));
+  EXPECT_TRUE(WaitUntil([&] { return !desktop.Shows("Software Update"); }));
 
-  const std::string caption = "Calibrate Kill-A-Watt - Step ";
-  OpenFromTheMenu("alt+t", "c", caption + "1 of 3");
-  desktop.Press({"Down", "Return"});
-  EXPECT_TRUE(Opens(caption + "2 of 3"));
-  desktop.Press({"Return"});
-  EXPECT_TRUE(Opens(caption + "3 of 3"));
-  desktop.Press({"Return"});
-  EXPECT_TRUE(Closes(caption + "3 of 3"));
+  desktop.Activate("Wattlark");
+  desktop.Press("alt+t");
+  Expect("Calibrate Selected Kill-A-Watt");
+  desktop.Press("c");
+  Expect("1[0-9][0-9]\\.[0-9] Volts\n0\\.6 volts/bit");
+  desktop.Press("Down");
+  Expect("0\\.594 volts/bit");
+  for (const char* const next : {"498 counts", "0\\.0645161290322581 amps/bit"}) {
+    desktop.Press("Return");
+    Expect(next);
+  }
+  EXPECT_TRUE(reader.Choose("Save")) << reader.Screen();
   EndFromTheMenu(program);
   EXPECT_NEAR(Kitchen().at("VoltageScaler").get<double>(), 0.594, 1e-12);
 }
 
 TEST_F(WindowRun, GoesOnAtTheDeviceThatIsChosenInTheOptions) {
-  AddKitchen();
-  Run({"setting", "set", "PortDevices/COM3", receiver->Path()});  // which is silent
-  RunningProgram program(Window());
-  ASSERT_TRUE(Opens("Wattlark")) << program.Messages();
-  OpenFromTheMenu("alt+t", "o", "Options");
-  desktop.Press({"alt+e", "ctrl+a"});
-  desktop.Type(device);
-  desktop.Press({"Return"});
-  EXPECT_TRUE(Measures());
-  EXPECT_EQ(Run({"setting", "get", "PortDevices/COM3"}), device + "\n");
+  const std::string other = folder.File("other");
+  RunningProgram otherSim(
+      {WATTLARK_SIM_PROGRAM, "--link", other, "--meter", "Kitchen:5:200", "--period", "0.5"});
+  ASSERT_TRUE(WaitUntil([&] { return std::filesystem::exists(other); })) << otherSim.Messages();
+  Run({"meter", "add", "--name", "Kitchen", "--address", "5"});
+  Run({"setting", "set", "PortDevices/COM3", device});
+  RunningProgram program(Command(WATTLARK_PROGRAM, {}));
+  Expect(kReading);
+
+  desktop.Activate("Wattlark");
+  desktop.Press("alt+t");
+  Expect("Options\\.\\.\\.");
+  desktop.Press("o");
+  Expect("Show main window when Wattlark launches");
+  desktop.Press("alt+e");
+  desktop.Press("ctrl+a");
+  desktop.Type(other);
+  desktop.Press("Return");
+  Expect("\n(1[5-9]|2[0-4])[0-9]\\.[0-9]+ W\n");
   EndFromTheMenu(program);
+  EXPECT_EQ(Run({"setting", "get", "PortDevices/COM3"}), other + "\n");
 }
 
 }  // namespace
