@@ -169,19 +169,16 @@ class StoreContents {
     std::string_view changes = *unpacked;
     while (const auto change = TakeChange(changes)) {
       const auto rows = valueRows_.find(change->value);
-      // After one that did not fit, the next is made from other bytes, unless it keeps none.
-      if (rows == valueRows_.end() || (change->keep != 0 && misfits_.contains(change->value))) {
-        continue;
-      }
-      misfits_.erase(change->value);
+      // After one that did not fit, the next are made from other bytes.
+      if (rows == valueRows_.end() || misfits_.contains(change->value)) continue;
+      bool fits = false;
       for (ValueRow& changed : rows->second) {
-        if (IsContradicted(change->value, changed)) continue;
         if (auto after = change->Apply(changed.value.data)) {
           changed.value.data = std::move(*after);
-        } else {
-          misfits_.insert(change->value);
+          fits = true;
         }
       }
+      if (!fits) misfits_.insert(change->value);
     }
   }
 

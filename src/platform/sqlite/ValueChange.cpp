@@ -19,8 +19,9 @@ std::string_view AsText(std::span<const std::uint8_t> bytes) {
 
 /// Tells a change that was applied to other bytes than it was made from; damage to the record
 /// itself is found by zlib.
-std::uint16_t Checksum(std::string_view bytes) {
-  const uLong sum = crc32_z(0, reinterpret_cast<const Bytef*>(bytes.data()), bytes.size());
+std::uint16_t Checksum(std::string_view before, std::string_view after) {
+  uLong sum = crc32_z(0, reinterpret_cast<const Bytef*>(before.data()), before.size());
+  sum = crc32_z(sum, reinterpret_cast<const Bytef*>(after.data()), after.size());
   return static_cast<std::uint16_t>(sum);
 }
 
@@ -79,7 +80,7 @@ std::optional<std::vector<std::uint8_t>> ValueChange::Apply(
   if (drop > before.size() || keep > before.size() - drop) return std::nullopt;
   std::string after(AsText(before).substr(drop, keep));
   after += tail;
-  if (Checksum(after) != checksum) return std::nullopt;
+  if (Checksum(AsText(before), after) != checksum) return std::nullopt;
   return std::vector<std::uint8_t>(after.begin(), after.end());
 }
 
@@ -93,7 +94,7 @@ void AppendChange(std::int64_t value, std::span<const std::uint8_t> before,
   AppendNumber(overlap.keep, record);
   AppendNumber(tail.size(), record);
   record += tail;
-  const std::uint16_t checksum = Checksum(text);
+  const std::uint16_t checksum = Checksum(AsText(before), text);
   for (std::size_t i = 0; i < kChecksumBytes; ++i) {
     record += static_cast<char>(checksum >> (8 * i));
   }

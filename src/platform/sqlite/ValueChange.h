@@ -17,10 +17,10 @@ struct ValueChange {
   std::uint64_t drop = 0;
   std::uint64_t keep = 0;
   std::string_view tail;       ///< lives in the text that it was read from
-  std::uint16_t checksum = 0;  ///< of the new bytes
+  std::uint16_t checksum = 0;  ///< of the old bytes and the new ones
 
   /// The new bytes; nothing when `before` is not what the change was made from, as far as 16 bits
-  /// tell. A change that keeps nothing fits any bytes.
+  /// tell.
   std::optional<std::vector<std::uint8_t>> Apply(std::span<const std::uint8_t> before) const;
 };
 

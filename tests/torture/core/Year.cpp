@@ -1,5 +1,5 @@
 // Twenty meters, a frame of each every two seconds, through the program over a real store for a
-// simulated year: memory and store stay as large as they were after the first day, and every total
+// simulated year: memory and store stay as large as they were after the second day, and every total
 // is what an independent sum of the same frames gives.
 
 #include <malloc.h>
@@ -32,6 +32,9 @@ constexpr std::uint16_t kMeters = 20;
 constexpr int kVariants = 64;           ///< different frames of one meter
 constexpr std::int64_t kPeriod = 2000;  // ms
 constexpr int kSecondsOfDay = 86'400;
+// The store's log is at its longest after 144 saves: it nearly is at the end of the second day, and
+// no longer at the end of any other.
+constexpr int kSaveSeconds = 300;
 constexpr int kHeapMargin = 64 * 1024;
 constexpr int kResidentMargin = 1024 * 1024;
 
@@ -97,11 +100,11 @@ class SimulatedYear : public MonitorListener {
   SimulatedYear(const Arguments& arguments, const std::string& folder)
       : isBroken_(arguments.isBroken),
         folder_(folder),
-        days_(arguments.isLong ? 365 : 2),
+        days_(arguments.isLong ? 365 : 3),
         // In the short form every second frame is left out.
         period_(arguments.isLong ? kPeriod : 2 * kPeriod),
         store_(OpenStore(folder)),
-        run_(*store_.registry, kMeters, arguments.isLong ? 3600 : 7200, *this) {
+        run_(*store_.registry, kMeters, kSaveSeconds, *this) {
     run_.clock.now = At("2026-01-01T00:00:00");
     for (std::uint16_t address = 1; address <= kMeters; ++address) {
       MeterSettings settings;
@@ -114,14 +117,14 @@ class SimulatedYear : public MonitorListener {
 
   void Run(Verdict& verdict) {
     const auto start = std::chrono::steady_clock::now();
-    Sizes afterFirst;
+    Sizes afterSecond;
     for (int day = 1; day <= days_; ++day) {
       for (int second = 0; second < kSecondsOfDay; ++second) RunSecond();
       CheckDay(day, verdict);
       const Sizes sizes = Measure(folder_);
-      if (day == 1) afterFirst = sizes;
-      CheckSizes(day, sizes, afterFirst, verdict);
-      if (day == 1 || day % 30 == 0 || day == days_) {
+      if (day == 2) afterSecond = sizes;
+      if (day > 2) CheckSizes(day, sizes, afterSecond, verdict);
+      if (day <= 2 || day % 30 == 0 || day == days_) {
         const std::chrono::duration<double> wall = std::chrono::steady_clock::now() - start;
         std::printf("day %3d: %.0f s, heap %zu, resident %zu, store %ju bytes, difference %.1Le\n",
                     day, wall.count(), sizes.heap, sizes.resident, sizes.store, worst_);
@@ -192,12 +195,12 @@ class SimulatedYear : public MonitorListener {
   }
 
   /// The store keeps growing only until its series are full: a month's entries, then the year's.
-  void CheckSizes(int day, const Sizes& sizes, const Sizes& afterFirst, Verdict& verdict) const {
-    verdict.Require(sizes.heap <= afterFirst.heap + kHeapMargin,
+  void CheckSizes(int day, const Sizes& sizes, const Sizes& afterSecond, Verdict& verdict) const {
+    verdict.Require(sizes.heap <= afterSecond.heap + kHeapMargin,
                     [&] { return "day " + std::to_string(day) + ": the heap has grown"; });
-    verdict.Require(sizes.resident <= afterFirst.resident + kResidentMargin,
+    verdict.Require(sizes.resident <= afterSecond.resident + kResidentMargin,
                     [&] { return "day " + std::to_string(day) + ": the process has grown"; });
-    verdict.Require(sizes.store <= 2 * afterFirst.store,
+    verdict.Require(sizes.store <= 2 * afterSecond.store,
                     [&] { return "day " + std::to_string(day) + ": the store has grown"; });
   }
 
