@@ -9,7 +9,7 @@ namespace wattlark {
 
 namespace {
 
-constexpr std::size_t kLongestQuote = 64 * 1024;
+constexpr std::size_t kLongestQuote = std::size_t{64} * 1024;
 constexpr std::string_view kMask = "****";
 
 bool IsControl(char c) {
@@ -60,7 +60,7 @@ std::string MaskEveryForm(std::string text, const std::string& secret) {
   std::ranges::sort(forms, [](const std::string& a, const std::string& b) {
     return a.size() != b.size() ? a.size() > b.size() : a < b;
   });
-  forms.erase(std::ranges::unique(forms).begin(), forms.end());
+  forms.erase(std::unique(forms.begin(), forms.end()), forms.end());
   for (const std::string& form : forms) text = Mask(std::move(text), form);
   return text;
 }
