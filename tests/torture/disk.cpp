@@ -7,23 +7,14 @@
 #include <filesystem>
 #include <random>
 #include <set>
-#include <sstream>
 
-#include "app/Monitor.h"
-#include "cli/CommandLine.h"
 #include "platform/TemporaryFolder.h"
 #include "platform/sqlite/OpenStore.h"
 #include "platform/sqlite/OpenStoreCopy.h"
 #include "torture/CutPower.h"
 #include "torture/FaultyDisk.h"
+#include "torture/ScriptedMinute.h"
 #include "torture/Torture.h"
-#include "twins/Frames.h"
-#include "twins/HandClock.h"
-#include "twins/RecordingDesktop.h"
-#include "twins/RecordingListener.h"
-#include "twins/ScriptedPort.h"
-#include "twins/ScriptedPrompts.h"
-#include "twins/ScriptedRandom.h"
 
 namespace {
 
@@ -46,9 +37,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kCheckpointSeconds = 10;
 constexpr std::size_t kLongestWait = 17;  ///< a checkpoint, and five seconds to try again
-constexpr int kRunSeconds = 60;
 
 void Describe(Registry& registry, const std::string& path, std::string& text) {
   for (const auto& value : registry.Values(Hive::CurrentUser, path)) {
@@ -77,106 +66,6 @@ std::size_t MeterValues(const std::string& contents) {
   return count;
 }
 
-/// Plays the minute; `after` hears of each action once it is over.
-class Minute {
- public:
-  Minute(std::string profile, std::function<void()> after)
-      : profile_(std::move(profile)), after_(std::move(after)) {}
-
-  /// What users were told by commands and at starts, and in runs.
-  std::vector<std::string> answers;
-  std::vector<std::string> errors;
-
-  void Play() {
-    Command({"meter", "add", "--name", "Kitchen", "--address", "5"});
-    Command({"meter", "add", "--name", "Office", "--address", "6"});
-    Command({"meter", "add", "--name", "Attic", "--address", "7"});
-    RunMonitor(kRunSeconds);
-    Command({"meter", "remove", "Office"});
-    Command({"setting", "set", "BaudRate", "19200"});
-    RunMonitor(kCheckpointSeconds);
-  }
-
- private:
-  static Bytes Frame(std::uint16_t address, int second) {
-    std::vector<std::uint16_t> volts;
-    std::vector<std::uint16_t> amps;
-    for (int sample = 0; sample < 19; ++sample) {
-      const int swing = sample % 10 < 5 ? 1 : -1;
-      volts.push_back(static_cast<std::uint16_t>(512 + 200 * swing));
-      amps.push_back(static_cast<std::uint16_t>(498 + (20 + second) * swing));
-    }
-    return MeterFrame(address, volts, amps);
-  }
-
-  int TryCommand(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), {"wattlark", "--profile", profile_});
-    std::vector<char*> argv;
-    for (std::string& argument : arguments) argv.push_back(argument.data());
-    int argc = static_cast<int>(argv.size());
-    argv.push_back(nullptr);
-    std::istringstream in;
-    std::ostringstream out;
-    std::ostringstream told;
-    CommandEnvironment environment{in, out, told, RegionalSettings::UnitedStates()};
-    const int status = RunCommandLine(argc, argv.data(), {}, environment);
-    if (!told.str().empty()) answers.push_back(told.str());
-    after_();
-    return status;
-  }
-  /// Again when it is refused, as a user would.
-  void Command(const std::vector<std::string>& arguments) {
-    for (int attempt = 0; attempt < kPatience && TryCommand(arguments) != 0; ++attempt) {
-    }
-  }
-
-  void RunMonitor(int seconds) {
-    StoreOpening opening = OpenStore(profile_, 0);
-    for (int attempt = 0; attempt < kPatience && !opening.savesChanges; ++attempt) {
-      answers.push_back(opening.message);
-      opening = OpenStore(profile_, 0);
-    }
-    if (!opening.message.empty()) throw std::runtime_error(opening.message);
-    ScriptedPort port;
-    ScriptedRandom random{};
-    RecordingDesktop desktop;
-    ScriptedPrompts prompts;
-    RecordingListener listener;
-    Monitor::Options options{"log.csv", "notice.wav"};
-    options.checkpointSeconds = kCheckpointSeconds;
-    Monitor monitor({clock_, port, *opening.registry, random, desktop, prompts},
-                    RegionalSettings::UnitedStates(), options, listener);
-    if (!monitor.Load()) throw std::runtime_error("the profile could not be loaded");
-    monitor.StartRunning();
-    after_();
-    for (int second = 0; second < seconds; ++second) {
-      clock_.Advance(1000);
-      for (const std::uint16_t address : std::initializer_list<std::uint16_t>{5, 6, 7}) {
-        port.waiting = Frame(address, second);
-        monitor.ReceiveXBeeData();
-      }
-      monitor.UpdateCycle();
-      after_();
-    }
-    // What fails for a while is over at the end: a run that ends before has lost what it says.
-    bool isSaved = monitor.Unload();
-    for (int attempt = 0; attempt < kPatience && !isSaved; ++attempt) {
-      isSaved = monitor.SaveEverything();
-    }
-    if (!isSaved) listener.errors.emplace_back("not saved");
-    for (const auto& error : listener.errors) errors.push_back(error);
-    for (const auto& message : prompts.asked) errors.push_back(message.text);
-    opening.registry.reset();
-    after_();
-  }
-
-  static constexpr int kPatience = 100;
-
-  std::string profile_;
-  std::function<void()> after_;
-  HandClock clock_;
-};
-
 /// What the store holds after each action of an undisturbed minute.
 struct Course {
   std::vector<std::string> states;
@@ -191,7 +80,7 @@ class DiskTorture {
     disk_.dropsSyncs = torture.isBroken;
     const std::string profile = folder_.File("undisturbed");
     disk_.FailFrom(0, 0, FaultyDisk::Fault::IOError);
-    Minute minute(profile, [&] {
+    ScriptedMinute minute(profile, [&] {
       course_.states.push_back(Look(profile));
       course_.ends.push_back(disk_.log.size());
     });
@@ -306,7 +195,7 @@ class DiskTorture {
     std::string last;
     std::size_t waited = 0;
     std::size_t operations = 0;
-    Minute minute(profile, [&] {
+    ScriptedMinute minute(profile, [&] {
       // Without an operation the store is as it was.
       const bool isChanged = disk_.Operations() != operations;
       operations = disk_.Operations();
