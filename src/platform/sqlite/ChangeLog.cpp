@@ -143,7 +143,8 @@ void ChangeLog::Note(std::int64_t value, std::span<const std::uint8_t> before, c
 
 int ChangeLog::Store() {
   if (noted_.empty()) return SQLITE_OK;
-  if (recordCount_ >= kMostRecords || byteCount_ >= kMostBytes || noted_.size() > kMostBytes) {
+  if (recordCount_ >= kMostRecords || byteCount_ >= kMostBytes || noted_.size() > kMostBytes ||
+      unpackedCount_ + noted_.size() > kMostUnpacked) {
     return Fold();
   }
   const std::string record = PackChanges(noted_);
@@ -152,6 +153,7 @@ int ChangeLog::Store() {
   if (result == SQLITE_OK && sqlite3_changes(database_->Handle()) != 1) return SQLITE_CORRUPT;
   ++recordCount_;
   byteCount_ += record.size();
+  unpackedCount_ += noted_.size();
   noted_.clear();
   return result;
 }
@@ -174,6 +176,7 @@ int ChangeLog::Fold() {
   noted_.clear();
   recordCount_ = 0;
   byteCount_ = 0;
+  unpackedCount_ = 0;
   return SQLITE_OK;
 }
 

@@ -69,8 +69,8 @@ class ChangeLog {
   std::string noted_;
   std::size_t recordCount_ = 0;
   std::size_t byteCount_ = 0;
-  std::int64_t seenVersion_ = 0;
   std::size_t unpackedCount_ = 0;
+  std::int64_t seenVersion_ = 0;
   bool isStale_ = true;   ///< to be read again
   bool isDirty_ = false;  ///< the transaction has changed it
 };
