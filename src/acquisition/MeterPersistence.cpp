@@ -122,7 +122,8 @@ bool clsKillAWatt::LoadSettings(const modRegistry& store, const StoreText& text,
 
 bool clsKillAWatt::SaveSettings(modRegistry& store, const StoreText& text,
                                 const std::string& section, SaveExtent extent) const {
-  const bool isSending =
+  const bool leavesOutMinute =
+      extent == SaveExtent::Progress &&
       store.GetAppSetting("", section, "Timestamp", "") != text.FromDateTime(Timestamp());
   bool saved = true;
   const auto save = [&](const std::string& name, const std::string& value) {
@@ -147,7 +148,7 @@ bool clsKillAWatt::SaveSettings(modRegistry& store, const StoreText& text,
   const MeterStatistics& statistics = statistics_;
   const auto saveRecent = [&](const char* prefix, auto series) {
     for (int i = 0; i < IntervalCount; ++i) {
-      const bool isOut = extent == SaveExtent::Progress && isSending && i == Minute;
+      const bool isOut = leavesOutMinute && i == Minute;
       save(std::string(prefix) + kIntervalNames[static_cast<std::size_t>(i)],
            isOut ? std::string() : JoinSeries(series(i)));
     }

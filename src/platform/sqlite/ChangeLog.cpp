@@ -12,10 +12,6 @@ namespace {
 /// More than a log of ours comes to: a crafted one must not ask for all memory.
 constexpr std::size_t kMostUnpacked = std::size_t{1} << 26;
 
-std::string_view AsText(std::span<const std::uint8_t> bytes) {
-  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
 /// Runs a statement without rows.
 int Run(SqliteStatement& statement) {
   const int result = statement.Step();
@@ -39,22 +35,16 @@ int ChangeLog::Attach(SqliteDatabase& database) {
   if (found != SQLITE_ROW) return found;
   if (generation.Integer(0) != 1 || generation.Integer(1) != 1) return SQLITE_CORRUPT;
   database_ = &database;
-  struct Text {
-    SqliteStatement& statement;
-    const char* sql;
-  };
-  const Text texts[] = {
-      {version_, "PRAGMA data_version"},
-      {records_, "SELECT changes FROM change ORDER BY id"},
-      {row_, "SELECT data FROM value WHERE id = ?1"},
-      {append_, "INSERT INTO change(generation, changes) SELECT number, ?1 FROM generation"},
-      {update_, "UPDATE value SET data = ?2 WHERE id = ?1"},
-  };
-  for (const Text& text : texts) {
-    const int result = text.statement.Prepare(database, text.sql);
-    if (result != SQLITE_OK) return result;
-  }
-  return Refresh();
+  const int prepared = PrepareAll(
+      database,
+      {
+          {version_, "PRAGMA data_version"},
+          {records_, "SELECT changes FROM change ORDER BY id"},
+          {row_, "SELECT data FROM value WHERE id = ?1"},
+          {append_, "INSERT INTO change(generation, changes) SELECT number, ?1 FROM generation"},
+          {update_, "UPDATE value SET data = ?2 WHERE id = ?1"},
+      });
+  return prepared == SQLITE_OK ? Refresh() : prepared;
 }
 
 int ChangeLog::Refresh() {

@@ -109,4 +109,12 @@ std::span<const std::uint8_t> SqliteStatement::Bytes(int column) const {
   return {static_cast<const std::uint8_t*>(data), static_cast<std::size_t>(size)};
 }
 
+int PrepareAll(const SqliteDatabase& database, std::initializer_list<StatementText> texts) {
+  for (const StatementText& text : texts) {
+    const int result = text.statement.Prepare(database, text.sql);
+    if (result != SQLITE_OK) return result;
+  }
+  return SQLITE_OK;
+}
+
 }  // namespace wattlark

@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include <cstdint>
+#include <initializer_list>
 #include <memory>
 #include <span>
 #include <string>
@@ -63,6 +64,13 @@ class SqliteStatement {
   };
   std::unique_ptr<sqlite3_stmt, Finalizer> statement_;
 };
+
+struct StatementText {
+  SqliteStatement& statement;
+  const char* sql;
+};
+/// Prepares each of them; the result is that of the first one that fails.
+int PrepareAll(const SqliteDatabase& database, std::initializer_list<StatementText> texts);
 
 /// Resets a statement at the end of its scope, so that it holds no lock of the file beyond.
 class StatementScope {

@@ -50,36 +50,29 @@ int CreateStoreTables(SqliteDatabase& database) {
 }
 
 int StoreStatements::Prepare(const SqliteDatabase& database) {
-  struct Text {
-    SqliteStatement& statement;
-    const char* sql;
-  };
-  const Text texts[] = {
-      {findKey, "SELECT id FROM key WHERE hive = ?1 AND folded = ?2"},
-      {insertKey, "INSERT INTO key(hive, parent, folded, path) VALUES(?1, ?2, ?3, ?4)"},
-      {findSubKey, "SELECT id FROM key WHERE hive = ?1 AND parent = ?2 LIMIT 1"},
-      {subKeys, "SELECT path FROM key WHERE hive = ?1 AND parent = ?2 ORDER BY id"},
-      {deleteKey, "DELETE FROM key WHERE id = ?1"},
-      {deleteKeyValues, "DELETE FROM value WHERE key = ?1"},
-      {readValue,
-       "SELECT value.id, value.type, value.data FROM key JOIN value ON value.key = key.id"
-       " WHERE key.hive = ?1 AND key.folded = ?2 AND value.folded = ?3"},
-      {readKey,
-       "SELECT value.id, value.type, value.data, value.folded"
-       " FROM key JOIN value ON value.key = key.id"
-       " WHERE key.hive = ?1 AND key.folded = ?2 ORDER BY value.id"},
-      {findValue, "SELECT id, type, data FROM value WHERE key = ?1 AND folded = ?2"},
-      {writeValue,
-       "INSERT INTO value(key, folded, name, type, data) VALUES(?1, ?2, ?3, ?4, ?5)"
-       " ON CONFLICT(key, folded) DO UPDATE SET type = excluded.type, data = excluded.data"},
-      {deleteValue, "DELETE FROM value WHERE id = ?1"},
-      {values, "SELECT id, type, data, name FROM value WHERE key = ?1 ORDER BY id"},
-  };
-  for (const Text& text : texts) {
-    const int result = text.statement.Prepare(database, text.sql);
-    if (result != SQLITE_OK) return result;
-  }
-  return SQLITE_OK;
+  return PrepareAll(
+      database,
+      {
+          {findKey, "SELECT id FROM key WHERE hive = ?1 AND folded = ?2"},
+          {insertKey, "INSERT INTO key(hive, parent, folded, path) VALUES(?1, ?2, ?3, ?4)"},
+          {findSubKey, "SELECT id FROM key WHERE hive = ?1 AND parent = ?2 LIMIT 1"},
+          {subKeys, "SELECT path FROM key WHERE hive = ?1 AND parent = ?2 ORDER BY id"},
+          {deleteKey, "DELETE FROM key WHERE id = ?1"},
+          {deleteKeyValues, "DELETE FROM value WHERE key = ?1"},
+          {readValue,
+           "SELECT value.id, value.type, value.data FROM key JOIN value ON value.key = key.id"
+           " WHERE key.hive = ?1 AND key.folded = ?2 AND value.folded = ?3"},
+          {readKey,
+           "SELECT value.id, value.type, value.data, value.folded"
+           " FROM key JOIN value ON value.key = key.id"
+           " WHERE key.hive = ?1 AND key.folded = ?2 ORDER BY value.id"},
+          {findValue, "SELECT id, type, data FROM value WHERE key = ?1 AND folded = ?2"},
+          {writeValue,
+           "INSERT INTO value(key, folded, name, type, data) VALUES(?1, ?2, ?3, ?4, ?5)"
+           " ON CONFLICT(key, folded) DO UPDATE SET type = excluded.type, data = excluded.data"},
+          {deleteValue, "DELETE FROM value WHERE id = ?1"},
+          {values, "SELECT id, type, data, name FROM value WHERE key = ?1 ORDER BY id"},
+      });
 }
 
 }  // namespace wattlark

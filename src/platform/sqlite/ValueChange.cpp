@@ -13,10 +13,6 @@ namespace {
 constexpr std::size_t kChecksumBytes = 2;
 constexpr std::uint64_t kMostUnpacked = std::uint64_t{1} << 22;
 
-std::string_view AsText(std::span<const std::uint8_t> bytes) {
-  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
 /// Tells a change that was applied to other bytes than it was made from; damage to the record
 /// itself is found by zlib.
 std::uint16_t Checksum(std::string_view before, std::string_view after) {

@@ -9,6 +9,10 @@
 
 namespace wattlark {
 
+inline std::string_view AsText(std::span<const std::uint8_t> bytes) {
+  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
 /// How the bytes of one stored value changed: the new ones are `keep` of the old ones from `drop`
 /// on, then `tail`. A series that moved on by some entries, or whose newest entry changed, is a few
 /// dozen bytes instead of a thousand.
