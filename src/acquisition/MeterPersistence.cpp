@@ -1,11 +1,12 @@
 // Storing and loading of a meter: one table of values, in the order in which both directions handle
 // them.
 
-#include <algorithm>
 #include <array>
 #include <limits>
 #include <optional>
-#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
 
 #include "acquisition/clsKillAWatt.h"
 #include "config/StoreText.h"
@@ -28,15 +29,17 @@ class Reader {
   Reader(const modRegistry& store, const StoreText& text, const std::string& section,
          std::vector<UnreadableValue>* unreadable)
       : text_(text), unreadable_(unreadable) {
-    store.EnumStringValues(Hive::CurrentUser, modRegistry::AppKeyPath("", section), names_, texts_);
-    for (std::string& name : names_) name = FoldCase(name);
+    std::vector<std::string> names;
+    std::vector<std::string> texts;
+    store.EnumStringValues(Hive::CurrentUser, modRegistry::AppKeyPath("", section), names, texts);
+    for (std::size_t i = 0; i < names.size(); ++i) {
+      texts_.emplace(FoldCase(names[i]), std::move(texts[i]));
+    }
   }
 
   std::string Text(const std::string& name, const std::string& present) const {
-    const auto found = std::ranges::find(names_, FoldCase(name));
-    if (found == names_.end()) return present;
-    const std::string& stored = texts_[static_cast<std::size_t>(found - names_.begin())];
-    return stored.empty() ? present : stored;
+    const auto found = texts_.find(FoldCase(name));
+    return found == texts_.end() || found->second.empty() ? present : found->second;
   }
 
   template <typename Convert, typename Assign>
@@ -76,8 +79,7 @@ class Reader {
  private:
   const StoreText& text_;
   std::vector<UnreadableValue>* unreadable_;
-  std::vector<std::string> names_;
-  std::vector<std::string> texts_;
+  std::unordered_map<std::string, std::string> texts_;  ///< by folded name
 };
 
 }  // namespace

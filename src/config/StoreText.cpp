@@ -83,6 +83,9 @@ bool IsDigit(char c) {
 
 }  // namespace
 
+StoreText::StoreText(const RegionalSettings& regional)
+    : regional_(regional), midnight_(FormatLongTime(regional, DateTime::FromMilliseconds(0))) {}
+
 StoreText StoreText::Load(const modRegistry& store, const RegionalSettings& regional) {
   const StoreText text(RecordedForm(store).value_or(regional));
   // A form that does not read back what it writes would lose every date-time at the next start.
@@ -133,7 +136,7 @@ std::optional<DateTime> StoreText::ToDateTime(std::string_view text) const {
   text = Trim(text);
   if (text.empty() || text == "0") return DateTime();
   // The date 0 of older stores is written as its time alone.
-  if (text == FormatLongTime(regional_, DateTime::FromMilliseconds(0))) return DateTime();
+  if (text == midnight_) return DateTime();
   if (text.size() > 4 && text[text.size() - 4] == '.' &&
       std::all_of(text.end() - 3, text.end(), IsDigit)) {
     const std::string_view digits = text.substr(text.size() - 3);

@@ -21,7 +21,7 @@ class modRegistry;
 /// November. A store without that record is read and written in the user's present form.
 class StoreText {
  public:
-  explicit StoreText(const RegionalSettings& regional) : regional_(regional) {}
+  explicit StoreText(const RegionalSettings& regional);
 
   /// The form recorded in the store, else `regional`.
   static StoreText Load(const modRegistry& store, const RegionalSettings& regional);
@@ -43,6 +43,7 @@ class StoreText {
 
  private:
   RegionalSettings regional_;
+  std::string midnight_;  ///< the time of the date 0
 };
 
 }  // namespace wattlark

@@ -40,7 +40,10 @@ struct FirstStartWindow : MainWindowTest {
     guide.reset();
     MainWindowTest::TearDown();
   }
-  bool Shows(const QString& name) const { return Control(name).isVisible(); }
+  bool Shows(const QString& name) const {
+    const auto* control = window->findChild<QWidget*>(name);
+    return control != nullptr && control->isVisible();
+  }
   void ClickOn(const QString& name) const { QTest::mouseClick(&Control(name), Qt::LeftButton); }
   void Hear(std::uint16_t address) {
     port.waiting = MeterFrame(address, {700, 300}, {498, 530});

@@ -145,17 +145,17 @@ QFont FitLabel::FittedFont() const {
 }
 
 QSize FitLabel::sizeHint() const {
-  const QFont full = FullFont();
+  // The largest one takes whatever width it is given.
+  const double width = size_ == Size::Largest ? 0 : WidthOf(Pieces(text(), FullFont(), false));
   const QMargins margins = contentsMargins();
-  const int height =
-      size_ == Size::Largest ? kLeastLargestHeight : qCeil(QFontMetricsF(full).height());
-  const double width = WidthOf(Pieces(text(), full, size_ == Size::Largest));
-  return {qCeil(width) + margins.left() + margins.right(),
-          height + margins.top() + margins.bottom()};
+  return {qCeil(width) + margins.left() + margins.right(), minimumSizeHint().height()};
 }
 
 QSize FitLabel::minimumSizeHint() const {
-  return {0, sizeHint().height()};
+  const int height =
+      size_ == Size::Largest ? kLeastLargestHeight : qCeil(QFontMetricsF(FullFont()).height());
+  const QMargins margins = contentsMargins();
+  return {0, height + margins.top() + margins.bottom()};
 }
 
 void FitLabel::paintEvent(QPaintEvent* /*event*/) {

@@ -7,6 +7,7 @@
 #include <QStyleOptionFocusRect>
 #include <QVBoxLayout>
 
+#include "app/forms/TabOrder.h"
 #include "platform/qtwidgets/Icons.h"
 #include "platform/qtwidgets/Theme.h"
 
@@ -27,11 +28,9 @@ QLabel* CentredLabel(QWidget* parent) {
 
 }  // namespace
 
-MainArea::MainArea(QWidget* content, QWidget* guide, QWidget* parent)
-    : QWidget(parent), content_(content) {
+MainArea::MainArea(QWidget* content, QWidget* parent) : QWidget(parent), content_(content) {
   setObjectName("elaWindow");
   message_ = new QWidget(this);
-  if (guide != nullptr) guideArea_ = MakeGuideArea(guide);
   picture_ = CentredLabel(message_);
   first_ = CentredLabel(message_);
   second_ = CentredLabel(message_);
@@ -53,23 +52,24 @@ MainArea::MainArea(QWidget* content, QWidget* guide, QWidget* parent)
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(content_);
   layout->addWidget(message_);
-  if (guideArea_ != nullptr) layout->addWidget(guideArea_, 1);
   message_->hide();
-  SetColors();
 }
 
 // Large fonts and many devices may need more room than the window has.
-QScrollArea* MainArea::MakeGuideArea(QWidget* guide) {
-  auto* area = new QScrollArea(this);
-  area->setFrameShape(QFrame::NoFrame);
-  area->setWidgetResizable(true);
-  area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-  area->setFocusPolicy(Qt::NoFocus);
-  area->setWidget(guide);
-  area->viewport()->setAutoFillBackground(false);
-  guide->setAutoFillBackground(false);
-  area->hide();
-  return area;
+void MainArea::SetGuide(QWidget& guide) {
+  guideArea_ = new QScrollArea(this);
+  guideArea_->setFrameShape(QFrame::NoFrame);
+  guideArea_->setWidgetResizable(true);
+  guideArea_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  guideArea_->setFocusPolicy(Qt::NoFocus);
+  guideArea_->setWidget(&guide);
+  guideArea_->viewport()->setAutoFillBackground(false);
+  guide.setAutoFillBackground(false);
+  guideArea_->hide();
+  static_cast<QVBoxLayout*>(layout())->addWidget(guideArea_, 1);
+  if (const auto others = TabOrderWithin(*content_); !others.empty()) {
+    PlaceInTabOrder(*guideArea_, *others.back());
+  }
 }
 
 void MainArea::SetCaption(const QString& caption, bool showsGuide) {
@@ -82,6 +82,7 @@ void MainArea::SetCaption(const QString& caption, bool showsGuide) {
   const QStringList lines = QString(caption).remove('\r').split('\n');
   first_->setText(lines.value(0));
   second_->setText(lines.value(1));
+  if (!caption.isEmpty()) SetColors();
   setAccessibleName(QString(caption).replace("\r\n", " "));
   setFocusPolicy(caption.isEmpty() ? Qt::NoFocus : Qt::StrongFocus);
   content_->setVisible(caption.isEmpty());
@@ -129,7 +130,7 @@ void MainArea::paintEvent(QPaintEvent*) {
 
 void MainArea::changeEvent(QEvent* event) {
   QWidget::changeEvent(event);
-  if (event->type() == QEvent::PaletteChange && message_ != nullptr) SetColors();
+  if (event->type() == QEvent::PaletteChange && !caption_.isEmpty()) SetColors();
 }
 
 }  // namespace wattlark

@@ -14,9 +14,11 @@ class MainArea : public QWidget {
   Q_OBJECT
 
  public:
-  /// `content` and `guide`, which may be null, become children.
-  explicit MainArea(QWidget* content, QWidget* guide = nullptr, QWidget* parent = nullptr);
+  /// `content` becomes a child.
+  explicit MainArea(QWidget* content, QWidget* parent = nullptr);
 
+  /// The guide, which becomes a child, stays hidden until a caption shows it. At most once.
+  void SetGuide(QWidget& guide);
   /// An empty caption shows the content.
   void SetCaption(const QString& caption, bool showsGuide = false);
   QString Caption() const { return caption_; }
@@ -34,7 +36,6 @@ class MainArea : public QWidget {
 
  private:
   void SetColors();
-  QScrollArea* MakeGuideArea(QWidget* guide);
 
   QWidget* content_;
   QScrollArea* guideArea_ = nullptr;

@@ -6,6 +6,8 @@
 #include <cmath>
 #include <utility>
 
+#include "app/forms/TabOrder.h"
+
 namespace wattlark {
 
 namespace {
@@ -17,7 +19,6 @@ constexpr int kLongestSlide = 250;  // ms
 PageStrip::PageStrip(std::vector<Page> pages, QWidget* parent)
     : QWidget(parent), pages_(std::move(pages)) {
   setObjectName("elaScroller");
-  for (const Page& page : pages_) page.widget->setParent(this);
   slide_.setEasingCurve(QEasingCurve::InOutQuad);
   connect(&slide_, &QVariantAnimation::valueChanged, this, [this](const QVariant& value) {
     offset_ = value.toDouble();
@@ -56,9 +57,34 @@ void PageStrip::ShowPage(int page) {
   emit PageShown(currentPage_);
 }
 
+QWidget& PageStrip::PageWidget(int page) {
+  const auto found = pages_.begin() + (page - 1);
+  if (found->widget == nullptr) {
+    found->widget = found->make(this);
+    found->widget->hide();
+    QWidget* before = nullptr;
+    for (auto earlier = pages_.begin(); earlier != found; ++earlier) {
+      if (earlier->widget == nullptr) continue;
+      if (const auto controls = TabOrderWithin(*earlier->widget); !controls.empty()) {
+        before = controls.back();
+      }
+    }
+    if (before != nullptr) PlaceInTabOrder(*found->widget, *before);
+    PlacePages();
+    updateGeometry();
+  }
+  return *found->widget;
+}
+
+void PageStrip::MakePages() {
+  for (int page = 1; page <= PageCount(); ++page) PageWidget(page);
+}
+
 void PageStrip::RefreshPages() {
   for (const Page& page : pages_) {
-    if (!page.widget->isHidden()) page.refresh();
+    if (page.widget != nullptr && !page.widget->isHidden() && page.refresh) {
+      page.refresh(*page.widget);
+    }
   }
 }
 
@@ -69,9 +95,12 @@ int PageStrip::SlideMilliseconds() const {
 }
 
 void PageStrip::PlacePages() {
-  for (int page = 1; page <= PageCount(); ++page) {
-    const double left = (page - 1 - offset_) * width();
-    PageWidget(page).setGeometry(static_cast<int>(std::lround(left)), 0, width(), height());
+  for (int page = 0; page < PageCount(); ++page) {
+    QWidget* widget = pages_[static_cast<std::size_t>(page)].widget;
+    const double left = (page - offset_) * width();
+    if (widget != nullptr) {
+      widget->setGeometry(static_cast<int>(std::lround(left)), 0, width(), height());
+    }
   }
 }
 
@@ -79,32 +108,35 @@ void PageStrip::PlacePages() {
 void PageStrip::EndSlide() {
   offset_ = currentPage_ - 1;
   PlacePages();
-  for (int page = 1; page <= PageCount(); ++page) {
-    PageWidget(page).setVisible(page == currentPage_);
+  QWidget& current = PageWidget(currentPage_);
+  for (const Page& page : pages_) {
+    if (page.widget != nullptr) page.widget->setVisible(page.widget == &current);
   }
 }
 
 void PageStrip::MoveFocus(QWidget& from, QWidget& to) {
   const QWidget* focus = window()->focusWidget();
   if (focus == nullptr || !from.isAncestorOf(focus)) return;
-  for (QWidget* next = to.nextInFocusChain(); next != &to; next = next->nextInFocusChain()) {
-    const bool takesFocus = (next->focusPolicy() & Qt::TabFocus) != 0 && next->isEnabled();
-    if (takesFocus && to.isAncestorOf(next)) {
-      next->setFocus(Qt::OtherFocusReason);
-      return;
-    }
+  for (QWidget* control : TabOrderWithin(to)) {
+    if ((control->focusPolicy() & Qt::TabFocus) == 0 || !control->isEnabled()) continue;
+    control->setFocus(Qt::OtherFocusReason);
+    return;
   }
 }
 
 QSize PageStrip::sizeHint() const {
   QSize size;
-  for (const Page& page : pages_) size = size.expandedTo(page.widget->sizeHint());
+  for (const Page& page : pages_) {
+    if (page.widget != nullptr) size = size.expandedTo(page.widget->sizeHint());
+  }
   return size;
 }
 
 QSize PageStrip::minimumSizeHint() const {
   QSize size;
-  for (const Page& page : pages_) size = size.expandedTo(page.widget->minimumSizeHint());
+  for (const Page& page : pages_) {
+    if (page.widget != nullptr) size = size.expandedTo(page.widget->minimumSizeHint());
+  }
   return size;
 }
 

@@ -8,14 +8,16 @@
 namespace wattlark {
 
 /// The strip `elaScroller`: pages side by side, of which one is shown. Changing to another slides
-/// the strip past, in the background and within 300 ms.
+/// the strip past, in the background and within 300 ms. A page is made when it is first needed: a
+/// start does not wait for those that are out of sight.
 class PageStrip : public QWidget {
   Q_OBJECT
 
  public:
   struct Page {
-    QWidget* widget;  ///< becomes a child
-    std::function<void()> refresh;
+    std::function<QWidget*(QWidget* parent)> make;  ///< called once
+    std::function<void(QWidget& page)> refresh = {};
+    QWidget* widget = nullptr;  ///< null until it is made
   };
 
   explicit PageStrip(std::vector<Page> pages, QWidget* parent = nullptr);
@@ -26,6 +28,8 @@ class PageStrip : public QWidget {
   int CurrentPage() const { return currentPage_; }
   /// A page outside of the strip gives the nearest one.
   void ShowPage(int page);
+  /// Makes the pages that were not needed yet.
+  void MakePages();
   /// Refreshes whatever page is to be seen.
   void RefreshPages();
 
@@ -39,7 +43,7 @@ class PageStrip : public QWidget {
   void resizeEvent(QResizeEvent* event) override;
 
  private:
-  QWidget& PageWidget(int page) const { return *pages_[static_cast<std::size_t>(page - 1)].widget; }
+  QWidget& PageWidget(int page);
   void PlacePages();
   void EndSlide();
   void MoveFocus(QWidget& from, QWidget& to);

@@ -54,12 +54,12 @@ class SelectorGroup::Button : public QPushButton {
 
   QSize sizeHint() const override {
     const int picture = picture_.isEmpty() ? 0 : kIcon + kIconGap;
-    return {TextWidth() + picture + 2 * kPadding, minimumSizeHint().height()};
+    return {text_.width() + picture + 2 * kPadding, minimumSizeHint().height()};
   }
 
   QSize minimumSizeHint() const override {
-    return {TextWidth() + 2 * kLeastPadding,
-            std::max(kHeight, QFontMetrics(TextFont(true)).height() + 2 * kLeastPadding)};
+    return {text_.width() + 2 * kLeastPadding,
+            std::max(kHeight, text_.height() + 2 * kLeastPadding)};
   }
 
  protected:
@@ -83,8 +83,13 @@ class SelectorGroup::Button : public QPushButton {
     icon_ = TintedIcon(picture_, {theme_.mutedText, theme_.accent, theme_.hairline});
   }
 
-  // The policy that makes all buttons of a row equally wide knows no least width of its own.
-  void KeepReadable() { setMinimumWidth(minimumSizeHint().width()); }
+  void KeepReadable() {
+    // In the wider, bold form whether selected or not, so that a choice moves nothing.
+    const QFontMetrics metrics(TextFont(true));
+    text_ = {metrics.horizontalAdvance(text()), metrics.height()};
+    // The policy that makes all buttons of a row equally wide knows no least width of its own.
+    setMinimumWidth(minimumSizeHint().width());
+  }
 
   QFont TextFont(bool selected) const {
     QFont small = font();
@@ -92,9 +97,6 @@ class SelectorGroup::Button : public QPushButton {
     small.setWeight(selected ? QFont::Bold : QFont::Normal);
     return small;
   }
-
-  // In the wider, bold form whether selected or not, so that a choice moves nothing.
-  int TextWidth() const { return QFontMetrics(TextFont(true)).horizontalAdvance(text()); }
 
   void PaintGround(QPainter& painter) const {
     const double pen = isChecked() ? 2 : 1;
@@ -130,6 +132,7 @@ class SelectorGroup::Button : public QPushButton {
   QString picture_;
   Theme theme_{};
   QIcon icon_;
+  QSize text_;  ///< the room that it takes, in pixels
   bool showsPicture_ = true;
 };
 

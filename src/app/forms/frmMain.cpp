@@ -16,6 +16,7 @@ namespace {
 constexpr const char* kWindowName = "frmMain";
 constexpr QSize kFirstSize(360, 520);
 constexpr int kUpdateMilliseconds = 1000;
+constexpr int kUnhurriedMilliseconds = 300;
 constexpr int kSessionEndMilliseconds = 30000;
 constexpr int kTicksBetweenLooks = 5;
 constexpr int kSaveButton = 2;  // of the information window
@@ -166,8 +167,14 @@ bool frmMain::OnSave(modRegistry& store) {
 void frmMain::UpdateStatus() {
   if (!IsOnScreen()) return;
   std::optional<FirstStartView> guide;
-  if (firstStartPanel_ != nullptr) guide = options_.firstStart->View();
-  if (guide) firstStartPanel_->Show(*guide);
+  if (options_.firstStart != nullptr) guide = options_.firstStart->View();
+  if (guide) {
+    if (firstStartPanel_ == nullptr) {
+      firstStartPanel_ = MakeFirstStartPanel();
+      elaWindow_->SetGuide(*firstStartPanel_);
+    }
+    firstStartPanel_->Show(*guide);
+  }
   elaWindow_->SetCaption(QString::fromStdString(ports_.monitor.MainAreaText()), guide.has_value());
   if (elaWindow_->Caption().isEmpty()) elaScroller_->RefreshPages();
   sbStatusBar_->Refresh();
@@ -280,6 +287,8 @@ void frmMain::changeEvent(QEvent* event) {
 void frmMain::showEvent(QShowEvent* event) {
   QMainWindow::showEvent(event);
   UpdateStatus();
+  // In a quiet moment, so that the first step to another page does not wait for it either.
+  QTimer::singleShot(kUnhurriedMilliseconds, elaScroller_, &PageStrip::MakePages);
 }
 
 }  // namespace wattlark

@@ -4,6 +4,7 @@
 #include <QTimer>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "app/FirstStart.h"
 #include "app/MeterActions.h"
@@ -91,6 +92,7 @@ class frmMain : public QMainWindow, public MonitorListener {
 
  private:
   void BuildContent();
+  std::vector<PageStrip::Page> Pages();
   void BuildShortcuts();
   MenuActions Actions(MenuActions features);
   void UpdateStatus();

@@ -1,5 +1,6 @@
 #include <QShortcut>
 #include <QVBoxLayout>
+#include <type_traits>
 
 #include "app/HelpActions.h"
 #include "app/WebPublishers.h"
@@ -15,15 +16,7 @@ void frmMain::BuildContent() {
   auto* content = new QWidget;
   tabKillAWatt_ = new MeterTabs(selection_);
   auto* header = new TabHeader(tabKillAWatt_, content);
-  auto* current = new CurrentPage(ports_.monitor, selection_, content);
-  auto* recent = new RecentPage(ports_.monitor, selection_, content);
-  auto* totals = new TotalsPage(ports_.monitor, selection_, ports_.prompts, content);
-  auto* packet = new PacketPage(ports_.monitor, selection_, content);
-  elaScroller_ = new PageStrip({{current, [current] { current->Refresh(); }},
-                                {recent, [recent] { recent->Refresh(); }},
-                                {totals, [totals] { totals->Refresh(); }},
-                                {packet, [packet] { packet->Refresh(); }}},
-                               content);
+  elaScroller_ = new PageStrip(Pages(), content);
   pageBar_ = new PageBar(content);
   auto* column = new QVBoxLayout(content);
   column->setContentsMargins(0, 0, 0, 0);
@@ -31,8 +24,7 @@ void frmMain::BuildContent() {
   column->addWidget(header);
   column->addWidget(elaScroller_, 1);
   column->addWidget(pageBar_);
-  if (options_.firstStart != nullptr) firstStartPanel_ = MakeFirstStartPanel();
-  elaWindow_ = new MainArea(content, firstStartPanel_, this);
+  elaWindow_ = new MainArea(content, this);
   sbStatusBar_ = new StatusBar(this);
   setCentralWidget(elaWindow_);
   setStatusBar(sbStatusBar_);
@@ -49,11 +41,32 @@ void frmMain::BuildContent() {
   connect(pageBar_, &PageBar::Stepped, this,
           [this](int pages) { ShowPage(elaScroller_->CurrentPage() + pages); });
   connect(pageBar_, &PageBar::Chosen, this, [this](int page) { ShowPage(page); });
-  connect(recent, &RecentPage::hoverText, this,
-          [this](const QString& text) { ports_.monitor.SetInfoText(text.toStdString()); });
   connect(elaWindow_, &MainArea::DoubleClicked, this, [this] { DoubleClickMainArea(); });
   connect(sbStatusBar_, &StatusBar::PanelClicked, this,
           [this](const QString& key) { ClickStatusPanel(key); });
+}
+
+std::vector<PageStrip::Page> frmMain::Pages() {
+  const auto page = [](auto make) -> PageStrip::Page {
+    using Widget = std::remove_pointer_t<decltype(make(nullptr))>;
+    return {make, [](QWidget& widget) { static_cast<Widget&>(widget).Refresh(); }};
+  };
+  Monitor& monitor = ports_.monitor;
+  return {page([this, &monitor](QWidget* parent) {
+            return new CurrentPage(monitor, selection_, parent);
+          }),
+          page([this, &monitor](QWidget* parent) {
+            auto* recent = new RecentPage(monitor, selection_, parent);
+            connect(recent, &RecentPage::hoverText, this,
+                    [&monitor](const QString& text) { monitor.SetInfoText(text.toStdString()); });
+            return recent;
+          }),
+          page([this, &monitor](QWidget* parent) {
+            return new TotalsPage(monitor, selection_, ports_.prompts, parent);
+          }),
+          page([this, &monitor](QWidget* parent) {
+            return new PacketPage(monitor, selection_, parent);
+          })};
 }
 
 FirstStartPanel* frmMain::MakeFirstStartPanel() {

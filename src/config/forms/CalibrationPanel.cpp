@@ -75,8 +75,10 @@ class AdjustBar : public QScrollBar {
 
 }  // namespace
 
-CalibrationPanel::CalibrationPanel(CalibrationStep step, std::function<void(int position)> onMoved)
-    : instructions_(CalibrationInstructions(step)),
+CalibrationPanel::CalibrationPanel(CalibrationStep step, std::function<void(int position)> onMoved,
+                                   QWidget* parent)
+    : QWidget(parent),
+      instructions_(CalibrationInstructions(step)),
       lblInstructions_(new QLabel(instructions_)),
       readout_(new FitLabel(NamesOf(step).readout, FitLabel::Size::Largest, Qt::AlignLeft, this)),
       value_(new FitLabel(NamesOf(step).value, FitLabel::Size::Normal, Qt::AlignLeft, this)),

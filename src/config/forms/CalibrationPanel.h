@@ -18,7 +18,8 @@ class CalibrationPanel : public QWidget {
 
  public:
   /// `onMoved` hears every change of the scroll bar's position.
-  CalibrationPanel(CalibrationStep step, std::function<void(int position)> onMoved);
+  CalibrationPanel(CalibrationStep step, std::function<void(int position)> onMoved,
+                   QWidget* parent);
 
   void ShowReadout(const QString& text);
   void ShowValue(const QString& text, bool isLimited);

@@ -40,11 +40,14 @@ frmCalibrateKillAWatt::frmCalibrateKillAWatt(const Context& context, QWidget* pa
   std::vector<PageStrip::Page> pages;
   for (std::size_t index = 0; index < panels_.size(); ++index) {
     const auto step = static_cast<CalibrationStep>(index);
-    panels_[index] =
-        new CalibrationPanel(step, [this, step](int position) { Adjust(step, position); });
-    pages.push_back({panels_[index], [] {}});
+    pages.push_back({[this, step, index](QWidget* strip) {
+      panels_[index] = new CalibrationPanel(
+          step, [this, step](int position) { Adjust(step, position); }, strip);
+      return panels_[index];
+    }});
   }
   elaScroller_ = new PageStrip(std::move(pages));
+  elaScroller_->MakePages();
 
   auto* heading = new QHBoxLayout;
   heading->setContentsMargins(kMargin, kMargin, kMargin, kGap);

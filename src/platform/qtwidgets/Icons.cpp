@@ -10,6 +10,7 @@
 #include <cmath>
 #include <functional>
 #include <initializer_list>
+#include <memory>
 #include <utility>
 
 // The pictures lie in a static library, whose resources nobody registers unless asked; the macro
@@ -45,13 +46,17 @@ QRectF CentredSquare(const QSize& pixels) {
   return QRect((pixels.width() - side) / 2, (pixels.height() - side) / 2, side, side);
 }
 
-QImage RenderPicture(const QString& name, const QSize& pixels) {
+QImage RenderPicture(QSvgRenderer& picture, const QSize& pixels) {
   QImage image = EmptyImage(pixels);
-  QSvgRenderer renderer(PictureFile(name));
   QPainter painter(&image);
   painter.setRenderHint(QPainter::Antialiasing);
-  renderer.render(&painter, CentredSquare(pixels));
+  picture.render(&painter, CentredSquare(pixels));
   return image;
+}
+
+QImage RenderPicture(const QString& name, const QSize& pixels) {
+  QSvgRenderer picture(PictureFile(name));
+  return RenderPicture(picture, pixels);
 }
 
 QImage Tinted(QImage image, const QColor& color) {
@@ -180,9 +185,10 @@ QIcon TrayIcon(std::string_view key) {
 
 // The window system is handed every size at each start, and 128 pixels are the largest it shows.
 QIcon ApplicationIcon() {
+  const auto picture = std::make_shared<QSvgRenderer>(PictureFile("wattlark"));
   return QIcon(new PictureEngine("application", Squares({16, 22, 24, 32, 48, 64, 128}),
-                                 [](const QSize& pixels, QIcon::Mode, QIcon::State) {
-                                   return RenderPicture("wattlark", pixels);
+                                 [picture](const QSize& pixels, QIcon::Mode, QIcon::State) {
+                                   return RenderPicture(*picture, pixels);
                                  }));
 }
 
