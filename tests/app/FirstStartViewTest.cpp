@@ -43,41 +43,43 @@ FirstStartState Demo() {
   return state;
 }
 
-TEST(FirstStartViewTest, SaysWhatToDoNext) {
-  const struct {
-    FirstStartState state;
-    const char* text;
-    const char* command = "";
-  } cases[] = {
-      {Closed({}), "No USB serial device is connected. Plug in the receiver: it appears here."},
-      {Closed({kNamed}), "A serial device is connected. Is it the receiver?"},
-      {Closed({kNamed, kPlain}), "Which of these is the receiver?"},
-      {Chosen(Closed({kNamed}), "/dev/ttyUSB0"), "In use: another program has /dev/ttyUSB0 open."},
-      {Denied(),
-       "You may not use /dev/serial/by-id/usb-a yet. Type this in a terminal, then log out and in "
-       "again:",
-       "sudo usermod -aG dialout $USER"},
-      {Open(Chosen(Closed({kNamed}), kNamed.byIdPath)), "Listening on COM3."},
-      {Open(Closed({kNamed})), "Listening on COM3, /dev/ttyS2."},
-      {Demo(), "Demo mode is on: no receiver is used, and every meter shows made-up readings."}};
-  for (const auto& [state, text, command] : cases) {
+TEST(FirstStartViewTest, SaysWhatToDoNextAndNamesDevices) {
+  using Row = std::tuple<FirstStartState, const char*, const char*>;
+  for (const auto& [state, text, command] :
+       {Row{Closed({}), "No USB serial device is connected. Plug in the receiver: it appears here.",
+            ""},
+        Row{Closed({kNamed}), "A serial device is connected. Is it the receiver?", ""},
+        Row{Closed({kNamed, kPlain}), "Which of these is the receiver?", ""},
+        Row{Chosen(Closed({kNamed}), "/dev/ttyUSB0"),
+            "In use: another program has /dev/ttyUSB0 open.", ""},
+        Row{Denied(),
+            "You may not use /dev/serial/by-id/usb-a yet. Type this in a terminal, then log out "
+            "and "
+            "in again:",
+            "sudo usermod -aG dialout $USER"},
+        Row{Open(Chosen(Closed({kNamed}), kNamed.byIdPath)), "Listening on COM3.", ""},
+        Row{Open(Closed({kNamed})), "Listening on COM3, /dev/ttyS2.", ""},
+        Row{Demo(), "Demo mode is on: no receiver is used, and every meter shows made-up readings.",
+            ""}}) {
     const FirstStartView view = MakeFirstStartView(state, kNow);
     EXPECT_EQ(view.receiverText, text);
     EXPECT_EQ(view.command, command);
     EXPECT_EQ(view.devices.size(), state.isDemoMode ? 0 : state.devices.size());
   }
+  EXPECT_EQ(MakeFirstStartView(Closed({}), kNow).demoCaption, "Try demo mode…");
+  FirstStartState demo = Demo();
+  EXPECT_EQ(MakeFirstStartView(demo, kNow).demoCaption, "Leave demo mode");
+  EXPECT_TRUE(MakeFirstStartView(demo, kNow).offersAdding);
+  demo.canLeaveDemoMode = false;
+  EXPECT_THAT(MakeFirstStartView(demo, kNow).demoCaption, IsEmpty());
   const FirstStartView many = MakeFirstStartView(Closed(std::vector(200, kPlain)), kNow);
   EXPECT_THAT(many.devices, SizeIs(6));
   EXPECT_EQ(many.receiverText, "Which of these is the receiver? The options list all devices.");
-}
-
-TEST(FirstStartViewTest, NamesDevicesAndMarksTheOneInUse) {
-  const FirstStartView view =
-      MakeFirstStartView(Open(Chosen(Closed({kNamed, kPlain}), "/dev/ttyUSB0")), kNow);
-  EXPECT_EQ(view.devices,
-            (std::vector<FirstStartView::Device>{
-                {"/dev/serial/by-id/usb-a", "FT232R USB UART", "/dev/serial/by-id/usb-a", true},
-                {"/dev/ttyACM0", "/dev/ttyACM0", "", false}}));
+  EXPECT_EQ(
+      MakeFirstStartView(Open(Chosen(Closed({kNamed, kPlain}), "/dev/ttyUSB0")), kNow).devices,
+      (std::vector<FirstStartView::Device>{
+          {"/dev/serial/by-id/usb-a", "FT232R USB UART", "/dev/serial/by-id/usb-a", true},
+          {"/dev/ttyACM0", "/dev/ttyACM0", "", false}}));
 }
 
 TEST(FirstStartViewTest, OffersTheMetersThatSendNow) {
@@ -103,15 +105,6 @@ TEST(FirstStartViewTest, OffersTheMetersThatSendNow) {
 
   state.isOpen = false;
   EXPECT_THAT(MakeFirstStartView(state, kNow).meters, IsEmpty());
-}
-
-TEST(FirstStartViewTest, DemoModeIsOfferedAndLeft) {
-  EXPECT_EQ(MakeFirstStartView(Closed({}), kNow).demoCaption, "Try demo mode…");
-  FirstStartState demo = Demo();
-  EXPECT_EQ(MakeFirstStartView(demo, kNow).demoCaption, "Leave demo mode");
-  EXPECT_TRUE(MakeFirstStartView(demo, kNow).offersAdding);
-  demo.canLeaveDemoMode = false;
-  EXPECT_THAT(MakeFirstStartView(demo, kNow).demoCaption, IsEmpty());
 }
 
 }  // namespace

@@ -1,3 +1,5 @@
+#include <gmock/gmock.h>
+
 #include <functional>
 #include <optional>
 #include <utility>
@@ -9,12 +11,14 @@
 namespace wattlark {
 namespace {
 
+using testing::_;
+using testing::FieldsAre;
+
 struct MeterActionsTest : MonitorTest {
   MeterActionsTest() {
     Start();
-    for (const int address : {5, 6}) {
-      clsKillAWatt& meter =
-          AddMeter(monitor->Profile().Meters(), "", static_cast<std::int16_t>(address));
+    for (std::int16_t address = 5; address <= 6; ++address) {
+      clsKillAWatt& meter = AddMeter(monitor->Profile().Meters(), "", address);
       meter.Statistics().SetUsage(ToDate, 1234);
       meter.SetCurrentOffset(512);
     }
@@ -57,29 +61,21 @@ TEST_F(MeterActionsTest, OnlyOKActsAndTheTotalIsLeftAlone) {
     EXPECT_FALSE(isDone()) << text;
     EXPECT_TRUE(((*actions).*action)());
     EXPECT_TRUE(isDone()) << text;
-    const PromptMessage& question = prompts.asked.front();
-    EXPECT_EQ(question.text, text);
-    EXPECT_EQ(question.caption, "Wattlark");
-    EXPECT_EQ(question.icon, PromptIcon::Exclamation);
-    EXPECT_EQ(question.buttons, PromptButtons::OKCancel);
-    EXPECT_EQ(question.defaultAnswer, PromptAnswer::Cancel);
+    EXPECT_THAT(prompts.asked.front(), FieldsAre(text, "Wattlark", PromptIcon::Exclamation,
+                                                 PromptButtons::OKCancel, PromptAnswer::Cancel));
   }
 }
 
-TEST_F(MeterActionsTest, AMeterWhoseAddressIsTakenIsNotAdded) {
-  EXPECT_FALSE(actions->Add(NewMeter("", 6)));
-  ASSERT_EQ(prompts.asked.size(), 1U);
-  EXPECT_EQ(prompts.asked[0].text, "A Kill-A-Watt with that XBee address is already defined");
-  EXPECT_EQ(prompts.asked[0].caption, "Duplicate ID");
-  EXPECT_EQ(prompts.asked[0].icon, PromptIcon::Exclamation);
-  EXPECT_FALSE(monitor->Profile().Settings().CSVFileChanged);
-  EXPECT_EQ(monitor->Profile().Meters().Count(), 2U);
-}
-
-TEST_F(MeterActionsTest, AddingAndRemovingRenewTheHeaderOfTheLog) {
+TEST_F(MeterActionsTest, AddingAndRemovingRenewTheHeaderOfTheLogUnlessTheAddressIsTaken) {
   bool& renewed = monitor->Profile().Settings().CSVFileChanged;
+  EXPECT_FALSE(actions->Add(NewMeter("", 6)));
+  EXPECT_THAT(prompts.asked, testing::ElementsAre(FieldsAre(
+                                 "A Kill-A-Watt with that XBee address is already defined",
+                                 "Duplicate ID", PromptIcon::Exclamation, _, _)));
+  EXPECT_FALSE(renewed);
   EXPECT_TRUE(actions->Add(NewMeter("", 7)));
   EXPECT_TRUE(std::exchange(renewed, false));
+  EXPECT_EQ(monitor->Profile().Meters().Count(), 3U);
   prompts.answers = {PromptAnswer::OK};
   EXPECT_TRUE(actions->RemoveSelected());
   EXPECT_TRUE(renewed);

@@ -33,7 +33,7 @@ TEST_F(MeterSelectionTest, ShowsNoTotalOfNoMeterOrOne) {
   EXPECT_EQ(selection.SelectedTab(), 1);
 }
 
-TEST_F(MeterSelectionTest, NamesAndFollowsTheTabsInOrder) {
+TEST_F(MeterSelectionTest, NamesAndFollowsTheTabsInOrderUntilTheirMeterGoes) {
   Add("Office", 300);
   Add("Kitchen", 5);
   const auto tabs = selection.Tabs();
@@ -49,19 +49,10 @@ TEST_F(MeterSelectionTest, NamesAndFollowsTheTabsInOrder) {
     selection.SelectTab(outside);
     EXPECT_EQ(selection.SelectedTab(), 2);
   }
-}
-
-TEST_F(MeterSelectionTest, ReturnsToTheFirstTabWhenAMeterGoes) {
-  Add("Office", 300);
-  Add("Kitchen", 5);
-  selection.SelectTab(2);
   profile.Meters().Remove(profile.Meters()[1]);
   EXPECT_EQ(selection.SelectedKillAWatt(false), nullptr) << "the tab's meter is gone";
   selection.RefreshTabs();
   EXPECT_EQ(selection.SelectedKillAWatt(false), &profile.Meters()[0]);
-  profile.Meters().Remove(profile.Meters()[0]);
-  selection.RefreshTabs();
-  EXPECT_EQ(selection.SelectedKillAWatt(false), nullptr);
 }
 
 }  // namespace

@@ -68,6 +68,13 @@ struct MonitorTest : testing::Test {
   RecordingDesktop desktop;
   ScriptedPrompts prompts;
   RecordingListener listener;
+  ScriptedHttp pachube;
+  ScriptedHttp google;
+  ScriptedHttp twitter;
+  ScriptedHttp versionAlert;
+  ScriptedPump pump{{&pachube, &google, &twitter, &versionAlert}};
+  WebPorts webPorts{pachube,      google, twitter,
+                    versionAlert, pump,   [](DateTime local) { return local.PlusHours(5); }};
   const WebPorts* web = nullptr;
   const RegionalSettings region = RegionalSettings::UnitedStates();
   std::unique_ptr<Monitor> monitor;
@@ -76,15 +83,6 @@ struct MonitorTest : testing::Test {
 /// A monitor that uses the web.
 struct WebMonitorTest : MonitorTest {
   WebMonitorTest() { web = &webPorts; }
-  void TearDown() override { monitor.reset(); }  // it hears of its clients to its end
-
-  ScriptedHttp pachube;
-  ScriptedHttp google;
-  ScriptedHttp twitter;
-  ScriptedHttp versionAlert;
-  ScriptedPump pump{{&pachube, &google, &twitter, &versionAlert}};
-  WebPorts webPorts{pachube,      google, twitter,
-                    versionAlert, pump,   [](DateTime local) { return local.PlusHours(5); }};
 };
 
 /// 120 W: two samples of 2 A at 120 V among four.

@@ -1,11 +1,7 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include "app/ProfileData.h"
-#include "config/MeterEdit.h"
-#include "config/modRegistry.h"
-#include "twins/HandClock.h"
-#include "twins/MemoryRegistry.h"
+#include "app/MonitorFixture.h"
+#include "twins/Meters.h"
 
 namespace wattlark {
 namespace {
@@ -14,13 +10,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-struct Stored : testing::Test {
-  void Put(const std::string& section, const std::string& name, const std::string& value) {
-    ASSERT_TRUE(store.SaveAppSetting("", section, name, value));
-  }
-  std::string Get(const std::string& section, const std::string& name) const {
-    return store.GetAppSetting("", section, name, "(none)");
-  }
+struct Stored : MonitorTest {
   void PutMeter(const std::string& name, const std::string& address) {
     Put("KillAWatts\\" + name, "Name", name);
     Put("KillAWatts\\" + name, "XBeeAddress", address);
@@ -42,18 +32,8 @@ struct Stored : testing::Test {
     return names;
   }
 
-  const RegionalSettings region = RegionalSettings::UnitedStates();
-  MemoryRegistry registry;
-  modRegistry store{registry};
   std::unique_ptr<ProfileData> profile;
 };
-
-std::unique_ptr<clsKillAWatt> NewMeter(const char* name, std::int16_t address) {
-  auto meter = std::make_unique<clsKillAWatt>();
-  meter->SetName(name);
-  meter->SetXBeeAddress(address);
-  return meter;
-}
 
 TEST_F(Stored, AFreshProfileHasDefaultsAndNoMeters) {
   Load();
@@ -65,23 +45,21 @@ TEST_F(Stored, AFreshProfileHasDefaultsAndNoMeters) {
   EXPECT_THAT(profile->Problems(), IsEmpty());
 }
 
-TEST_F(Stored, LoadsMetersInTheOrderOfTheStore) {
+TEST_F(Stored, MetersKeepTheirOrderAndRemovedAndRenamedOnesLeaveNoKey) {
   PutMeter("Washer", "9");
-  PutMeter("Attic", "1");
   PutMeter("Kitchen", "5");
-  EXPECT_THAT(LoadedNames(), ElementsAre("Washer", "Attic", "Kitchen"));
-  ASSERT_TRUE(profile->SaveAll(store));
-  EXPECT_THAT(LoadedNames(), ElementsAre("Washer", "Attic", "Kitchen"));
-}
-
-TEST_F(Stored, RemovedAndRenamedMetersLeaveNoKey) {
-  PutMeter("Washer", "9");
   PutMeter("Attic", "1");
-  Load().Meters().Remove(*profile->Meters().FindName("Washer"));
-  profile->Meters()[0].SetName("Loft");
+  EXPECT_THAT(LoadedNames(), ElementsAre("Washer", "Kitchen", "Attic"));
+  ASSERT_TRUE(profile->SaveAll(store));
+  EXPECT_THAT(LoadedNames(), ElementsAre("Washer", "Kitchen", "Attic"));
+  profile->Meters().Remove(profile->Meters()[0]);
+  profile->Meters()[1].SetName("Loft");
   profile->Meters().Add(NewMeter("New", 9));
   ASSERT_TRUE(profile->SaveAll(store));
-  EXPECT_THAT(MeterKeys(), ElementsAre("Loft", "New"));
+  EXPECT_THAT(MeterKeys(), ElementsAre("Kitchen", "Loft", "New"));
+  registry.failsWrites = true;
+  EXPECT_FALSE(profile->SaveAll(store));
+  EXPECT_FALSE(profile->SaveMeters(store));
 }
 
 TEST_F(Stored, ProgressIsSavedOverMetersThatAreStoredAsTheyAre) {
@@ -174,31 +152,26 @@ TEST_F(Stored, AsksForACSVHeaderAfterAChangeWhileNothingRan) {
   EXPECT_FALSE(Load().Settings().CSVFileChanged);
 }
 
-TEST_F(Stored, KeepsTextsItCannotRead) {
-  PutMeter("Kitchen", "5");
-  Put("KillAWatts\\Kitchen", "UsageToDate", "lots");
-  Put("TotalKillAWatt", "PeakToday", "more");
-  Load();
-  EXPECT_EQ(profile->Meters()[0].Statistics().Usage(ToDate), 0);
-  EXPECT_THAT(profile->Problems(), ElementsAre(HasSubstr("lots"), HasSubstr("more")));
-  ASSERT_TRUE(profile->SaveAll(store));
-  Load();
-  EXPECT_THAT(profile->Problems(), IsEmpty()) << "told once";
-  ASSERT_TRUE(profile->SaveAll(store));
-  EXPECT_EQ(Get("KillAWatts\\Kitchen", "UsageToDate"), "0");
-  EXPECT_EQ(Get("Unreadable\\KillAWatts\\Kitchen", "UsageToDate"), "lots");
-  EXPECT_EQ(Get("Unreadable\\TotalKillAWatt", "PeakToday"), "more");
-}
-
-TEST_F(Stored, LoadsOnPastEverythingThatIsWrong) {
+TEST_F(Stored, LoadsOnPastEverythingThatIsWrongAndKeepsTextsItCannotRead) {
   Put("Settings", "PortNum", "three");
   Put("Settings", "CSVInterval", "30");
   PutMeter("A", "many");
   PutMeter("B", "6");
+  Put("KillAWatts\\B", "UsageToDate", "lots");
+  Put("TotalKillAWatt", "PeakToday", "more");
   EXPECT_THAT(LoadedNames(), ElementsAre("A", "B"));
   EXPECT_EQ(profile->Settings().PortNum, 3);
   EXPECT_EQ(profile->Settings().CSVInterval, 60);
-  EXPECT_THAT(profile->Problems(), ElementsAre(HasSubstr("PortNum"), HasSubstr("many")));
+  EXPECT_EQ(profile->Meters()[1].Statistics().Usage(ToDate), 0);
+  EXPECT_THAT(profile->Problems(), ElementsAre(HasSubstr("PortNum"), HasSubstr("many"),
+                                               HasSubstr("lots"), HasSubstr("more")));
+  ASSERT_TRUE(profile->SaveAll(store));
+  Load();
+  EXPECT_THAT(profile->Problems(), ElementsAre(HasSubstr("PortNum"))) << "the others once";
+  ASSERT_TRUE(profile->SaveAll(store));
+  EXPECT_EQ(Get("KillAWatts\\B", "UsageToDate"), "0");
+  EXPECT_EQ(Get("Unreadable\\KillAWatts\\B", "UsageToDate"), "lots");
+  EXPECT_EQ(Get("Unreadable\\TotalKillAWatt", "PeakToday"), "more");
 }
 
 TEST_F(Stored, SeedsATotalThatWasNeverStored) {
@@ -225,22 +198,12 @@ TEST_F(Stored, SeedsATotalThatWasNeverStored) {
   EXPECT_EQ(Load().Total().Statistics().Usage(ToDate), 3.75) << "stored now, not seeded again";
 }
 
-TEST_F(Stored, TellsWhenASaveFails) {
-  PutMeter("A", "1");
-  Load();
-  registry.failsWrites = true;
-  EXPECT_FALSE(profile->SaveAll(store));
-  EXPECT_FALSE(profile->SaveMeters(store));
-}
-
 struct TotalKillAWatt : testing::Test {
-  clsKillAWatt& Add(std::int16_t address, double volts, double amps, double watts,
-                    const char* time = "2026-11-16T20:10:00", int type = LoadMeter) {
-    auto meter = NewMeter("m", address);
-    meter->SetKillAWattType(type);
-    meter->AddReading(volts, amps, watts, At(time), 500);
-    meters.Add(std::move(meter));
-    return *meters.FindAddress(address);
+  void Add(std::int16_t address, double volts, double amps, double watts,
+           const char* time = "2026-11-16T20:10:00", int type = LoadMeter) {
+    clsKillAWatt& meter = AddMeter(meters, "m", address);
+    meter.SetKillAWattType(type);
+    meter.AddReading(volts, amps, watts, At(time), 500);
   }
   void Update(const char* time = "2026-11-16T20:10:01", std::uint32_t ticks = 1000) {
     UpdateTotalKillAWatt(total, meters, At(time), ticks);
@@ -263,24 +226,18 @@ TEST_F(TotalKillAWatt, AddsLoadsLessGeneratorsAndAveragesTheRest) {
   meters[0].AddReading(120, 0, 50, At("2026-11-16T20:10:03"), 0);
   Update("2026-11-16T20:10:03", 3000);
   EXPECT_EQ(total.Watts(), -150);
-}
-
-TEST_F(TotalKillAWatt, RecordsZeroWattsWithoutReceivingMeters) {
-  Add(1, 120, 2, 500);
-  Update("2026-11-16T20:10:05");
-  EXPECT_EQ(total.Watts(), 0);
+  Update("2026-11-16T20:10:08", 8000);
+  EXPECT_EQ(total.Watts(), 0) << "all of them are silent";
   EXPECT_EQ(total.Volts(), NoValue);
   EXPECT_EQ(total.Amps(), NoValue);
-  EXPECT_EQ(total.Timestamp(), At("2026-11-16T20:10:05"));
+  EXPECT_EQ(total.Timestamp(), At("2026-11-16T20:10:08"));
 }
 
 TEST_F(TotalKillAWatt, LeavesOutVoltsThatAreMissing) {
   Add(1, NoValue, 2, 500);
   Add(2, 118, NoValue, 100);
   // Loaded with a fresh time stamp, but without a reading yet.
-  auto loaded = NewMeter("loaded", 3);
-  loaded->Statistics().SetTimestamp(At("2026-11-16T20:10:00"));
-  meters.Add(std::move(loaded));
+  AddMeter(meters, "loaded", 3).Statistics().SetTimestamp(At("2026-11-16T20:10:00"));
   Update();
   EXPECT_EQ(total.Volts(), 118);
   EXPECT_EQ(total.Amps(), 2);

@@ -64,14 +64,13 @@ TEST_F(TotalsGrid, ShowsPeaksAndTheirTimes) {
 }
 
 TEST_F(TotalsGrid, TheWeekdayIsShortOnThePresentDateAlone) {
-  const struct {
-    const char *peak, *now, *ending;
-  } cases[] = {{"2026-11-16T12:00:00", "2026-11-16T23:59:59", " on Mon"},
-               {"2026-11-16T12:00:00", "2026-11-17T00:00:00", " last Monday"},
-               // The same day of another month, and of another year.
-               {"2026-10-16T12:00:00", "2026-11-16T20:10:00", " last Friday"},
-               {"2025-11-16T12:00:00", "2026-11-16T20:10:00", " last Sunday"}};
-  for (const auto& [peak, now, ending] : cases) {
+  using Row = std::array<const char*, 3>;
+  for (const auto& [peak, now, ending] :
+       {Row{"2026-11-16T12:00:00", "2026-11-16T23:59:59", " on Mon"},
+        Row{"2026-11-16T12:00:00", "2026-11-17T00:00:00", " last Monday"},
+        // The same day of another month, and of another year.
+        Row{"2026-10-16T12:00:00", "2026-11-16T20:10:00", " last Friday"},
+        Row{"2025-11-16T12:00:00", "2026-11-16T20:10:00", " last Sunday"}}) {
     SetPeaks(100, At(peak));
     EXPECT_EQ(View(0, kUnitedStates, At(now)).rows[ThisWeek].value,
               std::string("100.00 W @ 12:00:00 PM") + ending);

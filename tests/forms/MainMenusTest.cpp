@@ -2,8 +2,6 @@
 #include <QMenuBar>
 
 #include "MainWindowFixture.h"
-#include "app/WebPublishers.h"
-#include "twins/ScriptedHttp.h"
 
 namespace wattlark {
 namespace {
@@ -50,62 +48,42 @@ TEST_F(MainWindowTest, MenusHaveTheirCaptions) {
                   "Wattlark Help (online)...", "About Wattlark...", "-", "E&xit"));
 }
 
-struct EnabledCase {
-  const char* name;
-  bool portOpens;
-  int meters;
-  int tab;
-  bool flows;
-  bool addMeter;
-  bool meter;
-};
-
-struct MenuEnabling : MainWindowTest, testing::WithParamInterface<EnabledCase> {};
-
-TEST_P(MenuEnabling, FollowsTheState) {
-  const EnabledCase& state = GetParam();
-  port.opens = state.portOpens;
+TEST_F(MainWindowTest, MenusAreEnabledByTheState) {
   for (const auto feature :
        {&MenuActions::postToPachube, &MenuActions::postToGoogleDocs, &MenuActions::postToPowerMeter,
         &MenuActions::postToTwitter, &MenuActions::calibrate, &MenuActions::showOptions,
         &MenuActions::checkForUpdates}) {
     options.features.*feature = [](bool) {};
   }
-  Start(state.meters);
-  Control<QTabBar>("tabKillAWatt").setCurrentIndex(state.tab);
-  for (const char* menu : {"mnuFile", "mnuEdit", "mnuView", "mnuTools", "mnuHelp"}) {
-    emit Control<QMenu>(menu).aboutToShow();
-  }
-  emit window->TrayMenu().aboutToShow();
-  const struct {
-    const char* menu;
-    std::vector<int> items;
-    bool enabled;
-  } groups[] = {{"mnuFile", {0, 1, 2, 3, 4}, state.flows},
-                {"mnuFile", {6, 7}, true},
-                {"mnuEdit", {0, 1, 2}, true},
-                {"mnuView", {0, 1, 2, 3}, state.flows},
-                {"mnuView", {5}, true},
-                {"mnuTools", {0}, state.addMeter},
-                {"mnuTools", {1, 2, 4, 6, 7}, state.meter},
-                {"mnuTools", {9}, true},
-                {"mnuHelp", {0, 1, 3, 5}, true},
-                {"mnuSysTray", {3, 4, 5, 6, 7}, state.flows},
-                {"mnuSysTray", {0, 1, 9, 10, 12}, true}};
-  for (const auto& group : groups) {
-    for (const int item : group.items) {
-      const QString name = group.menu + QString::number(item);
-      EXPECT_EQ(Item(name).isEnabled(), group.enabled) << name.toStdString();
+  const auto expect = [this](bool flows, bool addMeter, bool meter) {
+    for (const char* menu : {"mnuFile", "mnuEdit", "mnuView", "mnuTools", "mnuHelp"}) {
+      emit Control<QMenu>(menu).aboutToShow();
     }
-  }
+    emit window->TrayMenu().aboutToShow();
+    using Row = std::tuple<const char*, std::vector<int>, bool>;
+    for (const auto& [menu, items, isEnabled] :
+         {Row{"mnuFile", {0, 1, 2, 3, 4}, flows}, Row{"mnuFile", {6, 7}, true},
+          Row{"mnuEdit", {0, 1, 2}, true}, Row{"mnuView", {0, 1, 2, 3}, flows},
+          Row{"mnuView", {5}, true}, Row{"mnuTools", {0}, addMeter},
+          Row{"mnuTools", {1, 2, 4, 6, 7}, meter}, Row{"mnuTools", {9}, true},
+          Row{"mnuHelp", {0, 1, 3, 5}, true}, Row{"mnuSysTray", {3, 4, 5, 6, 7}, flows},
+          Row{"mnuSysTray", {0, 1, 9, 10, 12}, true}}) {
+      for (const int item : items) {
+        const QString name = menu + QString::number(item);
+        EXPECT_EQ(Item(name).isEnabled(), isEnabled) << name.toStdString();
+      }
+    }
+  };
+  Start();
+  expect(false, true, false);
+  TearDown();
+  Start(2);
+  expect(true, true, false);
+  Control<QTabBar>("tabKillAWatt").setCurrentIndex(1);
+  expect(true, true, true);
+  port.Close();
+  expect(false, false, false);
 }
-
-INSTANTIATE_TEST_SUITE_P(States, MenuEnabling,
-                         testing::Values(EnabledCase{"NoPort", false, 2, 1, false, false, false},
-                                         EnabledCase{"NoMeters", true, 0, 0, false, true, false},
-                                         EnabledCase{"Total", true, 2, 0, true, true, false},
-                                         EnabledCase{"Meter", true, 2, 1, true, true, true}),
-                         [](const auto& state) { return state.param.name; });
 
 TEST_F(MainWindowTest, AnItemWithoutItsFeatureOrNoLongerAllowedDoesNothing) {
   Start(1);
@@ -122,17 +100,9 @@ TEST_F(MainWindowTest, AnItemWithoutItsFeatureOrNoLongerAllowedDoesNothing) {
 
 struct PublishingMenus : MainWindowTest {
   PublishingMenus() {
-    web = &ports;
+    web = &webPorts;
     Put("Settings", "PachubeFeedURL", "http://feed");
   }
-
-  ScriptedHttp pachube;
-  ScriptedHttp google;
-  ScriptedHttp twitter;
-  ScriptedHttp versionAlert;
-  ScriptedPump pump{{&pachube, &google, &twitter}};
-  WebPorts ports{pachube,      google, twitter,
-                 versionAlert, pump,   [](DateTime local) { return local; }};
 };
 
 TEST_F(PublishingMenus, ReachTheirDestinations) {

@@ -37,17 +37,17 @@ TEST_F(NotificationIconTest, TellsClicksApart) {
   auto* timer = icon.findChild<QTimer*>("tmrLeftButtonClick");
   auto* area = icon.findChild<QSystemTrayIcon*>("trayIcon");
   ASSERT_EQ(timer->interval(), 500);
-  const struct {
+  struct Row {
     const char* name;
     std::vector<std::pair<int, Reason>> clicks;  ///< each after milliseconds
-    int shows;
-    int menus;
-  } cases[] = {{"Single", {{0, Reason::Trigger}}, 0, 1},
-               {"Double", {{0, Reason::Trigger}, {200, Reason::DoubleClick}}, 1, 0},
-               {"DoubleAsTwoSingles", {{0, Reason::Trigger}, {499, Reason::Trigger}}, 1, 0},
-               {"TwoSlowSingles", {{0, Reason::Trigger}, {500, Reason::Trigger}}, 0, 2},
-               {"Middle", {{0, Reason::MiddleClick}}, 0, 0}};
-  for (const auto& test : cases) {
+    int shows, menus;
+  };
+  for (const auto& test :
+       {Row{"Single", {{0, Reason::Trigger}}, 0, 1},
+        Row{"Double", {{0, Reason::Trigger}, {200, Reason::DoubleClick}}, 1, 0},
+        Row{"DoubleAsTwoSingles", {{0, Reason::Trigger}, {499, Reason::Trigger}}, 1, 0},
+        Row{"TwoSlowSingles", {{0, Reason::Trigger}, {500, Reason::Trigger}}, 0, 2},
+        Row{"Middle", {{0, Reason::MiddleClick}}, 0, 0}}) {
     shows = menus = 0;
     const auto elapse = [timer] {
       if (!timer->isActive()) return;

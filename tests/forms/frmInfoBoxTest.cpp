@@ -16,6 +16,7 @@
 namespace wattlark {
 namespace {
 
+using testing::_;
 using testing::ElementsAre;
 using testing::StartsWith;
 
@@ -35,34 +36,27 @@ struct frmInfoBoxTest : testing::Test {
   frmInfoBox form{{prompts, random, clock, [this](QPlainTextEdit&) { ++printed; }}};
 };
 
-TEST_F(frmInfoBoxTest, ShowsPlainTextToReadAndPrint) {
+TEST_F(frmInfoBoxTest, ShowsPlainTextToReadAndPrintWithTheButtonsOfTheOptionBits) {
+  form.show();
+  QApplication::setActiveWindow(&form);
   auto& box = Find<QPlainTextEdit>(form, "rtbInfo");
+  QTest::keyClicks(&box, "x");
   EXPECT_EQ(box.toPlainText(),
             "11/16/2026 8:10:01 PM: <b>Communications</b> Error - é\n11/16/2026 8:10:02 PM: "
             "second\n");
-  QTest::keyClicks(&box, "x");
-  EXPECT_TRUE(box.toPlainText().startsWith("11/16"));
   EXPECT_EQ(form.windowTitle(), "Errors!");
-  Button("cmdPrint").click();
+  Click(form, "cmdPrint");
   EXPECT_EQ(printed, 1);
-  form.show();
-  QApplication::setActiveWindow(&form);
   EXPECT_THAT(TabOrder(form, "rtbInfo", 4),
               ElementsAre("rtbInfo", "cmdPrint", "cmdSave", "cmdClose"));
-  form.SetInfo(kText, "", 0);
-  EXPECT_EQ(form.windowTitle(), "Wattlark");
-}
-
-TEST_F(frmInfoBoxTest, ButtonsFollowTheOptionBits) {
-  form.show();
   const int place = Button("cmdPrint").x();
-  EXPECT_GT(Button("cmdSave").x(), place);
   for (const int options : {0, 1, 2, 3, 4 + 8}) {
     form.SetInfo(kText, "", options);
     EXPECT_EQ(Button("cmdPrint").isVisible(), options == 1 || options == 3) << options;
     EXPECT_EQ(Button("cmdSave").isVisible(), options == 2 || options == 3) << options;
     EXPECT_EQ(Button("cmdClose").text(), "Close");
   }
+  EXPECT_EQ(form.windowTitle(), "Wattlark");
   form.SetInfo(kText, "", InfoSave);
   EXPECT_TRUE(QTest::qWaitFor([&] { return Button("cmdSave").x() == place; }));
 }
@@ -81,70 +75,53 @@ TEST_F(frmInfoBoxTest, TheCaptionFollowsTheRandomNumber) {
   }
 }
 
-TEST_F(frmInfoBoxTest, SavesTheTextByteByByte) {
-  Button("cmdSave").click();
-  ASSERT_EQ(prompts.choosers.size(), 1u);
-  EXPECT_EQ(prompts.choosers[0].caption, "Save As");
-  EXPECT_FALSE(prompts.choosers[0].appends);
+TEST_F(frmInfoBoxTest, SavesTheTextByteByByteOrTellsWhyAndKeepsTheFile) {
+  Click(form, "cmdSave");
+  EXPECT_THAT(prompts.choosers, ElementsAre(testing::FieldsAre("Save As", _, _, false)));
   EXPECT_TRUE(prompts.asked.empty()) << "cancelled";
-  prompts.chosenFile = folder.File("errors \xC3\xA9.txt");
-  WriteFile(*prompts.chosenFile, std::string(1000, 'x'));
-  Button("cmdSave").click();
-  EXPECT_EQ(FileBytes(*prompts.chosenFile), kText);
+  const std::string file = folder.File("errors \xC3\xA9.txt");
+  const auto save = [&](const std::string& chosen) {
+    prompts.chosenFile = chosen;
+    prompts.asked.clear();
+    Click(form, "cmdSave");
+  };
+  WriteFile(file, std::string(1000, 'x'));
+  save(file);
+  EXPECT_EQ(FileBytes(file), kText);
   EXPECT_TRUE(prompts.asked.empty());
-}
-
-TEST_F(frmInfoBoxTest, TellsWhyTheTextCouldNotBeSaved) {
+  WriteFile(file, "mine");
   const std::string pipe = folder.File("pipe");
   ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
-  for (const std::string& file : {folder.Path(), folder.File("missing/errors.txt"), pipe}) {
-    prompts.chosenFile = file;
-    prompts.asked.clear();
-    Button("cmdSave").click();
-    ASSERT_EQ(prompts.asked.size(), 1u) << file;
-    const std::string told = "The text could not be saved to " + file + ": ";
-    EXPECT_THAT(prompts.asked[0].text, StartsWith(told));
-    EXPECT_GT(prompts.asked[0].text.size(), told.size()) << "a reason follows";
-    EXPECT_EQ(prompts.asked[0].icon, PromptIcon::Exclamation);
+  for (const std::string& other : {folder.Path(), folder.File("missing/errors.txt"), pipe, file}) {
+    const FileSizeLimit full;
+    save(other);
+    EXPECT_THAT(prompts.asked, ElementsAre(testing::FieldsAre(
+                                   StartsWith("The text could not be saved to " + other + ": "), _,
+                                   PromptIcon::Exclamation, _, _)));
   }
   EXPECT_TRUE(std::filesystem::is_fifo(pipe));
-}
-
-TEST_F(frmInfoBoxTest, KeepsTheFileThatItCannotReplace) {
-  prompts.chosenFile = folder.File("errors.txt");
-  WriteFile(*prompts.chosenFile, "mine");
-  {
-    const FileSizeLimit full;
-    Button("cmdSave").click();
-  }
-  EXPECT_EQ(prompts.asked.size(), 1u);
-  EXPECT_EQ(FileBytes(*prompts.chosenFile), "mine");
   using std::filesystem::perms;
-  std::filesystem::permissions(*prompts.chosenFile, perms(0444));
+  std::filesystem::permissions(file, perms(0444));
   std::filesystem::permissions(folder.Path(), perms(0555));
   {
     const WithoutRoot user;
-    Button("cmdSave").click();
+    save(file);
   }
   std::filesystem::permissions(folder.Path(), perms(0755));
-  EXPECT_EQ(prompts.asked.size(), 2u);
-  EXPECT_EQ(FileBytes(*prompts.chosenFile), "mine");
+  EXPECT_EQ(prompts.asked.size(), 1u);
+  EXPECT_EQ(FileBytes(file), "mine");
 }
 
 TEST_F(frmInfoBoxTest, IsModalUntilItIsClosed) {
   for (const bool byButton : {true, false}) {
-    int seen = 0;
+    bool isSeen = false;
     QTimer::singleShot(0, [&] {
-      ASSERT_EQ(QApplication::activeModalWidget(), &form);
-      ++seen;
-      if (byButton) {
-        Click(form, "cmdClose");
-      } else {
-        QTest::keyClick(&form, Qt::Key_Escape);
-      }
+      isSeen = QApplication::activeModalWidget() == &form;
+      if (byButton) Click(form, "cmdClose");
+      QTest::keyClick(&form, Qt::Key_Escape);
     });
     form.InfoBox(kText, "Errors!", InfoSave);
-    EXPECT_EQ(seen, 1);
+    EXPECT_TRUE(isSeen);
     EXPECT_FALSE(form.isVisible());
   }
 }

@@ -8,76 +8,63 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// How the window answers to its close button, by what the program has to do.
-struct CloseCase {
-  const char* name;
-  int meters;
-  bool portOpens;
-  bool demo;
-  bool hasTray;
-  bool ends;
-};
-
-struct WindowClosing : MainWindowTest, testing::WithParamInterface<CloseCase> {};
-
-TEST_P(WindowClosing, HidesWithinReachOrEnds) {
-  port.opens = GetParam().portOpens;
-  hasTray = GetParam().hasTray;
-  if (GetParam().demo) Put("Settings", "DemoMode", "True");
-  Start(GetParam().meters).ShowAtLaunch();
-  window->showMinimized();
-  QCoreApplication::processEvents();
-  EXPECT_EQ(window->isVisible(), !hasTray);
-  window->ShowWindow();
-  EXPECT_TRUE(window->isVisible() && !window->isMinimized());
-  Choose("mnuFile6");
-  EXPECT_EQ(window->isVisible(), !hasTray);
-  window->ShowWindow();
-
-  const bool keepsRunning = !GetParam().ends;
-  window->close();
-  EXPECT_EQ(ends, keepsRunning ? 0 : 1);
-  EXPECT_THAT(prompts.asked, IsEmpty());
-  if (keepsRunning) {
+TEST_F(MainWindowTest, HidesWithinReachOrEndsWhenItIsClosed) {
+  struct Row {
+    int meters;
+    bool portOpens, demo, hasTray, keepsRunning;
+  };
+  for (const auto& state : {Row{2, true, false, true, true}, Row{1, false, true, true, true},
+                            Row{1, true, false, false, true}, Row{0, true, false, true, false},
+                            Row{2, false, false, true, false}}) {
+    SCOPED_TRACE(std::to_string(state.meters) + " meters");
+    TearDown();
+    registry = {};
+    prompts.asked.clear();
+    ends = 0;
+    port.opens = state.portOpens;
+    hasTray = state.hasTray;
+    Put("Settings", "DemoMode", state.demo ? "True" : "False");
+    Start(state.meters).ShowAtLaunch();
+    for (const char* how : {"minimised", "closed"}) {
+      if (*how == 'm') window->showMinimized();
+      if (*how == 'c') Choose("mnuFile6");
+      QCoreApplication::processEvents();
+      EXPECT_EQ(window->isVisible(), !hasTray) << how;
+      window->ShowWindow();
+      EXPECT_TRUE(window->isVisible() && !window->isMinimized()) << how;
+    }
+    window->close();
+    EXPECT_THAT(prompts.asked, IsEmpty());
+    prompts.answers = {PromptAnswer::No, PromptAnswer::Yes};
+    if (!state.keepsRunning) {
+      EXPECT_EQ(ends, 1);
+      Choose("mnuFile7");
+      EXPECT_EQ(ends, 2);
+      EXPECT_THAT(prompts.asked, IsEmpty());
+      continue;
+    }
     EXPECT_EQ(window->isVisible() && window->isMinimized(), !hasTray);
+    Choose("mnuFile7");
+    EXPECT_EQ(ends, 0);
+    EXPECT_THAT(prompts.asked,
+                ElementsAre(testing::FieldsAre("Are you sure you want to exit Wattlark?",
+                                               "Wattlark", PromptIcon::Exclamation,
+                                               PromptButtons::YesNo, PromptAnswer::No)));
+    Choose("mnuSysTray12");
+    EXPECT_EQ(ends, 1);
   }
-  prompts.answers = {PromptAnswer::No, PromptAnswer::Yes};
-  Choose("mnuFile7");
-  EXPECT_EQ(ends, keepsRunning ? 0 : 2);
-  ASSERT_EQ(prompts.asked.size(), keepsRunning ? 1U : 0U);
-  if (!keepsRunning) return;
-  const PromptMessage& question = prompts.asked.front();
-  EXPECT_EQ(question.text, "Are you sure you want to exit Wattlark?");
-  EXPECT_EQ(question.caption, "Wattlark");
-  EXPECT_EQ(question.icon, PromptIcon::Exclamation);
-  EXPECT_EQ(question.buttons, PromptButtons::YesNo);
-  EXPECT_EQ(question.defaultAnswer, PromptAnswer::No);
-  Choose("mnuSysTray12");
-  EXPECT_EQ(ends, 1);
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, WindowClosing,
-                         testing::Values(CloseCase{"MetersAndPort", 2, true, false, true, false},
-                                         CloseCase{"MetersAndDemo", 1, false, true, true, false},
-                                         CloseCase{"NoArea", 1, true, false, false, false},
-                                         CloseCase{"NoMeters", 0, true, false, true, true},
-                                         CloseCase{"NoPort", 2, false, false, true, true}),
-                         [](const auto& state) { return state.param.name; });
-
-TEST_F(MainWindowTest, TheEndOfTheSessionIsNotHeldUp) {
-  Start(1).ShowAtLaunch();
-  window->EndSession([] {});
-  window->close();
-  EXPECT_EQ(ends, 1);
-  EXPECT_THAT(prompts.asked, IsEmpty());
-}
-
-TEST_F(MainWindowTest, StartsOutOfSightWhenSettingsSaySo) {
+TEST_F(MainWindowTest, StartsOutOfSightWhenSettingsSaySoAndDoesNotHoldUpTheEndOfTheSession) {
   Put("Settings", "ShowAtLaunch", "False");
   Start(1).ShowAtLaunch();
   EXPECT_FALSE(window->isVisible());
   Choose("mnuSysTray0");
   EXPECT_TRUE(window->isVisible());
+  window->EndSession([] {});
+  window->close();
+  EXPECT_EQ(ends, 1);
+  EXPECT_THAT(prompts.asked, IsEmpty());
 }
 
 TEST_F(MainWindowTest, ComesForwardAsLargeAsItIsAndIsShownInItsNormalState) {
@@ -88,8 +75,7 @@ TEST_F(MainWindowTest, ComesForwardAsLargeAsItIsAndIsShownInItsNormalState) {
   EXPECT_TRUE(window->isVisible() && window->isMaximized());
   window->setWindowState(Qt::WindowMaximized | Qt::WindowMinimized);
   window->BringForward();
-  EXPECT_EQ(window->windowState() & (Qt::WindowMaximized | Qt::WindowMinimized),
-            Qt::WindowMaximized);
+  EXPECT_TRUE(window->isMaximized() && !window->isMinimized());
   window->ShowWindow();
   EXPECT_TRUE(window->isVisible() && !window->isMaximized());
 }
@@ -138,18 +124,9 @@ TEST_F(MainWindowTest, RemovingMetersTakesTheirTabsAndAtLastThePages) {
             "No Kill-A-Watts have been added\r\nDouble click to add...");
 }
 
-TEST_F(MainWindowTest, CalibratesTheSelectedMeter) {
+TEST_F(MainWindowTest, EditsAndCalibratesTheMeterShown) {
   std::vector<std::string> calibrated;
   options.dialogs.calibrateMeter = [&](clsKillAWatt& meter) { calibrated.push_back(meter.Name()); };
-  Start(2).ShowAtLaunch();
-  Choose("mnuTools6");
-  EXPECT_THAT(calibrated, IsEmpty()) << "the Total is not calibrated";
-  Control<QTabBar>("tabKillAWatt").setCurrentIndex(2);
-  Choose("mnuTools6");
-  EXPECT_THAT(calibrated, ElementsAre("Office"));
-}
-
-TEST_F(MainWindowTest, ADoubleClickOnTheTabsEditsTheMeterShown) {
   Start(2).ShowAtLaunch();
   auto& tabs = Control<QTabBar>("tabKillAWatt");
   const auto doubleClick = [&tabs](int tab) {
@@ -157,12 +134,15 @@ TEST_F(MainWindowTest, ADoubleClickOnTheTabsEditsTheMeterShown) {
     QTest::mouseDClick(&tabs, Qt::LeftButton, {}, tabs.tabRect(tab).center());
   };
   doubleClick(0);
+  Choose("mnuTools6");
   EXPECT_THAT(edited, IsEmpty());
+  EXPECT_THAT(calibrated, IsEmpty()) << "the Total is not calibrated";
   doubleClick(2);
-  EXPECT_THAT(edited, ElementsAre("Edit Kill-A-Watt: Office"));
+  Choose("mnuTools6");
+  EXPECT_THAT(calibrated, ElementsAre("Office"));
   port.Close();
   doubleClick(1);
-  EXPECT_EQ(edited.size(), 1U);
+  EXPECT_THAT(edited, ElementsAre("Edit Kill-A-Watt: Office"));
 }
 
 TEST_F(MainWindowTest, AnAddedMeterGetsATabAndAnEditedOneItsNewName) {
@@ -188,6 +168,9 @@ TEST_F(MainWindowTest, TheMessageInTheMainAreaIsDoubleClicked) {
   options.features.showOptions = [&](bool) { ++optionsShown; };
   port.opens = false;
   Start().ShowAtLaunch();
+  const auto& timer = Control<QTimer>("tmrUpdate");
+  EXPECT_TRUE(timer.isActive() && timer.isSingleShot()) << "a second from the end of a tick";
+  EXPECT_EQ(timer.interval(), 1000);
   auto& area = Control<MainArea>("elaWindow");
   EXPECT_EQ(area.Caption(), "Unable to communicate on COM3:\r\nDouble click to modify settings...");
   QTest::mouseDClick(&area, Qt::LeftButton);
@@ -202,6 +185,8 @@ TEST_F(MainWindowTest, TheMessageInTheMainAreaIsDoubleClicked) {
   EXPECT_THAT(edited,
               ElementsAre("Add Kill-A-Watt: New Appliance", "Add Kill-A-Watt: New Appliance"));
   EXPECT_EQ(optionsShown, 1);
+  window->Unload();
+  EXPECT_FALSE(timer.isActive());
 }
 
 TEST_F(MainWindowTest, OnlyTheInfoPanelShowsTheErrorsAndBothEmptyTheList) {
@@ -238,16 +223,6 @@ TEST_F(MainWindowTest, HelpAddressesAreOpenedOrMissed) {
   EXPECT_THAT(desktop.addresses, ElementsAre("https://help.example/"));
   ASSERT_EQ(prompts.asked.size(), 1U);
   EXPECT_EQ(prompts.asked.front().text, "No address is configured.");
-}
-
-TEST_F(MainWindowTest, TheUpdateTimerRunsASecondFromTheEndOfATick) {
-  Start(1);
-  const auto& timer = Control<QTimer>("tmrUpdate");
-  EXPECT_TRUE(timer.isActive());
-  EXPECT_TRUE(timer.isSingleShot());
-  EXPECT_EQ(timer.interval(), 1000);
-  window->Unload();
-  EXPECT_FALSE(timer.isActive());
 }
 
 }  // namespace

@@ -99,10 +99,9 @@ TEST_F(frmOptionsTest, EveryControlEditsItsSetting) {
   Click(*form, "cmdOK");
   EXPECT_FALSE(form->isVisible());
   const AppSettings& s = settings;
-  EXPECT_THAT((std::vector<bool>{s.ShowAtLaunch, s.RunAtStartup, s.AutoUpdate, s.DemoMode,
-                                 s.LogToCSV, s.LogToPachube, s.LogToGoogle, s.LogToPowerMeter,
-                                 s.LogToTwitter, s.AlarmsToTwitter}),
-              ElementsAre(false, true, false, true, false, true, true, true, true, true));
+  EXPECT_TRUE(s.RunAtStartup && s.DemoMode && s.LogToPachube && s.LogToGoogle &&
+              s.LogToPowerMeter && s.LogToTwitter && s.AlarmsToTwitter);
+  EXPECT_FALSE(s.ShowAtLaunch || s.AutoUpdate || s.LogToCSV);
   EXPECT_THAT((std::vector<int>{s.PortNum, s.ServiceState, s.CSVInterval, s.PachubeInterval,
                                 s.GoogleInterval, s.PowerMeterInterval, s.TwitterInterval}),
               ElementsAre(11, 50, 60, 600, 3600, 900, 6));
@@ -134,6 +133,7 @@ TEST_F(frmOptionsTest, AStateFillsTheElectricityFieldsOnceItIsChosen) {
 
 TEST_F(frmOptionsTest, PointsOutWhatIsNotTaken) {
   settings.CSVInterval = 120;
+  settings.GoogleDocName = "a\xFF\nb";
   Open();
   EXPECT_EQ(Note("cboCSVInterval"), "The present setting is not in this list: choose an entry.");
   Choose("cboCSVInterval", "1 hour");
@@ -145,6 +145,7 @@ TEST_F(frmOptionsTest, PointsOutWhatIsNotTaken) {
   Click(*form, "cmdOK");
   EXPECT_FALSE(form->isVisible());
   EXPECT_THAT(prompts.asked, IsEmpty());
+  EXPECT_EQ(settings.GoogleDocName, "a\xFF\nb") << "nobody touched it";
 }
 
 TEST_F(frmOptionsTest, TheDeviceOfEachPortIsChosen) {
@@ -178,11 +179,9 @@ TEST_F(frmOptionsTest, TheButtonChoosesTheCSVFile) {
   Open();
   EXPECT_EQ(Get("txtCSVFilename").text(), "/logs/.../wattlark.csv");
   Click(*form, "cmdSetCSVFilename");
-  ASSERT_EQ(prompts.choosers.size(), 1u);
-  EXPECT_EQ(prompts.choosers[0].caption, "Save Log File");
-  EXPECT_EQ(prompts.choosers[0].filter, "CSV (Comma Separated Value) File (*.csv)");
-  EXPECT_EQ(prompts.choosers[0].file, settings.CSVFilename);
-  EXPECT_TRUE(prompts.choosers[0].appends);
+  EXPECT_THAT(prompts.choosers, ElementsAre(testing::FieldsAre(
+                                    "Save Log File", "CSV (Comma Separated Value) File (*.csv)",
+                                    settings.CSVFilename, true)));
   EXPECT_EQ(Get("txtCSVFilename").text(), "/logs/.../wattlark.csv") << "cancelled";
   prompts.chosenFile = "/logs/new.csv";
   Click(*form, "cmdSetCSVFilename");
@@ -191,13 +190,6 @@ TEST_F(frmOptionsTest, TheButtonChoosesTheCSVFile) {
   Click(*form, "cmdOK");
   EXPECT_EQ(settings.CSVFilename, "/logs/new.csv");
   EXPECT_TRUE(settings.CSVFileChanged);
-}
-
-TEST_F(frmOptionsTest, TextsThatNobodyTouchesKeepTheirBytes) {
-  settings.TwitterMessage = "a\xFF\nb";
-  Open();
-  Click(*form, "cmdOK");
-  EXPECT_EQ(settings.TwitterMessage, "a\xFF\nb");
 }
 
 TEST_F(frmOptionsTest, PasswordsAreNeverGivenAway) {

@@ -22,11 +22,6 @@ TEST(frmSoftwareUpdateTest, ShowsPlainTexts) {
   EXPECT_TRUE(notes.isReadOnly());
 }
 
-struct AnswerCase {
-  std::function<void(QWidget&)> act;
-  UpdateAnswer answer;
-};
-
 TEST(frmSoftwareUpdateTest, OnlyTheTwoButtonsDoMoreThanPutItOff) {
   const auto click = [](const char* name) {
     return [name](QWidget& form) { form.findChild<QPushButton*>(name)->click(); };
@@ -34,17 +29,14 @@ TEST(frmSoftwareUpdateTest, OnlyTheTwoButtonsDoMoreThanPutItOff) {
   const auto press = [](Qt::Key key) {
     return [key](QWidget& form) { QTest::keyClick(&form, key); };
   };
-  const AnswerCase cases[] = {
-      {click("cmdOK"), UpdateAnswer::Download},
-      {click("cmdSkipThisVersion"), UpdateAnswer::SkipThisVersion},
-      {click("cmdCancel"), UpdateAnswer::RemindLater},
-      {press(Qt::Key_Return), UpdateAnswer::RemindLater},
-      {press(Qt::Key_Escape), UpdateAnswer::RemindLater},
-      {[](QWidget& form) { form.close(); }, UpdateAnswer::RemindLater},
-  };
-  for (const AnswerCase& test : cases) {
-    QTimer::singleShot(0, [&] { test.act(*QApplication::activeModalWidget()); });
-    EXPECT_EQ(OfferUpdate(kOffer, nullptr), test.answer);
+  using Row = std::pair<std::function<void(QWidget&)>, UpdateAnswer>;
+  for (const auto& [act, answer] : {Row{click("cmdOK"), UpdateAnswer::Download},
+                                    Row{click("cmdSkipThisVersion"), UpdateAnswer::SkipThisVersion},
+                                    Row{click("cmdCancel"), UpdateAnswer::RemindLater},
+                                    Row{press(Qt::Key_Return), UpdateAnswer::RemindLater},
+                                    Row{press(Qt::Key_Escape), UpdateAnswer::RemindLater}}) {
+    QTimer::singleShot(0, [&, act = act] { act(*QApplication::activeModalWidget()); });
+    EXPECT_EQ(OfferUpdate(kOffer, nullptr), answer);
   }
 }
 

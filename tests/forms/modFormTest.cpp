@@ -7,40 +7,33 @@
 namespace wattlark {
 namespace {
 
-struct PlacementCase {
-  const char* stored;
-  QRect expected;  ///< an empty size: the size before, in the middle of the screen
-  Qt::WindowState state;
-};
-
-struct WindowRestoring : MainWindowTest, testing::WithParamInterface<PlacementCase> {};
-
 // The screen has 800 x 800 pixels; 15 twips are one.
-TEST_P(WindowRestoring, PutsTheWindowWhereItWas) {
+TEST_F(MainWindowTest, IsPutWhereItWas) {
   ASSERT_EQ(QGuiApplication::primaryScreen()->size(), QSize(800, 800));
-  Put("WindowSettings", "frmMain", GetParam().stored);
-  Start();
-  EXPECT_EQ(window->windowState(), Qt::WindowStates(GetParam().state));
-  QRect expected = GetParam().expected;
-  if (expected.isEmpty()) {
-    EXPECT_GE(window->width(), 360);
-    EXPECT_GE(window->height(), 520);
-    expected = QRect(QPoint(400 - window->width() / 2, 400 - window->height() / 2), window->size());
+  using Row = std::tuple<const char*, QRect, Qt::WindowState>;
+  for (const auto& [stored, bounds, state] :
+       {Row{"1500,750,7500,9000,0", {100, 50, 500, 600}, Qt::WindowNoState},
+        Row{"1500,750,7500,9000,2", {100, 50, 500, 600}, Qt::WindowMaximized},
+        Row{"1500,750,7500,9000,1", {100, 50, 500, 600}, Qt::WindowMinimized},
+        Row{"1e300,-1e300,1e300,1e300,0", {}, Qt::WindowNoState},
+        Row{"nan,inf,-inf,1e999,0", {}, Qt::WindowNoState}, Row{"", {}, Qt::WindowNoState}}) {
+    SCOPED_TRACE(stored);
+    Put("WindowSettings", "frmMain", stored);
+    TearDown();
+    Start();
+    EXPECT_EQ(window->windowState(), Qt::WindowStates(state));
+    QRect expected = bounds;
+    if (expected.isEmpty()) {
+      EXPECT_GE(window->width(), 360);
+      EXPECT_GE(window->height(), 520);
+      expected = QRect({400 - window->width() / 2, 400 - window->height() / 2}, window->size());
+    }
+    EXPECT_LE((window->pos() - expected.topLeft()).manhattanLength(), 2);
+    EXPECT_EQ(window->size(), expected.size());
+    window->ShowAtLaunch();
+    EXPECT_EQ(window->isVisible(), state != Qt::WindowMinimized);
   }
-  EXPECT_LE((window->pos() - expected.topLeft()).manhattanLength(), 2);
-  EXPECT_EQ(window->size(), expected.size());
-  window->ShowAtLaunch();
-  EXPECT_EQ(window->isVisible(), GetParam().state != Qt::WindowMinimized);
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, WindowRestoring,
-    testing::Values(PlacementCase{"1500,750,7500,9000,0", {100, 50, 500, 600}, Qt::WindowNoState},
-                    PlacementCase{"1500,750,7500,9000,2", {100, 50, 500, 600}, Qt::WindowMaximized},
-                    PlacementCase{"1500,750,7500,9000,1", {100, 50, 500, 600}, Qt::WindowMinimized},
-                    PlacementCase{"1e300,-1e300,1e300,1e300,0", {}, Qt::WindowNoState},
-                    PlacementCase{"nan,inf,-inf,1e999,0", {}, Qt::WindowNoState},
-                    PlacementCase{"", {}, Qt::WindowNoState}));
 
 TEST_F(MainWindowTest, StoresItsPlacementAndMinimisedTheBoundsOfBefore) {
   Start(1).ShowAtLaunch();
@@ -53,13 +46,10 @@ TEST_F(MainWindowTest, StoresItsPlacementAndMinimisedTheBoundsOfBefore) {
   window->showMinimized();
   EXPECT_TRUE(window->Unload());
   EXPECT_EQ(Get("WindowSettings", "frmMain"), "1800,1200,7500,9000,1");
-}
-
-TEST_F(MainWindowTest, APlacementThatIsNotStoredFailsTheSave) {
-  Start(1);
+  window->showNormal();
   registry.failsCommit = true;
   EXPECT_FALSE(window->Unload());
-  EXPECT_EQ(Get("WindowSettings", "frmMain"), "(none)");
+  EXPECT_EQ(Get("WindowSettings", "frmMain"), "1800,1200,7500,9000,1");
 }
 
 TEST_F(MainWindowTest, StaysOnTopAsSettingsSayAndTheMenuChanges) {

@@ -11,9 +11,8 @@ namespace {
 
 std::vector<NamedRegistryValue>::iterator FindValue(std::vector<NamedRegistryValue>& values,
                                                     const std::string& name) {
-  return std::find_if(values.begin(), values.end(), [&](const NamedRegistryValue& value) {
-    return FoldCase(value.name) == FoldCase(name);
-  });
+  return std::ranges::find_if(
+      values, [&](const auto& value) { return FoldCase(value.name) == FoldCase(name); });
 }
 
 }  // namespace
@@ -26,19 +25,17 @@ bool MemoryRegistry::MayChange() {
 }
 
 MemoryRegistry::Key* MemoryRegistry::Find(Hive hive, const std::string& path) {
-  if (failsReads) {
-    errorText_ = "another program is using it";
-    return nullptr;
-  }
-  const auto found = keys_.find({hive, FoldCase(NormalRegistryPath(path))});
-  return found == keys_.end() ? nullptr : &found->second;
+  if (failsReads) errorText_ = "another program is using it";
+  const auto found =
+      std::ranges::find(keys_, std::pair(hive, FoldCase(NormalRegistryPath(path))), &Key::place);
+  return failsReads || found == keys_.end() ? nullptr : &*found;
 }
 
 MemoryRegistry::Key& MemoryRegistry::FindOrCreate(Hive hive, const std::string& normalPath) {
   if (Key* key = Find(hive, normalPath)) return *key;
   const std::string parent(ParentRegistryPath(normalPath));
   if (!parent.empty()) FindOrCreate(hive, parent);
-  return keys_[{hive, FoldCase(normalPath)}] = Key{normalPath, created_++, {}};
+  return keys_.emplace_back(Key{{hive, FoldCase(normalPath)}, normalPath, {}});
 }
 
 bool MemoryRegistry::KeyExists(Hive hive, const std::string& path) {
@@ -55,20 +52,18 @@ bool MemoryRegistry::CreateKey(Hive hive, const std::string& path) {
 bool MemoryRegistry::DeleteKey(Hive hive, const std::string& path) {
   const Key* key = Find(hive, path);
   if (key == nullptr || !SubKeys(hive, path).empty() || !MayChange()) return false;
-  keys_.erase({hive, FoldCase(key->path)});
+  keys_.erase(keys_.begin() + (key - keys_.data()));
   return true;
 }
 
 std::vector<std::string> MemoryRegistry::SubKeys(Hive hive, const std::string& path) {
   const std::string parent = FoldCase(NormalRegistryPath(path));
-  std::vector<const Key*> children;
-  for (const auto& [place, key] : keys_) {
-    if (place.first == hive && ParentRegistryPath(place.second) == parent) children.push_back(&key);
-  }
-  std::sort(children.begin(), children.end(),
-            [](const Key* a, const Key* b) { return a->order < b->order; });
   std::vector<std::string> names;
-  for (const Key* key : children) names.emplace_back(RegistryKeyName(key->path));
+  for (const Key& key : keys_) {
+    const auto& [keyHive, folded] = key.place;
+    if (keyHive != hive || ParentRegistryPath(folded) != parent) continue;
+    names.emplace_back(RegistryKeyName(key.path));
+  }
   return names;
 }
 

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstddef>
-#include <map>
 #include <optional>
 #include <string>
 #include <utility>
@@ -35,18 +33,17 @@ class MemoryRegistry : public Registry {
 
  private:
   struct Key {
+    std::pair<Hive, std::string> place;  ///< and its folded path
     std::string path;
-    std::size_t order;  ///< of creation
     std::vector<NamedRegistryValue> values;
   };
-  using Keys = std::map<std::pair<Hive, std::string>, Key>;  ///< by hive and folded path
+  using Keys = std::vector<Key>;  ///< in the order of their creation
 
   bool MayChange();
   Key* Find(Hive hive, const std::string& path);
   Key& FindOrCreate(Hive hive, const std::string& normalPath);
 
   Keys keys_;
-  std::size_t created_ = 0;
   std::optional<Keys> beforeTransaction_;
   bool transactionFailed_ = false;
   std::string errorText_;
