@@ -6,6 +6,7 @@
 #include <array>
 #include <csignal>
 #include <cstdlib>
+#include <regex>
 #include <vector>
 
 #include "cli/Console.h"
@@ -20,21 +21,18 @@ using testing::ElementsAre;
 class Screen {
  public:
   void Write(const std::string& text) {
-    for (std::size_t i = 0; i < text.size(); ++i) {
-      if (text[i] == '\x1b') {
-        ASSERT_EQ(text.at(++i), '[');
-        std::string digits;
-        while (std::isdigit(static_cast<unsigned char>(text.at(++i))) != 0) digits += text[i];
-        Control(text[i], digits.empty() ? 0 : std::stoul(digits));
-      } else if (text[i] == '\r') {
+    static const std::regex part("\x1b\\[(\\d*)([A-Z])|([^])");
+    for (std::sregex_iterator at(text.begin(), text.end(), part), end; at != end; ++at) {
+      if ((*at)[2].matched) {
+        Control((*at)[2].str(), (*at)[1].length() > 0 ? std::stoul((*at)[1]) : 0);
+      } else if (*at->str().c_str() == '\r') {
         column_ = 0;
-      } else if (text[i] == '\n') {
-        ++row_;
+      } else if (*at->str().c_str() == '\n') {
         column_ = 0;
-        if (row_ == lines_.size()) lines_.emplace_back();
+        if (++row_ == lines_.size()) lines_.emplace_back();
       } else {
         lines_[row_].resize(std::max(lines_[row_].size(), column_ + 1), ' ');
-        lines_[row_][column_++] = text[i];
+        lines_[row_][column_++] = *at->str().c_str();
       }
     }
   }
@@ -46,26 +44,14 @@ class Screen {
   }
 
  private:
-  void Control(char command, std::size_t count) {
-    switch (command) {
-      case 'A':
-        ASSERT_LE(count, row_);
-        row_ -= count;
-        break;
-      case 'H':
-        row_ = column_ = 0;
-        break;
-      case 'J':
-        if (count == 2) lines_.assign(lines_.size(), "");
-        lines_[row_].resize(std::min(lines_[row_].size(), column_));
-        lines_.resize(row_ + 1);
-        break;
-      case 'K':
-        lines_[row_].resize(std::min(lines_[row_].size(), column_));
-        break;
-      default:
-        FAIL() << "unknown control " << command;
-    }
+  void Control(const std::string& command, std::size_t count) {
+    ASSERT_NE(std::string("AHJK").find(command), std::string::npos) << "unknown control";
+    ASSERT_TRUE(command != "A" || count <= row_);
+    if (command == "A") row_ -= count;
+    if (command == "H") row_ = column_ = 0;
+    if (command == "J" && count == 2) lines_.assign(lines_.size(), "");
+    if (command == "J") lines_.resize(row_ + 1);
+    if (command >= "J") lines_[row_].resize(std::min(lines_[row_].size(), column_));
   }
 
   std::vector<std::string> lines_{""};
@@ -102,14 +88,12 @@ TEST_F(ConsoleOnTerminal, RefreshesTheTableInPlace) {
   ASSERT_TRUE(console.IsTable());
   console.ShowTable("Meter  Watts\nKitchen  1000\nDen  20\n");
   EXPECT_THAT(Shown(), ElementsAre("Meter  Watts", "Kitchen  1000", "Den  20"));
-  console.ShowTable("Meter  Watts\nKitchen  9\nDen  20\n");
-  EXPECT_THAT(Shown(), ElementsAre("Meter  Watts", "Kitchen  9", "Den  20"));
-  console.ShowTable("Meter  Watts\n");
-  EXPECT_THAT(Shown(), ElementsAre("Meter  Watts"));
-  console.ShowTable("Meter  Watts\n");
+  console.ShowTable("Meter  Watts\nKitchen  9\n");
+  EXPECT_THAT(Shown(), ElementsAre("Meter  Watts", "Kitchen  9"));
+  console.ShowTable("Meter  Watts\nKitchen  9\n");
   EXPECT_EQ(terminal.Read(), "") << "it shows already";
-  console.ShowTable("Meter  Watts\nKitchen  7\n");
-  EXPECT_THAT(Shown(), ElementsAre("Meter  Watts", "Kitchen  7"));
+  console.ShowTable("Meter  Watts\nKitchen  7\nDen  20\n");
+  EXPECT_THAT(Shown(), ElementsAre("Meter  Watts", "Kitchen  7", "Den  20"));
 }
 
 TEST_F(ConsoleOnTerminal, PutsMessagesAboveTheTable) {
@@ -143,21 +127,10 @@ TEST_F(ConsoleOnTerminal, KnowsItsSizeAndWhetherItsCursorMoves) {
   EXPECT_FALSE(stream.IsTerminal());
 }
 
-struct ConsoleOnPipe : testing::Test {
+TEST(ConsoleOnPipe, AReaderThatDoesNotReadHoldsNobodyUpAndOneThatHasGoneEndsNothing) {
   std::array<int, 2> pipe{-1, -1};
-  ConsoleOnPipe() {
-    EXPECT_EQ(::pipe2(pipe.data(), O_CLOEXEC), 0);
-    ::signal(SIGPIPE, SIG_IGN);
-  }
-  ~ConsoleOnPipe() override {
-    for (const int end : pipe) {
-      if (end >= 0) ::close(end);
-    }
-    ::signal(SIGPIPE, SIG_DFL);
-  }
-};
-
-TEST_F(ConsoleOnPipe, AReaderThatDoesNotReadHoldsNobodyUp) {
+  ASSERT_EQ(::pipe2(pipe.data(), O_CLOEXEC), 0);
+  ::signal(SIGPIPE, SIG_IGN);
   ConsoleStream stream(pipe[1]);
   EXPECT_FALSE(stream.IsTerminal());
   const std::string line(1000, 'x');
@@ -168,14 +141,11 @@ TEST_F(ConsoleOnPipe, AReaderThatDoesNotReadHoldsNobodyUp) {
   std::string bytes(65536, '\0');
   EXPECT_GT(::read(pipe[0], bytes.data(), bytes.size()), 0);
   EXPECT_TRUE(stream.Write(line));
-}
-
-TEST_F(ConsoleOnPipe, AReaderThatHasGoneEndsNothing) {
-  ConsoleStream stream(pipe[1]);
   ::close(pipe[0]);
-  pipe[0] = -1;
   EXPECT_FALSE(stream.Write("a\n"));
   EXPECT_FALSE(stream.Write("b\n"));
+  ::close(pipe[1]);
+  ::signal(SIGPIPE, SIG_DFL);
 }
 
 }  // namespace

@@ -18,53 +18,46 @@ TEST_F(SettingCommands, DefaultsAreInForceWithoutAProfile) {
 }
 
 TEST_F(SettingCommands, WhatIsSetReadsBack) {
-  const struct {
-    const char* name;
-    const char* value;
-    const char* stored;
-  } cases[] = {
-      {"portnum", " 12 ", "12"},
-      {"Mils", "0,2", "0.2"},
-      {"LogToCSV", "FALSE", "False"},
-      {"TwitterMessage", "-%W, [%D], {}", "-%W, [%D], {}"},
-      {"TwitterMessage", "", "Currently using %W, %D so far today, %Y yesterday."},
-      {"CSVFilename", "/tmp/März.csv", "/tmp/März.csv"},
-      {"PortDevices/com07", "/dev/serial/by-id/x", "/dev/serial/by-id/x"},
-      {"PortDevices/COM7", "", ""},
-      {"serviceendpoints/twitterupdateurl", "http://127.0.0.1:8080/update",
-       "http://127.0.0.1:8080/update"},
-      {"ServiceEndpoints/ClientLoginURL", "", "https://www.google.com/accounts/ClientLogin"},
-      {"WindowSettings/frmMain", "1,2,3,4,0", "1,2,3,4,0"}};
-  for (const auto& test : cases) {
-    ExpectDone({"setting", "set", test.name, "--", test.value});
-    EXPECT_EQ(Setting(test.name), std::string(test.stored) + "\n");
+  using Row = std::array<std::string, 3>;
+  for (const auto& [name, value, stored] :
+       {Row{"portnum", " 12 ", "12"}, Row{"Mils", "0,2", "0.2"}, Row{"LogToCSV", "FALSE", "False"},
+        Row{"TwitterMessage", "-%W, [%D], {}", "-%W, [%D], {}"},
+        Row{"TwitterMessage", "", "Currently using %W, %D so far today, %Y yesterday."},
+        Row{"CSVFilename", "/tmp/März.csv", "/tmp/März.csv"},
+        Row{"PortDevices/com07", "/dev/serial/by-id/x", "/dev/serial/by-id/x"},
+        Row{"PortDevices/COM7", "", ""},
+        Row{"serviceendpoints/twitterupdateurl", "http://127.0.0.1:8080/u",
+            "http://127.0.0.1:8080/u"},
+        Row{"ServiceEndpoints/ClientLoginURL", "", "https://www.google.com/accounts/ClientLogin"},
+        Row{"WindowSettings/frmMain", "1,2,3,4,0", "1,2,3,4,0"}}) {
+    ExpectDone({"setting", "set", name, "--", value});
+    EXPECT_EQ(Setting(name), stored + "\n");
   }
-  EXPECT_FALSE(RunHere({"setting", "list", "--json"}).Json().contains("PortDevices/COM7"));
+  regional_.decimalSeparator = ",";
+  EXPECT_EQ(Setting("Mils"), "0,2\n");
+  const nlohmann::json list = RunHere({"setting", "list", "--json"}).Json();
+  EXPECT_EQ(list["Mils"], 0.2);
+  EXPECT_FALSE(list.contains("PortDevices/COM7"));
 }
 
 TEST_F(SettingCommands, WhatDoesNotFitIsToldAndChangesNothing) {
   ExpectDone({"setting", "set", "PortNum", "4"});
   const auto before = ProfileFiles();
-  const std::string sections = "the sections are Settings, PortDevices, ServiceEndpoints";
-  const struct {
-    const char* name;
-    const char* value;
-    std::string reason;
-  } cases[] = {{"Nonsense", "1", "There is no setting \"Nonsense\"."},
-               {"", "1", "There is no setting \"\"."},
-               {"ServiceEndpoints/Nonsense", "http://h/", "There is no address \"Nonsense\"."},
-               {"ServiceEndpoints/VersionFileURL", "file:///etc/passwd", "http"},
-               {"KillAWatts/Kitchen", "1", sections},
-               {"PortNum", "65539", "PortNum"},
-               {"Mils", "inf", "Mils"},
-               {"TwitterMessage", "\xC3", "not UTF-8"},
-               {"PortDevices/COM3", "ttyS2", "The device of COM3 is an absolute path"},
-               {"PortDevices/COM0", "/dev/x", "\"COM0\" is not a port from COM1 to COM256."},
-               {"PortDevices/LPT1", "/dev/x", "\"LPT1\" is not a port"},
-               {"PortDevices/COM257", "/dev/x", "\"COM257\" is not a port"},
-               {"WindowSettings/", "1", "The name of the window is missing."}};
-  for (const auto& test : cases) {
-    ExpectRefused(RunHere({"setting", "set", test.name, "--", test.value}), test.reason);
+  using Row = std::array<const char*, 3>;
+  for (const auto& [name, value, reason] :
+       {Row{"Nonsense", "1", "There is no setting \"Nonsense\"."},
+        Row{"", "1", "There is no setting \"\"."},
+        Row{"ServiceEndpoints/Nonsense", "http://h/", "There is no address \"Nonsense\"."},
+        Row{"ServiceEndpoints/VersionFileURL", "file:///etc/passwd", "http"},
+        Row{"KillAWatts/Kitchen", "1", "the sections are Settings, PortDevices, ServiceEndpoints"},
+        Row{"PortNum", "65539", "PortNum"}, Row{"Mils", "inf", "Mils"},
+        Row{"TwitterMessage", "\xC3", "not UTF-8"},
+        Row{"PortDevices/COM3", "ttyS2", "The device of COM3 is an absolute path"},
+        Row{"PortDevices/COM0", "/dev/x", "\"COM0\" is not a port from COM1 to COM256."},
+        Row{"PortDevices/LPT1", "/dev/x", "\"LPT1\" is not a port"},
+        Row{"PortDevices/COM257", "/dev/x", "\"COM257\" is not a port"},
+        Row{"WindowSettings/", "1", "The name of the window is missing."}}) {
+    ExpectRefused(RunHere({"setting", "set", name, "--", value}), reason);
   }
   ExpectRefused(RunHere({"setting", "get", "Nonsense"}), "There is no setting \"Nonsense\".\n");
   EXPECT_EQ(ProfileFiles(), before);
@@ -81,13 +74,6 @@ TEST_F(SettingCommands, SetWritesNoOtherValue) {
   EXPECT_EQ(texts, std::vector<std::string>{"4"});
   store.EnumSubKeys(Hive::CurrentUser, modRegistry::AppKeyPath("", ""), names);
   EXPECT_EQ(names, std::vector<std::string>{"Settings"});
-}
-
-TEST_F(SettingCommands, NumbersFollowTheFormOfTheRegion) {
-  regional_.decimalSeparator = ",";
-  ExpectDone({"setting", "set", "Mils", "0,2"});
-  EXPECT_EQ(Setting("Mils"), "0,2\n");
-  EXPECT_EQ(RunHere({"setting", "list", "--json"}).Json()["Mils"], 0.2);
 }
 
 TEST_F(SettingCommands, AHyphenReadsTheValueFromStandardInput) {
@@ -140,22 +126,27 @@ TEST_F(SettingCommands, TableHidesSecretsAndJsonDoesNot) {
 }
 
 TEST_F(SettingCommands, ProfileOfARunningProgramCanBeReadButNotChanged) {
-  ExpectDone({"setting", "set", "PortNum", "4"});
+  AddKitchen();
   ProfileLock running(profile_);
   ASSERT_TRUE(running.TryAcquire());
-  EXPECT_EQ(Setting("PortNum"), "4\n");
-  ExpectRefused(RunHere({"setting", "set", "PortNum", "5"}), "A running program has the profile");
-  EXPECT_EQ(Setting("PortNum"), "4\n");
+  const auto before = ProfileFiles();
+  EXPECT_EQ(Meters().size(), 1U);
+  EXPECT_EQ(Setting("PortNum"), "3\n");
+  using Words = std::vector<std::string>;
+  for (const auto& arguments : {Words{"setting", "set", "PortNum", "5"},
+                                Words{"meter", "add", "--name", "New", "--address", "6"},
+                                Words{"meter", "remove", "Kitchen"}}) {
+    ExpectRefused(RunHere(arguments), "A running program has the profile");
+  }
+  EXPECT_EQ(ProfileFiles(), before);
 }
 
 TEST_F(SettingCommands, StoreThatCannotBeReadIsARefusal) {
   ExpectDone({"setting", "set", "PortNum", "4"});
   const WithoutRoot asAnotherUser;
-  for (const std::vector<std::string>& arguments :
-       {std::vector<std::string>{"setting", "get", "PortNum"},
-        {"setting", "list"},
-        {"setting", "set", "PortNum", "5"},
-        {"meter", "list"}}) {
+  using Words = std::vector<std::string>;
+  for (const auto& arguments : {Words{"setting", "get", "PortNum"}, Words{"setting", "list"},
+                                Words{"setting", "set", "PortNum", "5"}, Words{"meter", "list"}}) {
     ExpectRefused(RunHere(arguments), profile_);
   }
 }

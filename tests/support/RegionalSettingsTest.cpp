@@ -26,6 +26,8 @@ TEST(FormatDateTime, WritesThePattern) {
         Row{"d 'never closed yyyy", "2010-12-06T03:04:05", "6 never closed yyyy"}}) {
     EXPECT_EQ(FormatDateTime(RegionalSettings::UnitedStates(), At(c.moment), c.pattern), c.text);
   }
+  EXPECT_EQ(FormatDateTime(RegionalSettings::UnitedStates(), DateTime(), "'text'"), "");
+  EXPECT_EQ(FormatDateAndTime(RegionalSettings::UnitedStates(), DateTime()), "");
 }
 
 // Besides, every moment that tells hours, halves of the day and months apart comes back.
@@ -78,33 +80,15 @@ TEST(ParseDateAndTime, AcceptsWhatPeopleAndSystemsVary) {
 }
 
 TEST(ParseDateAndTime, RefusesWhatIsNone) {
-  for (const char* text : {"",
-                           " ",
-                           "0",
-                           "garbage",
-                           "3/7",
-                           "3/7/",
-                           "3/7/10",
-                           "3/7/10 3:04:05 PM",
-                           "3/7/20100",
-                           "13/7/2010",
-                           "2/29/2010",
-                           "0/7/2010",
-                           "-3/7/2010",
-                           "3/7/-201",
-                           "3.7.2010",
-                           "3/7/2010 3:04:05",
-                           "3/7/2010 3:04:05 XM",
-                           "3/7/2010 13:04:05 PM",
-                           "3/7/2010 0:04:05 AM",
-                           "3/7/2010 3:60:05 AM",
-                           "3/7/2010 3:04:60 AM",
-                           "3/7/2010 3:04 AM",
-                           "3/7/2010 3:04:05 PM x",
-                           "3/7/2010x3:04:05 PM",
-                           "3/7/2010 99999999999:04:05 PM",
-                           "3/7/2010 \xFF\xC3",
-                           "3//2010"}) {
+  for (const char* text :
+       {"", " ", "0", "garbage", "3/7", "3/7/", "3/7/10", "3/7/10 3:04:05 PM", "3/7/20100",
+        "13/7/2010", "2/29/2010", "0/7/2010", "-3/7/2010", "3/7/-201", "3.7.2010", "3//2010"}) {
+    EXPECT_FALSE(ParseDateAndTime(RegionalSettings::UnitedStates(), text)) << text;
+  }
+  for (const char* time :
+       {" 3:04:05", " 3:04:05 XM", " 13:04:05 PM", " 0:04:05 AM", " 3:60:05 AM", " 3:04:60 AM",
+        " 3:04 AM", " 3:04:05 PM x", "x3:04:05 PM", " 99999999999:04:05 PM", " \xFF\xC3"}) {
+    const std::string text = std::string("3/7/2010") + time;
     EXPECT_FALSE(ParseDateAndTime(RegionalSettings::UnitedStates(), text)) << text;
   }
   const RegionalSettings regional = WithPatterns("dddd d MMM M yyyy", "HH:mm:ss");
@@ -115,14 +99,6 @@ TEST(ParseDateAndTime, RefusesWhatIsNone) {
   }
   EXPECT_FALSE(ParseDateAndTime(WithPatterns("M/yyyy", "HH:mm:ss"), "3/2010 00:00:00"));
   EXPECT_FALSE(ParseDateAndTime(WithPatterns("", ""), "3/2010"));
-}
-
-TEST(RegionalSettings, NeverIsEmptyEverywhere) {
-  const RegionalSettings regional = RegionalSettings::UnitedStates();
-  EXPECT_EQ(FormatDateTime(regional, DateTime(), "'text'"), "");
-  EXPECT_EQ(FormatShortDate(regional, DateTime()), "");
-  EXPECT_EQ(FormatLongTime(regional, DateTime()), "");
-  EXPECT_EQ(FormatDateAndTime(regional, DateTime()), "");
 }
 
 }  // namespace

