@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QByteArray>
 #include <cmath>
 #include <filesystem>
 #include <nlohmann/json.hpp>
@@ -29,9 +30,7 @@ inline Bytes Burst(std::uint16_t address) {
 }
 
 inline std::size_t CountOf(const std::string& text, const std::string& part) {
-  std::size_t count = 0;
-  for (std::size_t at = 0; (at = text.find(part, at)) != std::string::npos; ++at) ++count;
-  return count;
+  return static_cast<std::size_t>(QByteArray::fromStdString(text).count(part.c_str()));
 }
 
 // A profile with a meter "Kitchen" of address 5, and a receiver that the test speaks for.
@@ -80,13 +79,13 @@ struct HeadlessRun : testing::Test {
     return nlohmann::json::parse(Run({"meter", "list", "--json"})).at(0);
   }
   double KitchenEnergy() const { return Kitchen().at("Usage").at("ToDate").get<double>(); }
-  // In place of the receiver, a simulated one that hears the meters 5 and 6.
-  void Simulate() {
+  // In place of the receiver, a simulated one that hears these meters.
+  void Simulate(const std::vector<std::string>& meters) {
     std::filesystem::remove(device);
-    sim.emplace(std::vector<std::string>{WATTLARK_SIM_PROGRAM, "--link", device, "--meter",
-                                         "Kitchen:5:620", "--meter", "Office:6:80", "--period",
-                                         "0.2"});
-    ASSERT_TRUE(WaitUntil([&] { return std::filesystem::exists(device); })) << sim->Messages();
+    std::vector<std::string> command{WATTLARK_SIM_PROGRAM, "--link", device, "--period", "0.2"};
+    for (const std::string& meter : meters) command.insert(command.end(), {"--meter", meter});
+    sim.emplace(command);
+    EXPECT_TRUE(WaitUntil([&] { return std::filesystem::exists(device); })) << sim->Messages();
   }
   // A server of version information, to which the profile is pointed.
   std::unique_ptr<HttpServer> OfferVersion9() const {
@@ -101,12 +100,11 @@ struct HeadlessRun : testing::Test {
   }
   // As a capture has it.
   static std::string BurstText(std::uint16_t address) {
-    std::string hex;
-    for (const std::uint8_t byte : Burst(address)) {
-      hex += "0123456789ABCDEF"[byte >> 4];
-      hex += "0123456789ABCDEF"[byte & 15];
-    }
-    return hex;
+    const Bytes burst = Burst(address);
+    return QByteArray(reinterpret_cast<const char*>(burst.data()), burst.size())
+        .toHex()
+        .toUpper()
+        .toStdString();
   }
   // Sends a burst and waits until the program has read all of it.
   void SendBurst() {

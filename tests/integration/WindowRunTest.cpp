@@ -1,55 +1,25 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <QCoreApplication>
-#include <filesystem>
-#include <nlohmann/json.hpp>
 #include <regex>
 
-#include "integration/RunningProgram.h"
+#include "integration/HeadlessRun.h"
 #include "integration/ScreenReader.h"
 #include "integration/TestDesktop.h"
-#include "platform/TemporaryFolder.h"
-#include "services/HttpServer.h"
 
 namespace wattlark {
 namespace {
 
-using Json = nlohmann::json;
-
 // The program in its window, with a simulated meter, on a desktop, and someone who reads the
 // screen.
-struct WindowRun : testing::Test {
-  TemporaryFolder folder;
-  std::string profile = folder.File("profile");
-  std::string device = folder.File("receiver");
+struct WindowRun : HeadlessRun {
   TestDesktop desktop;
-  int argc = 0;
-  QCoreApplication application{argc, nullptr};
   ScreenReader reader;
-  RunningProgram sim{
-      {WATTLARK_SIM_PROGRAM, "--link", device, "--meter", "Kitchen:5:620", "--period", "0.5"}};
 
-  void SetUp() override {
-    ASSERT_TRUE(WaitUntil([&] { return std::filesystem::exists(device); })) << sim.Messages();
-  }
+  WindowRun() { Simulate({"Kitchen:5:620"}); }
 
-  std::vector<std::string> Command(const char* program, std::vector<std::string> arguments) const {
-    arguments.insert(arguments.begin(), program);
-    arguments.insert(arguments.end(), {"--profile", profile});
-    return arguments;
-  }
   std::vector<std::string> Window() const {
-    return Command(WATTLARK_PROGRAM, {"--device", device});
+    return Command({"--device", device}, WATTLARK_PROGRAM);
   }
-  // What a command of the headless program prints.
-  std::string Run(std::vector<std::string> arguments) const {
-    RunningProgram command(Command(WATTLARK_HEADLESS_PROGRAM, std::move(arguments)));
-    EXPECT_EQ(command.Wait(), 0) << command.Messages();
-    return command.Output();
-  }
-  Json Kitchen() const { return Json::parse(Run({"meter", "list", "--json"})).at(0); }
-  double KitchenEnergy() const { return Kitchen().at("Usage").at("ToDate").get<double>(); }
   /// Waits until the screen has a text of this form somewhere, and returns it. A text that was
   /// there `before` does not count.
   std::string Expect(const std::string& pattern, const std::string& before = "") {
@@ -78,16 +48,14 @@ struct WindowRun : testing::Test {
 constexpr const char* kReading = "(5[5-9]|6[0-9])[0-9]\\.[0-9] W\n";
 
 TEST_F(WindowRun, ShowsAMeterRaisesAnAlarmHidesComesBackAndKeepsItsTotals) {
-  Run({"meter", "add", "--name", "Kitchen", "--address", "5", "--alarm", "on", "--alarm-upper",
-       "300", "--alarm-duration", "1"});
+  AddKitchen({"--alarm", "on", "--alarm-upper", "300", "--alarm-duration", "1"});
   RunningProgram program(Window());
   Expect(kReading);
   Expect("Alarm!");
   Expect("Kitchen: Using (5[5-9]|6[0-9])[0-9]\\.[0-9] Watts");
 
   desktop.Activate("Wattlark");
-  const char* const pageTexts[] = {"Recent values", "Since Reset", "Last Kill-A-Watt packet"};
-  for (const char* const text : pageTexts) {
+  for (const char* text : {"Recent values", "Since Reset", "Last Kill-A-Watt packet"}) {
     desktop.Press("ctrl+Next");
     Expect(text);
   }
@@ -111,13 +79,8 @@ TEST_F(WindowRun, ShowsAMeterRaisesAnAlarmHidesComesBackAndKeepsItsTotals) {
 }
 
 TEST_F(WindowRun, MeasuresWhileAnUpdateIsOfferedAndSavesACalibration) {
-  HttpServer server;
-  server.Handlers().Get("/version", [](const httplib::Request&, httplib::Response& response) {
-    response.set_content("9.0\r\n27 August 2010\r\nhttp://maker.example/setup\r\n", "text/plain");
-  });
-  server.Start();
-  Run({"meter", "add", "--name", "Kitchen", "--address", "5"});
-  Run({"setting", "set", "ServiceEndpoints/VersionFileURL", "http://" + server.Place("/version")});
+  AddKitchen();
+  const auto server = OfferVersion9();
   RunningProgram program(Window());
   Expect("A new version of Wattlark is available!");
   Expect(kReading);
@@ -143,12 +106,11 @@ TEST_F(WindowRun, MeasuresWhileAnUpdateIsOfferedAndSavesACalibration) {
 
 TEST_F(WindowRun, GoesOnAtTheDeviceThatIsChosenInTheOptions) {
   const std::string other = folder.File("other");
-  RunningProgram otherSim(
-      {WATTLARK_SIM_PROGRAM, "--link", other, "--meter", "Kitchen:5:200", "--period", "0.5"});
+  RunningProgram otherSim({WATTLARK_SIM_PROGRAM, "--link", other, "--meter", "Kitchen:5:200"});
   ASSERT_TRUE(WaitUntil([&] { return std::filesystem::exists(other); })) << otherSim.Messages();
-  Run({"meter", "add", "--name", "Kitchen", "--address", "5"});
+  AddKitchen();
   Run({"setting", "set", "PortDevices/COM3", device});
-  RunningProgram program(Command(WATTLARK_PROGRAM, {}));
+  RunningProgram program(Command({}, WATTLARK_PROGRAM));
   Expect(kReading);
 
   desktop.Activate("Wattlark");
