@@ -87,19 +87,14 @@ TEST_P(PublishingProgram, PublishesToEachDestination) {
   ASSERT_TRUE(WaitUntil([&] { return FileBytes(capture).find(" tick") != std::string::npos; }))
       << program.Messages();
   SendBurst();
-  struct Case {
-    const char* destination;
-    const char* output;
-  };
-  const Case cases[] = {{"csv", "CSV file: Updated "},
-                        {"pachube", "Pachube: Updated "},
-                        {"google", "Google Docs: Updated "},
-                        {"powermeter", "Google PowerMeter: Updated "},
-                        {"twitter", "Twitter: Status updated "}};
-  for (const Case& c : cases) {
-    const Result result = Publish(c.destination);
-    EXPECT_EQ(result.status, 0) << c.destination << ": " << result.messages << program.Messages();
-    EXPECT_THAT(result.output, StartsWith(c.output));
+  using Row = std::pair<const char*, const char*>;
+  for (const auto& [destination, output] :
+       {Row{"csv", "CSV file: Updated "}, Row{"pachube", "Pachube: Updated "},
+        Row{"google", "Google Docs: Updated "}, Row{"powermeter", "Google PowerMeter: Updated "},
+        Row{"twitter", "Twitter: Status updated "}}) {
+    const Result result = Publish(destination);
+    EXPECT_EQ(result.status, 0) << destination << ": " << result.messages << program.Messages();
+    EXPECT_THAT(result.output, StartsWith(output));
     EXPECT_THAT(result.messages, IsEmpty());
   }
   EXPECT_THAT(FileBytes(folder.File("log.csv")), StartsWith("Timestamp, Kitchen\r\n"));
