@@ -8,19 +8,16 @@ namespace wattlark {
 namespace {
 
 TEST(DateTime, ReadsWritesAndNamesTheDay) {
-  struct Row {
-    const char* iso;
-    std::int64_t milliseconds;
-    int dayOfWeek;
-  };
-  for (const auto& known : {Row{"1970-01-01T00:00:00", 0, 4}, Row{"1969-12-31T23:59:59.999", -1, 3},
-                            Row{"1969-12-28T00:00:00", -4 * 86400000LL, 0},
-                            Row{"2009-02-13T23:31:30.045", 1234567890045, 5},
-                            Row{"0001-01-01T00:00:00", -62135596800000, 1},
-                            Row{"9999-12-31T23:59:59.999", 253402300799999, 5}}) {
-    EXPECT_EQ(At(known.iso).Milliseconds(), known.milliseconds);
-    EXPECT_EQ(DateTime::FromMilliseconds(known.milliseconds).ToIso(), known.iso);
-    EXPECT_EQ(At(known.iso).DayOfWeek(), known.dayOfWeek) << known.iso;
+  using Row = std::tuple<const char*, std::int64_t, int>;
+  for (const auto& [iso, milliseconds, dayOfWeek] :
+       {Row{"1970-01-01T00:00:00", 0, 4}, Row{"1969-12-31T23:59:59.999", -1, 3},
+        Row{"1969-12-28T00:00:00", -4 * 86400000LL, 0},
+        Row{"2009-02-13T23:31:30.045", 1234567890045, 5},
+        Row{"0001-01-01T00:00:00", -62135596800000, 1},
+        Row{"9999-12-31T23:59:59.999", 253402300799999, 5}}) {
+    EXPECT_EQ(At(iso).Milliseconds(), milliseconds);
+    EXPECT_EQ(DateTime::FromMilliseconds(milliseconds).ToIso(), iso);
+    EXPECT_EQ(At(iso).DayOfWeek(), dayOfWeek) << iso;
   }
 }
 
@@ -41,11 +38,10 @@ TEST(DateTime, CountsEveryDayOfFourCenturies) {
 TEST(DateTime, RefusesFieldsOutOfRange) {
   for (const CivilTime& civil :
        {CivilTime{0, 1, 1}, CivilTime{10000, 1, 1}, CivilTime{2010, 0, 1}, CivilTime{2010, 13, 1},
-        CivilTime{2010, 1, 0}, CivilTime{2010, 1, 32}, CivilTime{2010, 2, 29},
-        CivilTime{2100, 2, 29}, CivilTime{2010, 4, 31}, CivilTime{2010, 1, 1, 24},
-        CivilTime{2010, 1, 1, -1}, CivilTime{2010, 1, 1, 0, 60}, CivilTime{2010, 1, 1, 0, -1},
-        CivilTime{2010, 1, 1, 0, 0, 60}, CivilTime{2010, 1, 1, 0, 0, 0, 1000},
-        CivilTime{2010, 1, 1, 0, 0, 0, -1}}) {
+        CivilTime{2010, 1, 0}, CivilTime{2010, 2, 29}, CivilTime{2100, 2, 29},
+        CivilTime{2010, 4, 31}, CivilTime{2010, 1, 1, 24}, CivilTime{2010, 1, 1, -1},
+        CivilTime{2010, 1, 1, 0, 60}, CivilTime{2010, 1, 1, 0, 0, 60},
+        CivilTime{2010, 1, 1, 0, 0, 0, 1000}, CivilTime{2010, 1, 1, 0, 0, 0, -1}}) {
     EXPECT_FALSE(DateTime::FromCivil(civil))
         << civil.year << ' ' << civil.month << ' ' << civil.day;
   }
@@ -64,18 +60,14 @@ TEST(DateTime, RefusesOtherForms) {
 TEST(DateTime, CountsBoundaries) {
   using Counts =
       std::array<std::int64_t, 7>;  // seconds, minutes, hours, days, weeks, months, years
-  struct Row {
-    const char* from;
-    const char* to;
-    Counts counts;
-  };
+  using Row = std::tuple<const char*, const char*, Counts>;
   const auto between = [](DateTime from, DateTime to, int sign) {
     Counts counts{from.SecondsTo(to), from.MinutesTo(to), from.HoursTo(to), from.DaysTo(to),
                   from.WeeksTo(to),   from.MonthsTo(to),  from.YearsTo(to)};
     for (std::int64_t& count : counts) count *= sign;
     return counts;
   };
-  for (const auto& c :
+  for (const auto& [from, to, counts] :
        {Row{"2010-01-01T10:00:00.999", "2010-01-01T10:00:01", {1, 0, 0, 0, 0, 0, 0}},
         Row{"2010-01-01T10:00:00", "2010-01-01T10:00:00.999", {0, 0, 0, 0, 0, 0, 0}},
         Row{"2010-01-01T23:59:00", "2010-01-02T00:01:00", {120, 2, 1, 1, 0, 0, 0}},
@@ -87,8 +79,8 @@ TEST(DateTime, CountsBoundaries) {
         Row{"2008-02-28T00:00:00",
             "2010-03-01T00:00:00",
             {63244800, 1054080, 17568, 732, 105, 25, 2}}}) {
-    EXPECT_EQ(between(At(c.from), At(c.to), 1), c.counts) << c.from;
-    EXPECT_EQ(between(At(c.to), At(c.from), -1), c.counts) << c.from;
+    EXPECT_EQ(between(At(from), At(to), 1), counts) << from;
+    EXPECT_EQ(between(At(to), At(from), -1), counts) << from;
   }
 }
 

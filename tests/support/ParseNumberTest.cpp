@@ -48,19 +48,13 @@ TEST(ParseNumber, ReadsTheRegionsNumbers) {
                 {"(5", "5)", "-(5)", "()"});
 }
 
-TEST(ParseNumber, RefusesWhatNoDoubleHolds) {
-  const RegionalSettings regional = RegionalSettings::UnitedStates();
+TEST(ParseNumber, RefusesWhatNoDoubleHoldsAndStandsARegionWithoutSeparators) {
+  RegionalSettings regional = RegionalSettings::UnitedStates();
   EXPECT_EQ(ParseNumber(regional, "1" + std::string(300, '0')), 1E300);
   EXPECT_FALSE(ParseNumber(regional, "1" + std::string(309, '0')));
   EXPECT_EQ(ParseNumber(regional, "0." + std::string(400, '0') + "1"), 0);
-}
-
-TEST(ParseNumber, StandsARegionWithoutSeparators) {
-  RegionalSettings regional = RegionalSettings::UnitedStates();
-  regional.groupSeparator = "";
-  regional.decimalSeparator = "";
-  regional.currencySymbol = "";
-  regional.negativeSign = "";
+  regional.groupSeparator = regional.decimalSeparator = "";
+  regional.currencySymbol = regional.negativeSign = "";
   EXPECT_EQ(ParseNumber(regional, "-1234.5"), -1234.5);
   EXPECT_FALSE(ParseNumber(regional, "1,234"));
 }

@@ -8,12 +8,8 @@ namespace wattlark {
 namespace {
 
 TEST(FormatDateTime, WritesThePattern) {
-  struct Row {
-    const char* pattern;
-    const char* moment;
-    const char* text;
-  };
-  for (const auto& c :
+  using Row = std::tuple<const char*, const char*, const char*>;
+  for (const auto& [pattern, moment, text] :
        {Row{"h:mm:ss AP", "2010-03-07T00:05:09", "12:05:09 AM"},
         Row{"h:mm:ss AP", "2010-03-07T12:05:09", "12:05:09 PM"},
         Row{"hh AP", "2010-03-07T13:00:00", "01 PM"}, Row{"H:mm", "2010-03-07T03:04:05", "3:04"},
@@ -24,7 +20,7 @@ TEST(FormatDateTime, WritesThePattern) {
         Row{"h 'o''clock'", "2010-12-06T03:04:05", "3 o'clock"},
         Row{"''yyyy", "0099-12-06T03:04:05", "'0099"},
         Row{"d 'never closed yyyy", "2010-12-06T03:04:05", "6 never closed yyyy"}}) {
-    EXPECT_EQ(FormatDateTime(RegionalSettings::UnitedStates(), At(c.moment), c.pattern), c.text);
+    EXPECT_EQ(FormatDateTime(RegionalSettings::UnitedStates(), At(moment), pattern), text);
   }
   EXPECT_EQ(FormatDateTime(RegionalSettings::UnitedStates(), DateTime(), "'text'"), "");
   EXPECT_EQ(FormatDateAndTime(RegionalSettings::UnitedStates(), DateTime()), "");
@@ -32,11 +28,7 @@ TEST(FormatDateTime, WritesThePattern) {
 
 // Besides, every moment that tells hours, halves of the day and months apart comes back.
 TEST(FormatDateAndTime, IsWrittenInEachRegionsFormAndReadBack) {
-  struct Row {
-    RegionalSettings regional;
-    const char* moment;
-    const char* text;
-  };
+  using Row = std::tuple<RegionalSettings, const char*, const char*>;
   for (const auto& [regional, moment, text] :
        {Row{RegionalSettings::UnitedStates(), "2010-03-07T15:04:05", "3/7/2010 3:04:05 PM"},
         Row{Germany(), "2010-03-07T15:04:05", "07.03.2010 15:04:05"},

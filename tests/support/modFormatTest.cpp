@@ -61,25 +61,20 @@ TEST(FormatAuto, GivesTheMissingText) {
 }
 
 TEST(FormatAuto, WritesTheRegionsForms) {
-  struct Row {
-    RegionalSettings regional;
-    const char* number;            ///< -1234567.5 with one decimal
-    const char* currency;          ///< 1234.5 with two decimals
-    const char* negativeCurrency;  ///< -1234.5 with two decimals
-    const char* percent;           ///< -0.5
-    const char* power;             ///< 1500 W
-  };
-  for (const auto& c : {Row{Germany(), "-1.234.567,5", "1.234,50\u00A0€", "-1.234,50\u00A0€",
-                            "-50,0\u00A0%", "1,5000 kW"},
-                        Row{Sweden(), "\u22121\u202F234\u202F567,5", "1\u202F234,50\u00A0kr",
-                            "\u22121\u202F234,50\u00A0kr", "\u221250,0\u202F%", "1,5000 kW"},
-                        Row{WithParentheses(), "-1,234,567.5", "$1,234.50", "($1,234.50)", "-%50.0",
-                            "1.5000 kW"}}) {
-    EXPECT_EQ(FormatNumberAuto(c.regional, -1234567.5, 1), c.number);
-    EXPECT_EQ(FormatCurrencyAuto(c.regional, 1234.5, 2), c.currency);
-    EXPECT_EQ(FormatCurrencyAuto(c.regional, -1234.5, 2), c.negativeCurrency);
-    EXPECT_EQ(FormatPercentAuto(c.regional, -0.5), c.percent);
-    EXPECT_EQ(FormatPower(c.regional, 1500), c.power);
+  using Row =
+      std::tuple<RegionalSettings, const char*, const char*, const char*, const char*, const char*>;
+  for (const auto& [regional, number, currency, negativeCurrency, percent, power] :
+       {Row{Germany(), "-1.234.567,5", "1.234,50\u00A0€", "-1.234,50\u00A0€", "-50,0\u00A0%",
+            "1,5000 kW"},
+        Row{Sweden(), "\u22121\u202F234\u202F567,5", "1\u202F234,50\u00A0kr",
+            "\u22121\u202F234,50\u00A0kr", "\u221250,0\u202F%", "1,5000 kW"},
+        Row{WithParentheses(), "-1,234,567.5", "$1,234.50", "($1,234.50)", "-%50.0",
+            "1.5000 kW"}}) {
+    EXPECT_EQ(FormatNumberAuto(regional, -1234567.5, 1), number);
+    EXPECT_EQ(FormatCurrencyAuto(regional, 1234.5, 2), currency);
+    EXPECT_EQ(FormatCurrencyAuto(regional, -1234.5, 2), negativeCurrency);
+    EXPECT_EQ(FormatPercentAuto(regional, -0.5), percent);
+    EXPECT_EQ(FormatPower(regional, 1500), power);
   }
 }
 
@@ -108,27 +103,22 @@ TEST(FormatPercentAuto, ChoosesDecimalsByMagnitude) {
 }
 
 TEST(FormatPowerAndEnergy, ChangeTheUnitAboveAThousandOrTenThousand) {
-  struct Row {
-    decltype(FormatPower)* format;
-    double value;
-    int decimals;
-    UnitForm form;
-    const char* text;
-  };
-  for (const auto& c : {Row{FormatPower, 450, kAuto, UnitForm::Short, "450.0 W"},
-                        Row{FormatPower, 1000, kAuto, UnitForm::Short, "1,000.0 W"},
-                        Row{FormatPower, 1000.5, kAuto, UnitForm::Short, "1.0005 kW"},
-                        Row{FormatPower, -1500, kAuto, UnitForm::Short, "-1,500.0 W"},
-                        Row{FormatPower, 450.4, 0, UnitForm::Short, "450 W"},
-                        Row{FormatPower, 1499, 0, UnitForm::Short, "1 kW"},
-                        Row{FormatPower, 10000, kAuto, UnitForm::Long, "10,000 Watts"},
-                        Row{FormatPower, 12000, kAuto, UnitForm::Long, "12.000 Kilowatts"},
-                        Row{FormatEnergy, 72000, kAuto, UnitForm::Short, "72.00 kWh"},
-                        Row{FormatEnergy, 1000, kAuto, UnitForm::Short, "1,000.0 Wh"},
-                        Row{FormatEnergy, 1000, kAuto, UnitForm::Long, "1,000.0 Watt-hours"},
-                        Row{FormatEnergy, 1000.5, kAuto, UnitForm::Long, "1.0005 Kilowatt-hours"},
-                        Row{FormatEnergy, -2500, 0, UnitForm::Short, "-2,500 Wh"}}) {
-    EXPECT_EQ(c.format(kUnitedStates, c.value, c.decimals, c.form), c.text);
+  using Row = std::tuple<decltype(FormatPower)*, double, int, UnitForm, const char*>;
+  for (const auto& [format, value, decimals, form, text] :
+       {Row{FormatPower, 450, kAuto, UnitForm::Short, "450.0 W"},
+        Row{FormatPower, 1000, kAuto, UnitForm::Short, "1,000.0 W"},
+        Row{FormatPower, 1000.5, kAuto, UnitForm::Short, "1.0005 kW"},
+        Row{FormatPower, -1500, kAuto, UnitForm::Short, "-1,500.0 W"},
+        Row{FormatPower, 450.4, 0, UnitForm::Short, "450 W"},
+        Row{FormatPower, 1499, 0, UnitForm::Short, "1 kW"},
+        Row{FormatPower, 10000, kAuto, UnitForm::Long, "10,000 Watts"},
+        Row{FormatPower, 12000, kAuto, UnitForm::Long, "12.000 Kilowatts"},
+        Row{FormatEnergy, 72000, kAuto, UnitForm::Short, "72.00 kWh"},
+        Row{FormatEnergy, 1000, kAuto, UnitForm::Short, "1,000.0 Wh"},
+        Row{FormatEnergy, 1000, kAuto, UnitForm::Long, "1,000.0 Watt-hours"},
+        Row{FormatEnergy, 1000.5, kAuto, UnitForm::Long, "1.0005 Kilowatt-hours"},
+        Row{FormatEnergy, -2500, 0, UnitForm::Short, "-2,500 Wh"}}) {
+    EXPECT_EQ(format(kUnitedStates, value, decimals, form), text);
   }
 }
 

@@ -26,14 +26,9 @@ TEST(Split, KeepsEmptyParts) {
 TEST(GetTextBetween, FindsTheFirstPairOfMarkers) {
   constexpr std::size_t kNoLimit = std::string_view::npos;
   constexpr std::string_view kLinks = "<a href='x'/><b href='y'/>";
-  struct Row {
-    std::string_view text, startMarker, endMarker;
-    std::size_t startPosition;
-    bool includeMarkers;
-    std::size_t limit;
-    std::string_view expected;
-  };
-  for (const auto& c :
+  using Row = std::tuple<std::string_view, std::string_view, std::string_view, std::size_t, bool,
+                         std::size_t, std::string_view>;
+  for (const auto& [text, startMarker, endMarker, startPosition, includeMarkers, limit, expected] :
        {Row{kLinks, "href='", "'", 0, false, kNoLimit, "x"},
         Row{kLinks, "href='", "'", 4, false, kNoLimit, "y"},
         Row{kLinks, "href='", "'", 3, false, kNoLimit, "x"},
@@ -48,10 +43,9 @@ TEST(GetTextBetween, FindsTheFirstPairOfMarkers) {
         Row{"token=t", "token=", "&", 0, false, kNoLimit, ""},
         Row{"||", "|", "|", 0, false, kNoLimit, ""},
         Row{"||", "|", "|", 0, true, kNoLimit, "||"}}) {
-    EXPECT_EQ(GetTextBetween(c.text, c.startMarker, c.endMarker, c.startPosition, c.includeMarkers,
-                             c.limit),
-              c.expected)
-        << c.startMarker << ' ' << c.startPosition << ' ' << c.limit;
+    EXPECT_EQ(GetTextBetween(text, startMarker, endMarker, startPosition, includeMarkers, limit),
+              expected)
+        << startMarker << ' ' << startPosition << ' ' << limit;
   }
 }
 
