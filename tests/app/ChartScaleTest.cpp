@@ -19,11 +19,7 @@ void ExpectScale(const ValueScale& scale, const ValueScale& expected) {
 TEST(ChartScale, CoversTheValuesWithRoundNumbers) {
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
   constexpr double kLargest = std::numeric_limits<double>::max();
-  struct Row {
-    double minimum, maximum;
-    int steps;
-    ValueScale scale;
-  };
+  using Row = std::tuple<double, double, int, ValueScale>;
   for (const auto& [minimum, maximum, steps, scale] :
        {Row{400, 980, 4, {0, 1000, 250}}, Row{0, 1000, 4, {0, 1000, 250}},
         Row{0, 1001, 4, {0, 1500, 500}}, Row{0, 0.3, 3, {0, 0.3, 0.1}},
@@ -39,11 +35,7 @@ TEST(ChartScale, CoversTheValuesWithRoundNumbers) {
 }
 
 TEST(ChartScale, LabelsSayOnlyWhatTheStepNeeds) {
-  struct Row {
-    ValueScale scale;
-    double value;
-    const char* text;
-  };
+  using Row = std::tuple<ValueScale, double, const char*>;
   for (const auto& [scale, value, text] :
        {Row{{0, 1000, 250}, 1000, "1,000"}, Row{{0, 10, 2.5}, 5, "5.0"},
         Row{{0, 0.1, 0.025}, 0.05, "0.050"}, Row{{-0.3, 0.3, 0.1}, -0.3 + 3 * 0.1, "0"},
@@ -57,12 +49,7 @@ TEST(ChartScale, LabelsSayOnlyWhatTheStepNeeds) {
 }
 
 TEST(ChartScale, TimeTicksAreFewAndRound) {
-  struct Row {
-    int interval;
-    std::int64_t first, last;
-    int most;
-    std::vector<std::int64_t> ticks;
-  };
+  using Row = std::tuple<int, std::int64_t, std::int64_t, int, std::vector<std::int64_t>>;
   for (const auto& [interval, first, last, most, ticks] :
        {Row{Minute, 6002, 6061, 4, {6015, 6030, 6045, 6060}},
         Row{Minute, 6002, 6061, 3, {6020, 6040, 6060}}, Row{Minute, 6002, 6061, 1, {6060}},

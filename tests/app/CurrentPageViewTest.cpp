@@ -34,12 +34,8 @@ struct Page {
 };
 
 TEST(CurrentPage, ShowsAReceivedValueInItsUnit) {
-  struct Row {
-    int unit, interval;
-    double watts, average;  ///< present power, and that of the last minute
-    const char *value, *intervalText;
-  };
-  for (const auto& row :
+  using Row = std::tuple<int, int, double, double, const char*, const char*>;
+  for (const auto& [unit, interval, watts, average, value, intervalText] :
        {Row{0, 0, 612.4, 500, "612.4 W", "Sampled @ 8:10:00 PM"},
         Row{0, 3, 1000.5, 500, "1.0005 kW", "Sampled @ 8:10:00 PM"},
         Row{1, 0, 900, 100, "1.6667 Wh", "per Minute"},
@@ -52,10 +48,10 @@ TEST(CurrentPage, ShowsAReceivedValueInItsUnit) {
         Row{7, 0, 612.4, 500, "612.4 W", "Sampled @ 8:10:00 PM"},
         Row{-1, 0, 612.4, 500, "612.4 W", "Sampled @ 8:10:00 PM"},
         Row{1, 6, 900, 100, "1.6667 Wh", "per Minute"}}) {
-    Page page(row.unit, row.interval);
-    page.Read(row.watts, row.average);
-    EXPECT_EQ(page.View().value, row.value);
-    EXPECT_EQ(page.View().interval, row.intervalText);
+    Page page(unit, interval);
+    page.Read(watts, average);
+    EXPECT_EQ(page.View().value, value);
+    EXPECT_EQ(page.View().interval, intervalText);
   }
 }
 
@@ -121,10 +117,7 @@ TEST(CurrentPage, ShowsWhatAMeterWithoutReadingLacks) {
 }
 
 TEST(CurrentPage, KeepsTheNeedleOnTheScale) {
-  struct Row {
-    double watts, peak;
-    std::optional<double> needle;
-  };
+  using Row = std::tuple<double, double, std::optional<double>>;
   for (const auto& [watts, peak, needle] :
        {Row{250, 1000, 0.25}, Row{500, 250, 1.0}, Row{-100, 1000, 0.0}, Row{-200, -100, 1.0},
         Row{500, 0, std::nullopt}}) {

@@ -54,8 +54,7 @@ TEST(FirstStartViewTest, SaysWhatToDoNextAndNamesDevices) {
             "In use: another program has /dev/ttyUSB0 open.", ""},
         Row{Denied(),
             "You may not use /dev/serial/by-id/usb-a yet. Type this in a terminal, then log out "
-            "and "
-            "in again:",
+            "and in again:",
             "sudo usermod -aG dialout $USER"},
         Row{Open(Chosen(Closed({kNamed}), kNamed.byIdPath)), "Listening on COM3.", ""},
         Row{Open(Closed({kNamed})), "Listening on COM3, /dev/ttyS2.", ""},

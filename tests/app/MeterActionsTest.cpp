@@ -33,24 +33,19 @@ struct MeterActionsTest : MonitorTest {
 
 TEST_F(MeterActionsTest, OnlyOKActsAndTheTotalIsLeftAlone) {
   const MeterCollection& meters = monitor->Profile().Meters();
-  const struct {
-    bool (MeterActions::*action)();
-    const char* question;
-    /// Whether the first meter shows that the action took place.
-    std::function<bool()> isDone;
-  } cases[] = {
-      {&MeterActions::ResetSelectedData,
-       "Are you sure you want to reset all the accumulated data for this Kill-A-Watt? This can not "
-       "be undone.",
-       [&] { return meters[0].Statistics().Usage(ToDate) == 0; }},
-      {&MeterActions::ResetSelectedCalibration,
-       "Are you sure you want to reset the calibration on this Kill-A-Watt? This can not be "
-       "undone.",
-       [&] { return meters[0].CurrentOffset() == 498; }},
-      {&MeterActions::RemoveSelected,
-       "Are you sure you want to remove this Kill-A-Watt? This can not be undone.",
-       [&] { return meters.FindAddress(5) == nullptr; }}};
-  for (const auto& [action, text, isDone] : cases) {
+  using Row = std::tuple<bool (MeterActions::*)(), const char*, std::function<bool()>>;
+  for (const auto& [action, text, isDone] :
+       {Row{&MeterActions::ResetSelectedData,
+            "Are you sure you want to reset all the accumulated data for this Kill-A-Watt? This "
+            "can not be undone.",
+            [&] { return meters[0].Statistics().Usage(ToDate) == 0; }},
+        Row{&MeterActions::ResetSelectedCalibration,
+            "Are you sure you want to reset the calibration on this Kill-A-Watt? This can not be "
+            "undone.",
+            [&] { return meters[0].CurrentOffset() == 498; }},
+        Row{&MeterActions::RemoveSelected,
+            "Are you sure you want to remove this Kill-A-Watt? This can not be undone.",
+            [&] { return meters.FindAddress(5) == nullptr; }}}) {
     prompts.asked.clear();
     selection->SelectTab(0);
     EXPECT_FALSE(((*actions).*action)());

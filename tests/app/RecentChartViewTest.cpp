@@ -10,9 +10,6 @@
 namespace wattlark {
 namespace {
 
-using testing::DoubleEq;
-using testing::ElementsAre;
-
 const RegionalSettings kUnitedStates = RegionalSettings::UnitedStates();
 
 struct RecentChart : testing::Test {
@@ -37,32 +34,27 @@ struct RecentChart : testing::Test {
 // 16 November 2026 lies 17121 days and 562 months behind 1 January 1980.
 TEST_F(RecentChart, SlotsEndWithTheLastReading) {
   EXPECT_EQ(View(0, Week).x.back(), 17121) << "the present, before the first reading";
-  struct Row {
-    const char* time;  ///< of the last reading
-    int interval;
-    std::size_t count;
-    std::int64_t last;
-    const char *firstLabel, *lastLabel;
-  };
-  for (const auto& row : {Row{"2026-11-16T20:09:51", 0, 60, 1479326992, "08:08:53PM", "08:09:52PM"},
-                          Row{"2026-11-16T20:09:51.999", 1, 60, 24655450, "07:11PM", "08:10PM"},
-                          Row{"2026-11-16T20:09:51", 2, 24, 410925, "10PM", "09PM"},
-                          Row{"2026-11-16T20:09:51", 3, 7, 17121, "Tue", "Mon"},
-                          Row{"2026-11-16T20:09:51", 4, 31, 17121, "17Oct", "16Nov"},
-                          Row{"2026-11-16T20:09:51", 5, 12, 562, "Dec25", "Nov26"},
-                          // Across noon, midnight, a leap day and the base of the count.
-                          Row{"2026-11-16T12:00:30", 0, 60, 1479297631, "11:59:32AM", "12:00:31PM"},
-                          Row{"2026-11-16T23:59:59", 2, 24, 410928, "01AM", "12AM"},
-                          Row{"2024-03-01T00:00:00", 4, 31, 16131, "31Jan", "01Mar"},
-                          Row{"1980-01-01T00:00:00", 5, 12, 0, "Feb79", "Jan80"}}) {
-    meter.Statistics().SetTimestamp(At(row.time));
-    const auto x = View(0, row.interval).x;
-    ASSERT_EQ(x.size(), row.count);
+  using Row = std::tuple<const char*, int, std::size_t, std::int64_t, const char*, const char*>;
+  for (const auto& [time, interval, count, last, firstLabel, lastLabel] :
+       {Row{"2026-11-16T20:09:51", 0, 60, 1479326992, "08:08:53PM", "08:09:52PM"},
+        Row{"2026-11-16T20:09:51.999", 1, 60, 24655450, "07:11PM", "08:10PM"},
+        Row{"2026-11-16T20:09:51", 2, 24, 410925, "10PM", "09PM"},
+        Row{"2026-11-16T20:09:51", 3, 7, 17121, "Tue", "Mon"},
+        Row{"2026-11-16T20:09:51", 4, 31, 17121, "17Oct", "16Nov"},
+        Row{"2026-11-16T20:09:51", 5, 12, 562, "Dec25", "Nov26"},
+        // Across noon, midnight, a leap day and the base of the count.
+        Row{"2026-11-16T12:00:30", 0, 60, 1479297631, "11:59:32AM", "12:00:31PM"},
+        Row{"2026-11-16T23:59:59", 2, 24, 410928, "01AM", "12AM"},
+        Row{"2024-03-01T00:00:00", 4, 31, 16131, "31Jan", "01Mar"},
+        Row{"1980-01-01T00:00:00", 5, 12, 0, "Feb79", "Jan80"}}) {
+    meter.Statistics().SetTimestamp(At(time));
+    const auto x = View(0, interval).x;
+    ASSERT_EQ(x.size(), count);
     for (std::size_t i = 0; i < x.size(); ++i) {
-      EXPECT_EQ(x[i], row.last - static_cast<std::int64_t>(x.size() - 1 - i)) << i;
+      EXPECT_EQ(x[i], last - static_cast<std::int64_t>(x.size() - 1 - i)) << i;
     }
-    EXPECT_EQ(RecentAxisLabel(row.interval, x.front(), kUnitedStates), row.firstLabel);
-    EXPECT_EQ(RecentAxisLabel(row.interval, x.back(), kUnitedStates), row.lastLabel);
+    EXPECT_EQ(RecentAxisLabel(interval, x.front(), kUnitedStates), firstLabel);
+    EXPECT_EQ(RecentAxisLabel(interval, x.back(), kUnitedStates), lastLabel);
   }
   EXPECT_EQ(RecentAxisLabel(Month, 17121, France()), "16nov.");
   EXPECT_EQ(RecentAxisLabel(Day, 410924, WithPatterns("d.M.yyyy", "H:mm:ss", "vorm.", "nachm.")),
@@ -86,23 +78,19 @@ TEST(RecentSlotTime, HasNoneOutsideTheCalendar) {
 }
 
 TEST(RecentHoverText, TellsValueAndTime) {
-  struct Row {
-    int unit, interval;
-    std::int64_t x;
-    double value;
-    const char* text;
-  };
-  for (const auto& row : {Row{0, 0, 1479326992, 601.2, "601.2 W (avg.) @ 8:09:52 PM"},
-                          Row{1, 1, 24655450, 12.5, "12.500 Wh (total) for minute ending 8:10 PM"},
-                          Row{2, 2, 410925, 0.265, "$0.26500 (total) for hour ending 9 PM"},
-                          Row{3, 3, 17121, 3.35, "3.350 lbs (total) for Monday"},
-                          Row{0, 4, 17121, 1500, "1.5000 kW (avg.) for Mon Nov 16, 2026"},
-                          Row{1, 5, 562, 72000, "72.00 kWh (total) for November 2026"},
-                          Row{0, 3, 17121, NoValue, "--- W (avg.) for Monday"},
-                          Row{2, 3, 17121, NoValue, " (total) for Monday"},
-                          Row{3, 3, 17121, NoValue, "--- lbs (total) for Monday"},
-                          Row{9, 9, 1479326992, 601.2, "601.2 W (avg.) @ 8:09:52 PM"}}) {
-    EXPECT_EQ(RecentHoverText(row.unit, row.interval, row.x, row.value, kUnitedStates), row.text);
+  using Row = std::tuple<int, int, std::int64_t, double, const char*>;
+  for (const auto& [unit, interval, x, value, text] :
+       {Row{0, 0, 1479326992, 601.2, "601.2 W (avg.) @ 8:09:52 PM"},
+        Row{1, 1, 24655450, 12.5, "12.500 Wh (total) for minute ending 8:10 PM"},
+        Row{2, 2, 410925, 0.265, "$0.26500 (total) for hour ending 9 PM"},
+        Row{3, 3, 17121, 3.35, "3.350 lbs (total) for Monday"},
+        Row{0, 4, 17121, 1500, "1.5000 kW (avg.) for Mon Nov 16, 2026"},
+        Row{1, 5, 562, 72000, "72.00 kWh (total) for November 2026"},
+        Row{0, 3, 17121, NoValue, "--- W (avg.) for Monday"},
+        Row{2, 3, 17121, NoValue, " (total) for Monday"},
+        Row{3, 3, 17121, NoValue, "--- lbs (total) for Monday"},
+        Row{9, 9, 1479326992, 601.2, "601.2 W (avg.) @ 8:09:52 PM"}}) {
+    EXPECT_EQ(RecentHoverText(unit, interval, x, value, kUnitedStates), text);
   }
   EXPECT_EQ(RecentHoverText(2, 3, 17121, 1234.5, Germany()), "1.234,5\u00A0€ (total) for Montag");
 }
@@ -126,21 +114,19 @@ TEST_F(RecentChart, SumsUsage) {
   for (int unit = 0; unit < 4; ++unit) EXPECT_EQ(Header(unit), nothing[unit]);
   const std::array<double, 7> usage{NoValue, NoValue, NoValue, NoValue, 1000, 0, 1500};
   meter.Statistics().SetUsageRecent(Week, usage);
-  const RecentChartView energy = View(1, Week);
-  EXPECT_THAT(energy.y, testing::ElementsAreArray(usage));
-  EXPECT_TRUE(energy.filledSteps);
-  EXPECT_EQ(energy.axisTitle, "Wh");
-  EXPECT_EQ(energy.header, "3 kWh (total)");
-  const RecentChartView cost = View(2, Week);
-  EXPECT_THAT(cost.y,
-              ElementsAre(NoValue, NoValue, NoValue, NoValue, DoubleEq(0.106), 0, DoubleEq(0.159)));
-  EXPECT_EQ(cost.axisTitle, "");
-  EXPECT_EQ(cost.header, "$0.26500 (total)");
-  const RecentChartView mass = View(3, Week);
-  EXPECT_THAT(mass.y,
-              ElementsAre(NoValue, NoValue, NoValue, NoValue, DoubleEq(1.34), 0, DoubleEq(2.01)));
-  EXPECT_EQ(mass.axisTitle, "lbs");
-  EXPECT_EQ(mass.header, "3.350 lbs (total)");
+  EXPECT_THAT(View(1, Week).y, testing::ElementsAreArray(usage));
+  using Row = std::tuple<int, const char*, const char*, double>;
+  for (const auto& [unit, title, header, perWattHour] :
+       {Row{1, "Wh", "3 kWh (total)", 1}, Row{2, "", "$0.26500 (total)", 0.000106},
+        Row{3, "lbs", "3.350 lbs (total)", 0.00134}}) {
+    const RecentChartView view = View(unit, Week);
+    EXPECT_TRUE(view.filledSteps);
+    EXPECT_EQ(view.axisTitle, title);
+    EXPECT_EQ(view.header, header);
+    EXPECT_EQ(view.y[3], NoValue);
+    EXPECT_DOUBLE_EQ(view.y[4], 1000 * perWattHour);
+    EXPECT_DOUBLE_EQ(view.y[6], 1500 * perWattHour);
+  }
   EXPECT_EQ(Header(2, Germany()), "0,26500\u00A0€ (total)");
 }
 

@@ -62,10 +62,11 @@ TEST_F(Status, ShowsTheOneMeterOrTheTotal) {
 
 TEST_F(Status, PicturesTheLoadOfTheLastMinute) {
   clsKillAWatt& meter = Add("Kitchen", 5);
-  const std::pair<double, const char*> cases[] = {
-      {-50, "KILLAWATT0"},  {19.9, "KILLAWATT0"}, {20, "KILLAWATT1"},   {55, "KILLAWATT2"},
-      {79.9, "KILLAWATT3"}, {100, "KILLAWATT4"},  {1000, "KILLAWATT4"}, {NoValue, "KILLAWATT"}};
-  for (const auto& [watts, image] : cases) {
+  using Row = std::pair<double, const char*>;
+  for (const auto& [watts, image] :
+       {Row{-50, "KILLAWATT0"}, Row{19.9, "KILLAWATT0"}, Row{20, "KILLAWATT1"},
+        Row{55, "KILLAWATT2"}, Row{79.9, "KILLAWATT3"}, Row{100, "KILLAWATT4"},
+        Row{1000, "KILLAWATT4"}, Row{NoValue, "KILLAWATT"}}) {
     Read(meter, 1, 1);
     meter.Statistics().SetPeak(SinceReset, 100);
     meter.Statistics().SetDemandRecent(Minute, std::vector<double>(60, watts));

@@ -144,13 +144,5 @@ TEST_F(CurrentPageTest, TheValueIsTheLargestTextAndShrinksUntilItFits) {
   }
 }
 
-TEST_F(CurrentPageTest, FiguresAreEquallyWide) {
-  FitLabel label("label", FitLabel::Size::Normal, Qt::AlignLeft, nullptr);
-  label.setText("111.1 W");
-  const QSize narrow = label.sizeHint();
-  label.setText("848.0 W");
-  EXPECT_EQ(label.sizeHint(), narrow);
-}
-
 }  // namespace
 }  // namespace wattlark

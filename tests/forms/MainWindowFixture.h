@@ -24,6 +24,7 @@ struct MainWindowTest : MonitorTest {
         Monitor::Ports{clock, port, registry, random, desktop, prompts, web}, region,
         Monitor::Options{}, relay);
     monitor->Load();
+    Prepare();
     options.endProgram = [this] { ++ends; };
     options.isTrayAvailable = [this] { return hasTray; };
     if (!options.dialogs.editMeter) {
@@ -43,6 +44,8 @@ struct MainWindowTest : MonitorTest {
     monitor->StartRunning();
     return *window;
   }
+  /// What a test adds to the options once there is a monitor.
+  virtual void Prepare() {}
   void TearDown() override {
     relay.SendTo(nullptr);
     window.reset();

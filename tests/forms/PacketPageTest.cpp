@@ -30,12 +30,11 @@ TEST_F(PacketPageTest, DrawsBothWaveformsEachOnItsOwnAxis) {
   for (const QCPGraph* graph : {&volts, &amps}) {
     const QCPRange range = graph->valueAxis()->range();
     EXPECT_EQ(range.lower, -range.upper);
-    QVector<double> keys;
+    double key = 0;
     for (const QCPGraphData& point : *graph->data()) {
-      keys.append(point.key);
+      EXPECT_EQ(point.key, ++key);
       EXPECT_TRUE(range.contains(point.value));
     }
-    EXPECT_EQ(keys, QVector<double>({1, 2, 3, 4, 5}));
   }
   EXPECT_NE(volts.valueAxis(), amps.valueAxis());
   EXPECT_EQ(volts.pen().style(), Qt::SolidLine);

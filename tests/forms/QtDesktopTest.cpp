@@ -5,7 +5,6 @@
 #include <QUrl>
 #include <vector>
 
-#include "platform/TemporaryFolder.h"
 #include "platform/qtwidgets/QtDesktop.h"
 
 namespace wattlark {
@@ -44,16 +43,6 @@ TEST(OpenURL, OpensTheWebAlone) {
     EXPECT_FALSE(desktop.OpenURL(address)) << address;
   }
   EXPECT_EQ(opener.opened, opened);
-}
-
-TEST(PlayWave, ReturnsForWhateverIsAskedOfIt) {
-  const TemporaryFolder folder;
-  WriteFile(folder.File("notice.wav"), "this is no sound");
-  QtDesktop desktop;
-  for (const std::string& file :
-       {folder.File("notice.wav"), folder.File("missing.wav"), folder.Path(), std::string()}) {
-    EXPECT_NO_THROW(desktop.PlayWave(file));
-  }
 }
 
 }  // namespace

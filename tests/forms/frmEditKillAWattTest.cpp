@@ -134,28 +134,25 @@ TEST_F(frmEditKillAWattTest, EveryOtherEndLeavesTheMeterAlone) {
 }
 
 TEST_F(frmEditKillAWattTest, ARefusalNamesTheFieldAndStaysThere) {
-  const struct {
-    const char* box;
-    const char* text;
-    const char* message;
-    const char* caption = "Wattlark";
-  } cases[] = {{"txtName", "", "Name: The name must not be empty."},
-               {"txtXBeeAddress", "5x", "XBee Address: Enter a whole number from 0 to 32767."},
-               {"txtXBeeAddress", "6", "A Kill-A-Watt with that XBee address is already defined",
-                "Duplicate ID"},
-               {"txtAlarmLimit0", "12-", "Upper Limit: Enter a number of watts."},
-               {"txtAlarmLimit1", "", "Lower Limit: Enter a number of watts."}};
   AlarmBox().setChecked(true);
-  for (const auto& test : cases) {
+  using Row = std::array<const char*, 4>;
+  for (const auto& [box, text, message, caption] :
+       {Row{"txtName", "", "Name: The name must not be empty.", "Wattlark"},
+        Row{"txtXBeeAddress", "5x", "XBee Address: Enter a whole number from 0 to 32767.",
+            "Wattlark"},
+        Row{"txtXBeeAddress", "6", "A Kill-A-Watt with that XBee address is already defined",
+            "Duplicate ID"},
+        Row{"txtAlarmLimit0", "12-", "Upper Limit: Enter a number of watts.", "Wattlark"},
+        Row{"txtAlarmLimit1", "", "Lower Limit: Enter a number of watts.", "Wattlark"}}) {
     form.SetKillAWatt(Kitchen());
     Fill("txtName", "Solar");
-    Fill(test.box, test.text);
+    Fill(box, text);
     Click(form, "cmdOK");
     EXPECT_THAT(prompts.asked,
-                ElementsAre(FieldsAre(test.message, test.caption, PromptIcon::Exclamation, _, _)));
+                ElementsAre(FieldsAre(message, caption, PromptIcon::Exclamation, _, _)));
     EXPECT_TRUE(form.isVisible());
-    EXPECT_EQ(form.focusWidget(), &Box(test.box));
-    EXPECT_EQ(Box(test.box).selectedText(), test.text);
+    EXPECT_EQ(form.focusWidget(), &Box(box));
+    EXPECT_EQ(Box(box).selectedText(), text);
     EXPECT_EQ(Kitchen().Name(), "Kitchen");
     prompts.asked.clear();
   }

@@ -5,26 +5,28 @@
 namespace wattlark {
 namespace {
 
+using testing::_;
 using testing::ElementsAre;
+using testing::FieldsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::StartsWith;
 
 TEST_F(MainWindowTest, HidesWithinReachOrEndsWhenItIsClosed) {
-  struct Row {
-    int meters;
-    bool portOpens, demo, hasTray, keepsRunning;
-  };
-  for (const auto& state : {Row{2, true, false, true, true}, Row{1, false, true, true, true},
-                            Row{1, true, false, false, true}, Row{0, true, false, true, false},
-                            Row{2, false, false, true, false}}) {
-    SCOPED_TRACE(std::to_string(state.meters) + " meters");
+  using Row = std::tuple<int, bool, bool, bool, bool>;
+  for (const auto& [meters, portOpens, demo, trayIsThere, keepsRunning] :
+       {Row{2, true, false, true, true}, Row{1, false, true, true, true},
+        Row{1, true, false, false, true}, Row{0, true, false, true, false},
+        Row{2, false, false, true, false}}) {
+    SCOPED_TRACE(std::to_string(meters) + " meters");
     TearDown();
     registry = {};
     prompts.asked.clear();
     ends = 0;
-    port.opens = state.portOpens;
-    hasTray = state.hasTray;
-    Put("Settings", "DemoMode", state.demo ? "True" : "False");
-    Start(state.meters).ShowAtLaunch();
+    port.opens = portOpens;
+    hasTray = trayIsThere;
+    Put("Settings", "DemoMode", demo ? "True" : "False");
+    Start(meters).ShowAtLaunch();
     for (const char* how : {"minimised", "closed"}) {
       if (*how == 'm') window->showMinimized();
       if (*how == 'c') Choose("mnuFile6");
@@ -36,7 +38,7 @@ TEST_F(MainWindowTest, HidesWithinReachOrEndsWhenItIsClosed) {
     window->close();
     EXPECT_THAT(prompts.asked, IsEmpty());
     prompts.answers = {PromptAnswer::No, PromptAnswer::Yes};
-    if (!state.keepsRunning) {
+    if (!keepsRunning) {
       EXPECT_EQ(ends, 1);
       Choose("mnuFile7");
       EXPECT_EQ(ends, 2);
@@ -46,10 +48,9 @@ TEST_F(MainWindowTest, HidesWithinReachOrEndsWhenItIsClosed) {
     EXPECT_EQ(window->isVisible() && window->isMinimized(), !hasTray);
     Choose("mnuFile7");
     EXPECT_EQ(ends, 0);
-    EXPECT_THAT(prompts.asked,
-                ElementsAre(testing::FieldsAre("Are you sure you want to exit Wattlark?",
-                                               "Wattlark", PromptIcon::Exclamation,
-                                               PromptButtons::YesNo, PromptAnswer::No)));
+    EXPECT_THAT(prompts.asked, ElementsAre(FieldsAre("Are you sure you want to exit Wattlark?",
+                                                     "Wattlark", PromptIcon::Exclamation,
+                                                     PromptButtons::YesNo, PromptAnswer::No)));
     Choose("mnuSysTray12");
     EXPECT_EQ(ends, 1);
   }
@@ -215,14 +216,21 @@ TEST_F(MainWindowTest, OnlyTheInfoPanelShowsTheErrorsAndBothEmptyTheList) {
   EXPECT_EQ(info.text(), "Click here to view errors...");
 }
 
-TEST_F(MainWindowTest, HelpAddressesAreOpenedOrMissed) {
+TEST_F(MainWindowTest, HelpAddressesAreOpenedOrMissedAndAboutShowsVersionAndLegalNotice) {
   options.helpAddress = "https://help.example/";
   Start();
   Choose("mnuHelp0");
+  desktop.opensAddresses = false;
+  Choose("mnuHelp0");
   Choose("mnuHelp1");
-  EXPECT_THAT(desktop.addresses, ElementsAre("https://help.example/"));
-  ASSERT_EQ(prompts.asked.size(), 1U);
-  EXPECT_EQ(prompts.asked.front().text, "No address is configured.");
+  Choose("mnuHelp5");
+  EXPECT_THAT(desktop.addresses, ElementsAre("https://help.example/", "https://help.example/"));
+  EXPECT_THAT(prompts.asked,
+              ElementsAre(FieldsAre(HasSubstr("https://help.example/"), _, _, _, _),
+                          FieldsAre("No address is configured.", _, _, _, _),
+                          FieldsAre(testing::AllOf(StartsWith("Wattlark version 2.0\r\nCopyright "),
+                                                   HasSubstr("GPL-3.0-or-later")),
+                                    "About Wattlark...", PromptIcon::Information, _, _)));
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include <QClipboard>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QScreen>
 #include <memory>
 
 #include "config/forms/frmOptions.h"
@@ -77,18 +76,15 @@ TEST_F(frmOptionsTest, EveryControlEditsItsSetting) {
                           "chkLogToTwitter", "chkAlarmsToTwitter"}) {
     Get<QCheckBox>(box).toggle();
   }
-  const std::pair<const char*, const char*> choices[] = {{"cboPortNum", "COM11:"},
-                                                         {"cboBaudRate", "115200"},
-                                                         {"cboParity", " E"},
-                                                         {"cboDataBits", " 7"},
-                                                         {"cboStopBits", "1.5"},
-                                                         {"cboServiceState", "WY"},
-                                                         {"cboCSVInterval", "1 minute"},
-                                                         {"cboPachubeInterval", "10 minutes"},
-                                                         {"cboGoogleInterval", "1 hour"},
-                                                         {"cboPowerMeterInterval", "15 minutes"},
-                                                         {"cboTwitterInterval", "6 hours"}};
-  for (const auto& [list, entry] : choices) Choose(list, entry);
+  using Row = std::pair<const char*, const char*>;
+  for (const auto& [list, entry] :
+       {Row{"cboPortNum", "COM11:"}, Row{"cboBaudRate", "115200"}, Row{"cboParity", " E"},
+        Row{"cboDataBits", " 7"}, Row{"cboStopBits", "1.5"}, Row{"cboServiceState", "WY"},
+        Row{"cboCSVInterval", "1 minute"}, Row{"cboPachubeInterval", "10 minutes"},
+        Row{"cboGoogleInterval", "1 hour"}, Row{"cboPowerMeterInterval", "15 minutes"},
+        Row{"cboTwitterInterval", "6 hours"}}) {
+    Choose(list, entry);
+  }
   Get("txtMils").setText("$0.3");
   Get("txtCO2").setText("1.25");
   const char* boxes[] = {"txtPachubeFeedURL",  "txtPachubeAPIKey",       "txtGoogleDocName",
@@ -195,9 +191,7 @@ TEST_F(frmOptionsTest, TheButtonChoosesTheCSVFile) {
 TEST_F(frmOptionsTest, PasswordsAreNeverGivenAway) {
   Open();
   QApplication::clipboard()->setText("before");
-  const std::pair<int, const char*> passwords[] = {{3, "txtGooglePassword"},
-                                                   {5, "txtTwitterPassword"}};
-  for (const auto& [tab, name] : passwords) {
+  for (const auto& [tab, name] : {std::pair(3, "txtGooglePassword"), {5, "txtTwitterPassword"}}) {
     ShowTab(tab);
     QLineEdit& box = Get(name);
     EXPECT_FALSE(box.displayText().contains(box.text().left(1))) << name;
@@ -231,18 +225,6 @@ TEST_F(frmOptionsTest, EveryControlIsReachedNamedAndHasAKeyOfItsTab) {
     std::set<QKeySequence> keys;
     ExpectNamesAndKeys(*Get<QTabWidget>("tabOptions").widget(static_cast<int>(tab)), keys);
   }
-}
-
-TEST_F(frmOptionsTest, StaysOnTheScreenWithALargeFont) {
-  const QFont before = QApplication::font();
-  QFont large = before;
-  large.setPointSize(40);
-  QApplication::setFont(large);
-  Open();
-  EXPECT_LE(form->width(), form->screen()->availableGeometry().width());
-  EXPECT_LE(form->height(), form->screen()->availableGeometry().height());
-  EXPECT_LE(Get<QPushButton>("cmdOK").geometry().bottom(), form->height());
-  QApplication::setFont(before);
 }
 
 }  // namespace
