@@ -16,6 +16,18 @@ namespace wattlark {
 
 /// A main window over scripted ports; what it opens and whether it ends is recorded.
 struct MainWindowTest : MonitorTest {
+  MainWindowTest() {
+    options.endProgram = [this] { ++ends; };
+    options.isTrayAvailable = [this] { return hasTray; };
+    options.dialogs.editMeter = [this](clsKillAWatt& meter, const std::string& caption) {
+      edited.push_back(caption + ": " + meter.Name());
+      return false;
+    };
+    options.dialogs.showText = [this](const std::string& text, const std::string& caption,
+                                      int buttons) {
+      texts.push_back(caption + std::to_string(buttons) + ":" + text);
+    };
+  }
   /// Loads what was put, builds the window and starts to run; `meterCount` meters are put first.
   frmMain& Start(int meterCount = 0) {
     static constexpr const char* kNames[] = {"Kitchen", "Office", "Solar"};
@@ -25,20 +37,6 @@ struct MainWindowTest : MonitorTest {
         Monitor::Options{}, relay);
     monitor->Load();
     Prepare();
-    options.endProgram = [this] { ++ends; };
-    options.isTrayAvailable = [this] { return hasTray; };
-    if (!options.dialogs.editMeter) {
-      options.dialogs.editMeter = [this](clsKillAWatt& meter, const std::string& caption) {
-        edited.push_back(caption + ": " + meter.Name());
-        return false;
-      };
-    }
-    if (!options.dialogs.showText) {
-      options.dialogs.showText = [this](const std::string& text, const std::string& caption,
-                                        int buttons) {
-        texts.push_back(caption + std::to_string(buttons) + ":" + text);
-      };
-    }
     window = std::make_unique<frmMain>(frmMain::Ports{*monitor, store, desktop, prompts}, options);
     relay.SendTo(window.get());
     monitor->StartRunning();

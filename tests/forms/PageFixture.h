@@ -9,6 +9,7 @@
 #include "app/MeterSelection.h"
 #include "app/MonitorFixture.h"
 #include "forms/FormChecks.h"
+#include "twins/Meters.h"
 
 namespace wattlark {
 
@@ -18,11 +19,9 @@ struct PageFixture : MonitorTest {
   AppSettings& Settings() const { return monitor->Profile().Settings(); }
 
   clsKillAWatt& AddMeter(const std::string& name) {
-    auto meter = std::make_unique<clsKillAWatt>();
-    clsKillAWatt& added = *meter;
-    added.SetName(name);
-    added.SetXBeeAddress(static_cast<std::int16_t>(monitor->Profile().Meters().Count() + 1));
-    monitor->Profile().Meters().Add(std::move(meter));
+    MeterCollection& meters = monitor->Profile().Meters();
+    clsKillAWatt& added =
+        wattlark::AddMeter(meters, name, static_cast<std::int16_t>(meters.Count() + 1));
     selection.RefreshTabs();
     return added;
   }

@@ -62,10 +62,10 @@ TEST_F(frmInfoBoxTest, ShowsPlainTextToReadAndPrintWithTheButtonsOfTheOptionBits
 }
 
 TEST_F(frmInfoBoxTest, TheCaptionFollowsTheRandomNumber) {
-  const std::pair<double, const char*> cases[] = {
-      {0, "Darn!"},   {0.099, "Darn!"}, {0.1, "Whatever..."}, {0.199, "Whatever..."},
-      {0.25, "Bah!"}, {0.35, "Dang"},   {0.4, "Bah!"},        {0.999, "Bah!"}};
-  for (const auto& [number, caption] : cases) {
+  using Row = std::pair<double, const char*>;
+  for (const auto& [number, caption] :
+       {Row{0, "Darn!"}, Row{0.099, "Darn!"}, Row{0.1, "Whatever..."}, Row{0.199, "Whatever..."},
+        Row{0.25, "Bah!"}, Row{0.35, "Dang"}, Row{0.4, "Bah!"}, Row{0.999, "Bah!"}}) {
     random.numbers = {number};
     random.reseeds = 0;
     form.SetInfo(kText, "", 16);

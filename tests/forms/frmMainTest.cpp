@@ -191,9 +191,9 @@ TEST_F(MainWindowTest, TheMessageInTheMainAreaIsDoubleClicked) {
 }
 
 TEST_F(MainWindowTest, OnlyTheInfoPanelShowsTheErrorsAndBothEmptyTheList) {
-  options.dialogs.showText = [this](const std::string& text, const std::string& caption,
-                                    int buttons) {
-    texts.push_back(caption + std::to_string(buttons) + ":" + text);
+  const auto show = options.dialogs.showText;
+  options.dialogs.showText = [&](const auto& text, const auto& caption, int buttons) {
+    show(text, caption, buttons);
     monitor->ReportError("Later");
   };
   Start(1).ShowAtLaunch();

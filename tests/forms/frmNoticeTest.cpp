@@ -36,9 +36,6 @@ struct frmNoticeTest : testing::Test {
   QPlainTextEdit& TextBox() const { return Find<QPlainTextEdit>(*notice, "lblNoticeText"); }
   QPushButton& ClickText() const { return Find<QPushButton>(*notice, "lblClickText"); }
   QTimer& Timer() const { return *notice->findChild<QTimer*>("tmrScrollForm"); }
-  bool IsUp() const {
-    return QTest::qWaitFor([this] { return Timer().isActive(); });
-  }
   bool IsGone() const {
     return QTest::qWaitFor([this] { return notice == nullptr; });
   }
@@ -93,7 +90,7 @@ TEST_F(frmNoticeTest, SlidesWithoutBlockingAndWithoutLeavingTheWorkArea) {
   QTest::keyClick(notice, Qt::Key_Escape);
   ASSERT_TRUE(QTest::qWaitFor([&] { return notice->height() < up.height(); }));
   Show(Content("Office: Using 80.0 Watts"));
-  ASSERT_TRUE(IsUp());
+  ASSERT_TRUE(QTest::qWaitFor([&] { return Timer().isActive(); }));
   EXPECT_EQ(notice->height(), up.height());
   QTest::keyClick(notice, Qt::Key_Escape);
   EXPECT_TRUE(IsGone());
