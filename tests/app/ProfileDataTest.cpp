@@ -110,22 +110,17 @@ TEST_F(Stored, KeepsMetersWhoseAddressIsTaken) {
     EXPECT_EQ(Get("KillAWatts\\B", "UsageToDate"), "123.5");
     EXPECT_EQ(Get("KillAWatts\\B", "Foreign"), "kept too");
   }
+  profile->Meters().Add(NewMeter("b", 7));
+  ASSERT_TRUE(profile->SaveAll(store));
+  EXPECT_EQ(Get("KillAWatts\\B", "XBeeAddress"), "7") << "a new one of its name comes first";
+  EXPECT_EQ(Get("Unreadable\\KillAWatts\\B", "UsageToDate"), "123.5") << "but it is not lost";
+  EXPECT_THAT(LoadedNames(), ElementsAre("A", "C", "b"));
+  PutMeter("b", "5");
+  EXPECT_THAT(LoadedNames(), ElementsAre("A", "C"));
   EXPECT_FALSE(profile->RemoveSkipped("C"));
   EXPECT_TRUE(profile->RemoveSkipped("b"));
   ASSERT_TRUE(profile->SaveAll(store));
   EXPECT_THAT(MeterKeys(), ElementsAre("A", "C"));
-}
-
-TEST_F(Stored, ANewMeterIsNotOverwrittenByASkippedOneOfItsName) {
-  PutMeter("A", "5");
-  PutMeter("B", "5");
-  Put("KillAWatts\\B", "UsageToDate", "123.5");
-  Load().Meters().Add(NewMeter("b", 6));
-  ASSERT_TRUE(profile->SaveAll(store));
-  EXPECT_EQ(Get("KillAWatts\\B", "XBeeAddress"), "6");
-  EXPECT_EQ(Get("Unreadable\\KillAWatts\\B", "UsageToDate"), "123.5") << "nor is that one lost";
-  EXPECT_THAT(LoadedNames(), ElementsAre("A", "b"));
-  EXPECT_THAT(profile->SkippedMeters(), IsEmpty());
 }
 
 TEST_F(Stored, MetersWithAStrangeStoredNameKeepAKeyOfTheirOwn) {

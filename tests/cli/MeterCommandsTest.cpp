@@ -67,19 +67,16 @@ TEST_F(MeterCommands, WhatDoesNotFitIsToldAndChangesNothing) {
     ExpectRefused(RunHere(arguments), reason);
   };
   refuse("--name", " ", "must not be empty");
-  refuse("--name", "a\\b", "must not contain");
   refuse("--name", "a\xFF", "not UTF-8");
   refuse("--name", "kitchen", "Another meter has the name");
   refuse("--address", "5", "A Kill-A-Watt with that XBee address is already defined");
   refuse("--address", "32768", "address \"32768\" is not a whole number from 0 to 32767.");
-  refuse("--address", "-1", "\"-1\" is not");
   refuse("--address", "", "is not a whole number");
   refuse("--voltage", "110", "120 or 240, not \"110\"");
   refuse("--frequency", "55", "50 or 60, not \"55\"");
   refuse("--type", "solar", "load or generator");
   refuse("--alarm", "yes", "off or on");
   refuse("--alarm-upper", "1e999", "upper alarm limit \"1e999\" is not a number");
-  refuse("--alarm-lower", "nan", "lower alarm limit \"nan\" is not a number");
   refuse("--alarm-duration", "-1", "duration \"-1\" is not a whole number");
   refuse("--alarm-interval", "2147483648", "interval \"2147483648\" is not a whole number");
   ExpectRefused(RunHere({"meter", "remove", "Cellar"}),

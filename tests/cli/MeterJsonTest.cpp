@@ -41,6 +41,7 @@ TEST(MeterJson, WhatHasNoValueIsNull) {
   meter.AddReading(120, 1, 120, At("2026-11-16T20:10:00"), 1000);
   EXPECT_EQ(MeterToJson(meter, At("2026-11-16T20:10:04.999"))["IsReceiving"], true);
   EXPECT_EQ(MeterToJson(meter, At("2026-11-16T20:10:05"))["IsReceiving"], false);
+  EXPECT_EQ(MeterToJson(meter, DateTime())["IsReceiving"], false);
 }
 
 TEST(MeterJson, NameThatIsNotUtf8IsStillADocument) {

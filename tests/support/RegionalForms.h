@@ -16,11 +16,6 @@ inline RegionalSettings Germany() {
   regional.longTime = "HH:mm:ss";
   regional.dayNames = {"Sonntag",    "Montag",  "Dienstag", "Mittwoch",
                        "Donnerstag", "Freitag", "Samstag"};
-  regional.shortDayNames = {"So", "Mo", "Di", "Mi", "Do", "Fr", "Sa"};
-  regional.monthNames = {"Januar", "Februar", "März",      "April",   "Mai",      "Juni",
-                         "Juli",   "August",  "September", "Oktober", "November", "Dezember"};
-  regional.shortMonthNames = {"Jan", "Feb", "Mär", "Apr", "Mai", "Jun",
-                              "Jul", "Aug", "Sep", "Okt", "Nov", "Dez"};
   return regional;
 }
 
@@ -29,10 +24,6 @@ inline RegionalSettings France() {
   regional.groupSeparator = "\u202F";
   regional.percentPattern = "#\u202F%";
   regional.shortDate = "dd/MM/yyyy";
-  regional.dayNames = {"dimanche", "lundi", "mardi", "mercredi", "jeudi", "vendredi", "samedi"};
-  regional.shortDayNames = {"dim.", "lun.", "mar.", "mer.", "jeu.", "ven.", "sam."};
-  regional.monthNames = {"janvier", "février", "mars",      "avril",   "mai",      "juin",
-                         "juillet", "août",    "septembre", "octobre", "novembre", "décembre"};
   regional.shortMonthNames = {"janv.", "févr.", "mars",  "avr.", "mai",  "juin",
                               "juil.", "août",  "sept.", "oct.", "nov.", "déc."};
   return regional;
