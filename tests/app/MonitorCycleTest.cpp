@@ -198,7 +198,7 @@ TEST_F(MonitorTest, LogsWhatIsDueAndWaitsForTheNextSlot) {
   Tick();
   EXPECT_EQ(listener.errors.size(), 2U);
   // The computer sleeps for hours.
-  clock.Advance(3 * 3600000);
+  clock.Advance(std::int64_t{3} * 3600000);
   Tick(2);
   EXPECT_EQ(listener.errors.size(), 3U);
 }
