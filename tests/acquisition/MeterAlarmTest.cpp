@@ -31,11 +31,8 @@ TEST(MeterAlarm, StartsOff) {
   EXPECT_EQ(alarm.AlarmLowerLimit(), 0);
   EXPECT_EQ(alarm.AlarmDuration(), 60);
   EXPECT_EQ(alarm.AlarmInterval(), 600);
-  EXPECT_EQ(alarm.OutOfRangeSeconds(), 0);
   alarm.AddReading(10000, 5000);
   EXPECT_EQ(alarm.OutOfRangeSeconds(), 0);
-  EXPECT_FALSE(alarm.AlarmTriggered());
-  EXPECT_FALSE(alarm.AlarmRepeatDue());
 }
 
 // Each case: one reading a second, the watts of each stretch, and at which second a notice comes.
