@@ -1,29 +1,19 @@
-#include <gtest/gtest.h>
-
 #include <filesystem>
 #include <map>
 #include <string>
 
-#include "platform/TemporaryFolder.h"
+#include "platform/OpenStoreFixture.h"
 #include "platform/sqlite/OpenStoreCopy.h"
-#include "platform/sqlite/SqliteDatabase.h"
 
 namespace wattlark {
 
 namespace {
 
 namespace fs = std::filesystem;
-constexpr Hive kUser = Hive::CurrentUser;
+using testing::HasSubstr;
 
-RegistryValue Text(const std::string& text) {
-  return {RegistryType::String, {text.begin(), text.end()}};
-}
-
-class OpenStoreCopyTest : public testing::Test {
+class OpenStoreCopyTest : public OpenStoreTest {
  protected:
-  std::string File(const std::string& suffix = "") const {
-    return profile_ + "/wattlark.db" + suffix;
-  }
   StoreOpening Copy() const { return OpenStoreCopy(profile_, 0); }
   /// The names and bytes of everything in the profile's folder.
   std::map<std::string, std::string> Everything() const {
@@ -33,25 +23,23 @@ class OpenStoreCopyTest : public testing::Test {
     }
     return files;
   }
-  void WriteStore() const {
-    StoreOpening opening = OpenStore(profile_, 0);
-    ASSERT_TRUE(opening.registry->Write(kUser, "A\\B", "v", Text("stored")));
-  }
-  void RunSql(const char* sql) const {
-    SqliteDatabase database;
-    ASSERT_EQ(database.Open(File(), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, 0), SQLITE_OK);
-    ASSERT_EQ(database.Execute(sql), SQLITE_OK) << database.Problem();
+  /// Looks at a copy, and expects that the profile stays as it is.
+  void ExpectCopy(const char* message, const std::optional<RegistryValue>& value) const {
+    const auto before = Everything();
+    const StoreOpening copy = Copy();
+    EXPECT_THAT(copy.message, HasSubstr(message));
+    EXPECT_EQ(copy.message.empty(), *message == 0);
+    ASSERT_NE(copy.registry, nullptr);
+    EXPECT_EQ(copy.registry->Read(kUser, "A\\B", "v"), value);
+    EXPECT_EQ(Everything(), before);
   }
   void ExpectRefused(const std::string& reason) const {
     const auto before = Everything();
     const StoreOpening copy = Copy();
     EXPECT_EQ(copy.registry, nullptr);
-    EXPECT_NE(copy.message.find(reason), std::string::npos) << copy.message;
+    EXPECT_THAT(copy.message, HasSubstr(reason));
     EXPECT_EQ(Everything(), before);
   }
-
-  TemporaryFolder folder_;
-  std::string profile_ = folder_.File("profile");
 };
 
 TEST_F(OpenStoreCopyTest, MissingStoreIsEmptyAndNotCreated) {
@@ -59,49 +47,39 @@ TEST_F(OpenStoreCopyTest, MissingStoreIsEmptyAndNotCreated) {
   EXPECT_EQ(copy.message, "");
   ASSERT_NE(copy.registry, nullptr);
   EXPECT_TRUE(copy.registry->SubKeys(kUser, "").empty());
-  EXPECT_TRUE(copy.registry->Write(kUser, "A", "v", Text("x")));
+  EXPECT_TRUE(copy.registry->Write(kUser, "A", "v", TextValue("x")));
   EXPECT_FALSE(fs::exists(profile_));
 }
 
-TEST_F(OpenStoreCopyTest, EmptyFileIsAnEmptyStore) {
-  fs::create_directory(profile_);
-  WriteFile(File(), "");
-  const StoreOpening copy = Copy();
-  EXPECT_EQ(copy.message, "");
-  ASSERT_NE(copy.registry, nullptr);
-  EXPECT_TRUE(copy.registry->SubKeys(kUser, "").empty());
-  EXPECT_EQ(FileBytes(File()), "");
-}
-
 TEST_F(OpenStoreCopyTest, ChangesStayInTheCopy) {
-  WriteStore();
+  WriteOne("stored");
   const auto before = Everything();
   const StoreOpening copy = Copy();
   EXPECT_EQ(copy.message, "");
   ASSERT_NE(copy.registry, nullptr);
   EXPECT_FALSE(copy.savesChanges);
-  EXPECT_EQ(copy.registry->Read(kUser, "a\\b", "V"), Text("stored"));
+  EXPECT_EQ(copy.registry->Read(kUser, "a\\b", "V"), TextValue("stored"));
   ASSERT_TRUE(copy.registry->Begin());
-  EXPECT_TRUE(copy.registry->Write(kUser, "A\\B", "v", Text("changed")));
+  EXPECT_TRUE(copy.registry->Write(kUser, "A\\B", "v", TextValue("changed")));
   EXPECT_TRUE(copy.registry->Commit());
-  EXPECT_EQ(copy.registry->Read(kUser, "A\\B", "v"), Text("changed"));
+  EXPECT_EQ(copy.registry->Read(kUser, "A\\B", "v"), TextValue("changed"));
   EXPECT_EQ(Everything(), before);
-  EXPECT_EQ(Copy().registry->Read(kUser, "A\\B", "v"), Text("stored"));
+  EXPECT_EQ(Copy().registry->Read(kUser, "A\\B", "v"), TextValue("stored"));
 }
 
 TEST_F(OpenStoreCopyTest, ReadsBesideAnOpenTransaction) {
-  WriteStore();
+  WriteOne("stored");
   StoreOpening running = OpenStore(profile_, 0);
   ASSERT_TRUE(running.registry->Begin());
-  ASSERT_TRUE(running.registry->Write(kUser, "A\\B", "v", Text("half made")));
+  ASSERT_TRUE(running.registry->Write(kUser, "A\\B", "v", TextValue("half made")));
   const StoreOpening copy = Copy();
   ASSERT_NE(copy.registry, nullptr) << copy.message;
-  EXPECT_EQ(copy.registry->Read(kUser, "A\\B", "v"), Text("stored"));
+  EXPECT_EQ(copy.registry->Read(kUser, "A\\B", "v"), TextValue("stored"));
   EXPECT_TRUE(running.registry->Commit());
 }
 
 TEST_F(OpenStoreCopyTest, HalfMadeChangeIsUndoneInTheCopyAlone) {
-  WriteStore();
+  WriteOne("stored");
   const std::string crashed = folder_.File("crashed");
   {
     SqliteDatabase writer;
@@ -118,40 +96,23 @@ TEST_F(OpenStoreCopyTest, HalfMadeChangeIsUndoneInTheCopyAlone) {
   profile_ = crashed;
   ASSERT_TRUE(fs::exists(File("-journal")));
   ASSERT_NE(FileBytes(File()).find("broken"), std::string::npos);
-  const auto before = Everything();
-  const StoreOpening copy = Copy();
-  EXPECT_EQ(copy.message, "");
-  ASSERT_NE(copy.registry, nullptr);
-  EXPECT_EQ(copy.registry->Read(kUser, "A\\B", "v"), Text("stored"));
-  EXPECT_EQ(Everything(), before);
+  ExpectCopy("", TextValue("stored"));
 }
 
-TEST_F(OpenStoreCopyTest, DamagedStoreGivesWhatCanBeRead) {
-  WriteStore();
+TEST_F(OpenStoreCopyTest, GivesWhatCanBeRead) {
+  WriteOne("stored");
   std::string bytes = FileBytes(File());
   bytes.replace(28, 4, std::string("\0\0\0\x63", 4));  // pages, by the header
   WriteFile(File(), bytes);
-  const auto before = Everything();
-  const StoreOpening copy = Copy();
-  EXPECT_NE(copy.message.find("is damaged. 1 values that could still be read"), std::string::npos)
-      << copy.message;
-  ASSERT_NE(copy.registry, nullptr);
-  EXPECT_EQ(copy.registry->Read(kUser, "A\\B", "v"), Text("stored"));
-  EXPECT_EQ(Everything(), before);
-}
-
-TEST_F(OpenStoreCopyTest, FileThatIsNoDatabaseGivesAnEmptyCopyAndAMessage) {
-  fs::create_directory(profile_);
+  ExpectCopy("is damaged. 1 values that could still be read", TextValue("stored"));
   WriteFile(File(), std::string(5000, 'x'));
-  const StoreOpening copy = Copy();
-  EXPECT_NE(copy.message.find("is damaged. No value could be read"), std::string::npos)
-      << copy.message;
-  EXPECT_NE(copy.registry, nullptr);
-  EXPECT_EQ(FileBytes(File()), std::string(5000, 'x'));
+  ExpectCopy("is damaged. No value could be read", std::nullopt);
+  WriteFile(File(), "");
+  ExpectCopy("", std::nullopt);
 }
 
 TEST_F(OpenStoreCopyTest, RefusesWhatIsNotItsStore) {
-  WriteStore();
+  WriteOne("stored");
   RunSql("PRAGMA user_version = 1000");
   ExpectRefused("newer version");
   fs::remove(File());
@@ -163,18 +124,17 @@ TEST_F(OpenStoreCopyTest, RefusesWhatIsNotItsStore) {
 }
 
 TEST_F(OpenStoreCopyTest, RefusesWhatItMayNotReadAndWhatStaysLocked) {
-  WriteStore();
+  WriteOne("stored");
   {
     SqliteDatabase other;
     ASSERT_EQ(other.Open(File(), SQLITE_OPEN_READWRITE, 0), SQLITE_OK);
     ASSERT_EQ(other.Execute("BEGIN EXCLUSIVE"), SQLITE_OK);
     ExpectRefused("in use");
   }
-  fs::permissions(File(), fs::perms::none);
+  SetModes(0777, 0);
   const WithoutRoot asUser;
-  const StoreOpening copy = Copy();
-  EXPECT_EQ(copy.registry, nullptr);
-  EXPECT_NE(copy.message.find("cannot be read"), std::string::npos) << copy.message;
+  EXPECT_THAT(Copy().message, HasSubstr("cannot be read"));
+  EXPECT_EQ(Copy().registry, nullptr);
 }
 
 }  // namespace

@@ -14,6 +14,7 @@ namespace wattlark {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::HasSubstr;
 
 TEST_F(OpenStoreTest, CreatesFolderAndFileForTheUserAlone) {
   profile_ += "/deeper";
@@ -25,21 +26,16 @@ TEST_F(OpenStoreTest, CreatesFolderAndFileForTheUserAlone) {
   EXPECT_EQ(ModeOf(profile_), 0700);
   EXPECT_EQ(ModeOf(File()), 0600);
   ASSERT_TRUE(opening.registry->Begin());
-  ASSERT_TRUE(opening.registry->Write(kUser, "A", "v", Text("secret")));
+  ASSERT_TRUE(opening.registry->Write(kUser, "A", "v", TextValue("secret")));
   EXPECT_EQ(ModeOf(File("-journal")), 0600);
 }
 
-TEST_F(OpenStoreTest, TakesAnExistingFileAwayFromOthers) {
-  WriteOne("1");
+TEST_F(OpenStoreTest, AnEmptyFileIsANewStoreAndTakenAwayFromOthers) {
+  fs::create_directory(profile_);
+  WriteFile(File(), "");
   fs::permissions(File(), fs::perms(0664));
   ExpectWorks();
   EXPECT_EQ(ModeOf(File()), 0600);
-}
-
-TEST_F(OpenStoreTest, AnEmptyFileIsANewStore) {
-  fs::create_directory(profile_);
-  WriteFile(File(), "");
-  ExpectWorks();
   EXPECT_FALSE(fs::exists(File(".damaged-1")));
 }
 
@@ -49,19 +45,18 @@ TEST_F(OpenStoreTest, WhatIsNoFileIsSetAsideWithItsJournal) {
   WriteFile(File("-journal"), "2");
   const StoreOpening opening = Open();
   EXPECT_TRUE(opening.savesChanges);
-  EXPECT_TRUE(Mentions(opening, File(".damaged-1"))) << opening.message;
+  EXPECT_THAT(opening.message, HasSubstr(File(".damaged-1")));
   EXPECT_EQ(FileBytes(File(".damaged-1") + "/inside"), "1");
   EXPECT_EQ(FileBytes(File(".damaged-1-journal")), "2");
   ExpectWorks();
 }
 
 TEST_F(OpenStoreTest, ADatabaseOfAnotherProgramIsSetAside) {
-  fs::create_directory(profile_);
   RunSql("PRAGMA application_id = 7; CREATE TABLE theirs(x); INSERT INTO theirs VALUES(1)");
   const std::string theirs = FileBytes(File());
   const StoreOpening opening = Open();
   EXPECT_TRUE(opening.savesChanges);
-  EXPECT_TRUE(Mentions(opening, "another program")) << opening.message;
+  EXPECT_THAT(opening.message, HasSubstr("another program"));
   EXPECT_EQ(FileBytes(File(".damaged-1")), theirs);
   ExpectWorks();
 }
@@ -73,68 +68,58 @@ TEST_F(OpenStoreTest, ANewerStoreIsLeftAlone) {
   {
     const StoreOpening opening = Open();
     EXPECT_FALSE(opening.savesChanges);
-    EXPECT_TRUE(Mentions(opening, "newer version")) << opening.message;
-    EXPECT_TRUE(Mentions(opening, "Nothing will be saved")) << opening.message;
-    EXPECT_TRUE(opening.registry->Write(kUser, "A\\B", "v", Text("2")));
-    EXPECT_EQ(opening.registry->Read(kUser, "A\\B", "v"), Text("2"));
+    EXPECT_THAT(opening.message, HasSubstr("newer version"));
+    EXPECT_THAT(opening.message, HasSubstr("Nothing will be saved"));
+    EXPECT_TRUE(opening.registry->Write(kUser, "A\\B", "v", TextValue("2")));
+    EXPECT_EQ(opening.registry->Read(kUser, "A\\B", "v"), TextValue("2"));
   }
   EXPECT_EQ(FileBytes(File()), newer);
   EXPECT_FALSE(fs::exists(File(".damaged-1")));
 }
 
-struct Permissions {
-  const char* what;
-  int folder;
-  int file;
-  const char* message;
-  bool readable;
-};
-
-class GuardedStore : public OpenStoreTest, public testing::WithParamInterface<Permissions> {};
-
-TEST_P(GuardedStore, IsReadWhereItCanBeAndNeverChanged) {
+TEST_F(OpenStoreTest, AStoreWithoutPermissionIsReadWhereItCanBeAndNeverChanged) {
   WriteOne("1");
   const std::string before = FileBytes(File());
-  fs::permissions(File(), fs::perms(GetParam().file));
-  fs::permissions(profile_, fs::perms(GetParam().folder));
-  {
-    const WithoutRoot user;
-    const StoreOpening opening = Open();
-    ASSERT_NE(opening.registry, nullptr);
-    EXPECT_FALSE(opening.savesChanges);
-    EXPECT_TRUE(Mentions(opening, GetParam().message)) << opening.message;
-    EXPECT_EQ(opening.registry->Read(kUser, "A\\B", "v").has_value(), GetParam().readable);
-    if (GetParam().readable) {
-      EXPECT_FALSE(opening.registry->Write(kUser, "A\\B", "v", Text("2")));
-      EXPECT_NE(opening.registry->ErrorText().find("can only be read"), std::string::npos);
-      EXPECT_TRUE(opening.registry->Begin());
-      EXPECT_EQ(opening.registry->Read(kUser, "A\\B", "v"), Text("1"));
-      EXPECT_FALSE(opening.registry->Write(kUser, "A\\B", "v", Text("2")));
-      EXPECT_FALSE(opening.registry->Commit());
+  // A file that others may read and write stands for the user's own: the tests may run as root,
+  // who owns it.
+  struct Permissions {
+    int folder, file;
+    const char* message;
+    bool readable;
+  };
+  for (const auto& [folder, file, message, readable] :
+       {Permissions{0777, 0444, "can only be read", true},
+        Permissions{0555, 0666, "can only be read", true},
+        Permissions{0777, 0000, "cannot be read", false},
+        Permissions{0000, 0666, "cannot be", false}}) {
+    SetModes(folder, file);
+    {
+      const WithoutRoot user;
+      const StoreOpening opening = Open();
+      ASSERT_NE(opening.registry, nullptr);
+      EXPECT_FALSE(opening.savesChanges);
+      EXPECT_THAT(opening.message, HasSubstr(message));
+      EXPECT_EQ(opening.registry->Read(kUser, "A\\B", "v").has_value(), readable);
+      if (readable) {
+        EXPECT_FALSE(opening.registry->Write(kUser, "A\\B", "v", TextValue("2")));
+        EXPECT_THAT(opening.registry->ErrorText(), HasSubstr("can only be read"));
+        EXPECT_TRUE(opening.registry->Begin());
+        EXPECT_FALSE(opening.registry->Write(kUser, "A\\B", "v", TextValue("2")));
+        EXPECT_FALSE(opening.registry->Commit());
+      }
     }
+    SetModes(0755, 0600);
+    EXPECT_EQ(FileBytes(File()), before) << message;
   }
-  fs::permissions(profile_, fs::perms(0755));
-  fs::permissions(File(), fs::perms(0600));
-  EXPECT_EQ(FileBytes(File()), before);
 }
-
-// A file that others may read and write stands for the user's own: the tests may run as root, who
-// owns it.
-INSTANTIATE_TEST_SUITE_P(
-    , GuardedStore,
-    testing::Values(Permissions{"ReadOnlyFile", 0777, 0444, "can only be read", true},
-                    Permissions{"ReadOnlyFolder", 0555, 0666, "can only be read", true},
-                    Permissions{"SecretFile", 0777, 0000, "cannot be read", false},
-                    Permissions{"ClosedFolder", 0000, 0666, "cannot be", false}),
-    [](const auto& test) { return test.param.what; });
 
 TEST_F(OpenStoreTest, WithoutAFolderItWorksInMemory) {
   WriteFile(profile_, "a file in place of the folder");
   const StoreOpening opening = Open();
   ASSERT_NE(opening.registry, nullptr);
   EXPECT_FALSE(opening.savesChanges);
-  EXPECT_TRUE(Mentions(opening, profile_)) << opening.message;
-  EXPECT_TRUE(opening.registry->Write(kUser, "A", "v", Text("1")));
+  EXPECT_THAT(opening.message, HasSubstr(profile_));
+  EXPECT_TRUE(opening.registry->Write(kUser, "A", "v", TextValue("1")));
   EXPECT_EQ(FileBytes(profile_), "a file in place of the folder");
 }
 
@@ -147,7 +132,7 @@ TEST_F(OpenStoreTest, ALockedStoreIsAnErrorUntilItIsFree) {
     const StoreOpening opening = Open();
     EXPECT_EQ(opening.registry, nullptr);
     EXPECT_FALSE(opening.savesChanges);
-    EXPECT_TRUE(Mentions(opening, "in use by another program")) << opening.message;
+    EXPECT_THAT(opening.message, HasSubstr("in use by another program"));
   }
   EXPECT_FALSE(fs::exists(File(".damaged-1")));
   ExpectWorks();
@@ -160,7 +145,7 @@ TEST_F(OpenStoreTest, AFullDiskAtTheFirstStartIsSurvived) {
     ASSERT_NE(opening.registry, nullptr);
     EXPECT_FALSE(opening.savesChanges);
     EXPECT_NE(opening.message, "");
-    EXPECT_TRUE(opening.registry->Write(kUser, "A", "v", Text("1")));
+    EXPECT_TRUE(opening.registry->Write(kUser, "A", "v", TextValue("1")));
   }
   ExpectWorks();
 }
@@ -173,10 +158,11 @@ TEST_F(OpenStoreTest, AKillInTheMiddleOfASaveLeavesTheStateBefore) {
   if (child == 0) {
     const StoreOpening opening = Open();
     opening.registry->Begin();
-    opening.registry->Write(kUser, "A\\B", "v", Text("after"));
+    opening.registry->Write(kUser, "A\\B", "v", TextValue("after"));
     // More than the cache holds, so that changed pages reach the file before the commit.
     for (int i = 0; i < 30; ++i) {
-      opening.registry->Write(kUser, "A\\B", std::to_string(i), Text(std::string(1'000'000, 'x')));
+      opening.registry->Write(kUser, "A\\B", std::to_string(i),
+                              TextValue(std::string(1'000'000, 'x')));
     }
     ::raise(SIGKILL);
   }
@@ -189,7 +175,7 @@ TEST_F(OpenStoreTest, AKillInTheMiddleOfASaveLeavesTheStateBefore) {
   const StoreOpening opening = Open();
   EXPECT_EQ(opening.message, "");
   EXPECT_TRUE(opening.savesChanges);
-  EXPECT_EQ(opening.registry->Read(kUser, "A\\B", "v"), Text("before"));
+  EXPECT_EQ(opening.registry->Read(kUser, "A\\B", "v"), TextValue("before"));
   EXPECT_EQ(opening.registry->Values(kUser, "A\\B").size(), 1U);
   EXPECT_EQ(fs::file_size(File()), sizeBefore);
 }

@@ -3,6 +3,8 @@
 
 #include <QDeadlineTimer>
 #include <QLocalSocket>
+#include <algorithm>
+#include <array>
 #include <filesystem>
 #include <future>
 #include <optional>
@@ -21,6 +23,7 @@ struct RunningInstance : testing::Test {
   TemporaryFolder profiles;
   QByteArray oldRuntime = qgetenv("XDG_RUNTIME_DIR");
   std::string profile = profiles.File("home");
+  std::optional<SingleInstance> first;
   int shown = 0;
 
   RunningInstance() {
@@ -31,6 +34,11 @@ struct RunningInstance : testing::Test {
   }
   ~RunningInstance() override { qputenv("XDG_RUNTIME_DIR", oldRuntime); }
 
+  void Listen(const std::string& folder) {
+    first.emplace(folder);
+    first->onShow = [&] { ++shown; };
+    ASSERT_TRUE(first->Listen());
+  }
   // What a second process does, while this one's event loop turns.
   template <class F>
   auto InSecond(const F& act) {
@@ -62,10 +70,8 @@ struct RunningInstance : testing::Test {
 TEST_F(RunningInstance, IsAskedToShowItselfUnderEveryNameOfItsProfile) {
   fs::create_symlink(profile, profiles.File("link"));
   fs::create_directory(profiles.File("other"));
-  SingleInstance first(profile + "/.");
-  first.onShow = [&] { ++shown; };
   EXPECT_FALSE(StartSecond(profile)) << "not before it listens";
-  ASSERT_TRUE(first.Listen());
+  Listen(profile + "/.");
   EXPECT_TRUE(StartSecond(profile));
   EXPECT_EQ(shown, 1);
   EXPECT_TRUE(StartSecond(profiles.File("link")));
@@ -78,40 +84,32 @@ TEST_F(RunningInstance, IsAskedToShowItselfUnderEveryNameOfItsProfile) {
 }
 
 TEST_F(RunningInstance, TakesTheSocketThatAKilledOneLeft) {
-  {
-    SingleInstance first(profile);
-    ASSERT_TRUE(first.Listen());
-    fs::rename(SocketPath(), SocketPath() + ".kept");
-  }
-  const std::string kept = SocketPath();
-  fs::rename(kept, kept.substr(0, kept.size() - 5));
+  Listen(profile);
+  const std::string socket = SocketPath();
+  fs::rename(socket, socket + ".kept");
+  first.reset();
+  fs::rename(socket + ".kept", socket);
   EXPECT_FALSE(StartSecond(profile));
-  SingleInstance next(profile);
-  next.onShow = [&] { ++shown; };
-  ASSERT_TRUE(next.Listen());
+  Listen(profile);
   EXPECT_TRUE(StartSecond(profile));
   EXPECT_EQ(shown, 1);
 }
 
 TEST_F(RunningInstance, UsesTheProfileWhenThereIsNoRuntimeFolder) {
   fs::permissions(runtime.Path(), fs::perms(0755));  // others could look in
-  SingleInstance first(profile);
-  first.onShow = [&] { ++shown; };
-  ASSERT_TRUE(first.Listen());
+  Listen(profile);
   EXPECT_EQ(SocketPath(), "");
   EXPECT_TRUE(StartSecond(profile));
   EXPECT_EQ(shown, 1);
 }
 
 TEST_F(RunningInstance, IgnoresEveryOtherMessageAndEndsTheConnection) {
-  SingleInstance first(profile);
-  first.onShow = [&] { ++shown; };
+  Listen(profile);
   int runs = 0;
-  first.onCommand = [&](const std::string& command) -> std::function<CommandAnswer()> {
+  first->onCommand = [&](const std::string& command) -> std::function<CommandAnswer()> {
     if (command != "work") return {};
     return [&runs] { return CommandAnswer{++runs > 0, ""}; };
   };
-  ASSERT_TRUE(first.Listen());
   for (const QByteArray& message :
        {QByteArray("hide\n"), QByteArray("work\nwork\n"), QByteArray("work\r\n"),
         QByteArray(" work\n"), QByteArray("show\nshow\n"), QByteArray("sh\0w\n", 5),
@@ -127,12 +125,11 @@ TEST_F(RunningInstance, IgnoresEveryOtherMessageAndEndsTheConnection) {
 }
 
 TEST_F(RunningInstance, AnswersACommandHoweverLongItTakes) {
-  SingleInstance first(profile);
-  ASSERT_TRUE(first.Listen());
+  Listen(profile);
   EXPECT_FALSE(Ask("work")) << "there is nobody to do it";
   const std::string text = "line one\r\n" + std::string(200000, 'x');
   std::vector<std::string> nested;
-  first.onCommand = [&](const std::string& command) {
+  first->onCommand = [&](const std::string& command) {
     return [&, command] {
       if (command == "nested") return CommandAnswer{false, "no"};
       // Longer than a silent connection may last, with other commands meanwhile.
@@ -150,8 +147,7 @@ TEST_F(RunningInstance, AnswersACommandHoweverLongItTakes) {
 }
 
 TEST_F(RunningInstance, OutlivesWhoAskedForACommand) {
-  std::optional<SingleInstance> first(profile);
-  ASSERT_TRUE(first->Listen());
+  Listen(profile);
   QLocalSocket socket;
   bool hasRun = false;
   first->onCommand = [&](const std::string&) {
@@ -179,17 +175,11 @@ TEST_F(RunningInstance, OutlivesWhoAskedForACommand) {
 }
 
 TEST_F(RunningInstance, ASilentConnectionEndsAndKeepsNobodyOut) {
-  SingleInstance first(profile);
-  ASSERT_TRUE(first.Listen());
-  std::vector<std::unique_ptr<QLocalSocket>> silent;
-  for (int i = 0; i < 20; ++i) {
-    silent.push_back(std::make_unique<QLocalSocket>());
-    silent.back()->connectToServer(QString::fromStdString(SocketPath()));
-  }
+  Listen(profile);
+  std::array<QLocalSocket, 20> silent;
+  for (auto& socket : silent) socket.connectToServer(QString::fromStdString(SocketPath()));
   EXPECT_TRUE(WaitUntil([&] {
-    return std::all_of(silent.begin(), silent.end(), [](const auto& socket) {
-      return socket->state() == QLocalSocket::UnconnectedState;
-    });
+    return std::ranges::count(silent, QLocalSocket::UnconnectedState, &QLocalSocket::state) == 20;
   }));
   EXPECT_TRUE(StartSecond(profile));
 }

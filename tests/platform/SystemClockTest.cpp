@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <QDateTime>
+#include <algorithm>
+#include <vector>
 
 #include "ZoneScope.h"
 #include "platform/qt/StandardRandom.h"
@@ -36,13 +38,9 @@ TEST(StandardRandom, FillsTheUnitIntervalAndRepeatsNothingWithTheSameSeed) {
   const double first = random.Next();
   random.Reseed(12345);
   EXPECT_NE(random.Next(), first);
-  double least = 1;
-  double largest = 0;
-  for (int i = 0; i < 10000; ++i) {
-    const double number = random.Next();
-    least = std::min(least, number);
-    largest = std::max(largest, number);
-  }
+  std::vector<double> numbers(10000);
+  std::ranges::generate(numbers, [&random] { return random.Next(); });
+  const auto [least, largest] = std::ranges::minmax(numbers);
   EXPECT_GE(least, 0.0);
   EXPECT_LT(least, 0.01);
   EXPECT_GT(largest, 0.99);
