@@ -26,46 +26,16 @@ TEST(FrameWriter, LaysOutTheFrameByteByByte) {
   EXPECT_EQ(frame.back(), 0x9D);
 }
 
-TEST(FrameWriter, SpoiledChecksumIsNeverTheRightOne) {
-  Random random(1);
-  const Bytes intact = EncodeFrame(Burst{});
-  for (int i = 0; i < 2000; ++i) {
-    Bytes frame = intact;
-    SpoilChecksum(frame, random);
-    EXPECT_NE(frame.back(), intact.back());
-    frame.back() = intact.back();
-    EXPECT_EQ(frame, intact);
-  }
-}
-
 TEST(FrameWriter, GarbageHoldsEveryByteButTheDelimiter) {
   Random random(1);
   std::vector<int> seen(256);
   for (int i = 0; i < 2000; ++i) {
     const Bytes garbage = MakeGarbage(random);
-    EXPECT_GE(garbage.size(), 1U);
-    EXPECT_LE(garbage.size(), 32U);
+    EXPECT_TRUE(!garbage.empty() && garbage.size() <= 32U) << garbage.size();
     for (const std::uint8_t byte : garbage) ++seen[byte];
   }
   EXPECT_EQ(seen[0x7E], 0);
   EXPECT_EQ(std::count(seen.begin(), seen.end(), 0), 1);
-}
-
-TEST(FrameWriter, PiecesMakeUpTheWhole) {
-  Random random(1);
-  Bytes bytes(88);
-  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<std::uint8_t>(i);
-  for (const std::size_t maximum : {0U, 1U, 2U, 7U, 88U, 1000U}) {
-    Bytes joined;
-    for (const Bytes& piece : Split(bytes, maximum, random)) {
-      EXPECT_FALSE(piece.empty());
-      EXPECT_TRUE(maximum == 0 || piece.size() <= maximum) << piece.size();
-      joined.insert(joined.end(), piece.begin(), piece.end());
-    }
-    EXPECT_EQ(joined, bytes) << maximum;
-  }
-  EXPECT_EQ(Split(bytes, 0, random).size(), 1U);
-  EXPECT_EQ(Split(bytes, 1, random).size(), 88U);
 }
 
 }  // namespace

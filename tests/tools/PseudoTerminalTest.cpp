@@ -95,26 +95,16 @@ TEST_F(PseudoTerminalTest, NoticesAReaderOnceAndThatItLeft) {
   EXPECT_TRUE(terminal.HasReader()) << "a reader may be busy for a while";
   EXPECT_FALSE(terminal.CheckForReader(1200));
   EXPECT_FALSE(terminal.HasReader());
-
   ASSERT_EQ(reader.Read(1), Bytes{2});
   EXPECT_TRUE(terminal.CheckForReader(1300));
-}
 
-TEST_F(PseudoTerminalTest, FullBufferNeitherBlocksNorEndsIt) {
-  PseudoTerminal terminal(link);
-  const Reader reader(link);
-  terminal.Write({1}, 0);
-  ASSERT_EQ(reader.Read(1), Bytes{1});
-  ASSERT_TRUE(terminal.CheckForReader(100));
-  // Far more than any terminal buffers, while the reader still counts as there.
-  for (int i = 0; i < 100; ++i) terminal.Write(Bytes(4096, 7), 101);
+  // Far more than any terminal buffers neither blocks nor ends it; unread for too long, all goes.
+  for (int i = 0; i < 100; ++i) terminal.Write(Bytes(4096, 7), 1301);
   ASSERT_TRUE(reader.HasBytes(5000));
-
-  // Unread for too long, all of it goes.
-  EXPECT_FALSE(terminal.CheckForReader(1200));
+  EXPECT_FALSE(terminal.CheckForReader(2400));
   EXPECT_FALSE(terminal.HasReader());
   while (reader.HasBytes(100)) ASSERT_FALSE(reader.Read(256).empty());
-  terminal.Write({42}, 1300);
+  terminal.Write({42}, 2500);
   EXPECT_EQ(reader.Read(1), Bytes{42});
 }
 
