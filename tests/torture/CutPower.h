@@ -53,10 +53,7 @@ class CutPower {
     for (const auto& [name, file] : files_) {
       const bool isChance = fate == Fate::SomeSectors && random() % 2 == 0;
       const bool isWhole = fate == Fate::EverythingUnsynced || fate == Fate::LastWriteTorn;
-      const bool isThere = file.isDurable == file.exists ? file.exists
-                           : isWhole || isChance         ? file.exists
-                                                         : file.isDurable;
-      if (!isThere) continue;
+      if (!(isWhole || isChance ? file.exists : file.isDurable)) continue;
       std::string bytes = file.durable;
       for (std::size_t i = 0; i < file.pending.size() && fate != Fate::NothingUnsynced; ++i) {
         const bool isTorn = fate == Fate::SomeSectors ||
@@ -82,7 +79,7 @@ class CutPower {
 
   static void Perform(const DiskOperation& operation, std::string& bytes) {
     if (operation.kind == DiskOperation::Create) bytes.clear();
-    if (operation.kind == DiskOperation::Truncate) bytes.resize(operation.size);
+    if (operation.kind == DiskOperation::Truncate) bytes.resize(operation.offset);
     if (operation.kind != DiskOperation::Write) return;
     const std::size_t end = operation.offset + operation.data.size();
     if (bytes.size() < end) bytes.resize(end);

@@ -3,10 +3,12 @@
 #include <sqlite3.h>
 
 #include <cstdint>
-#include <functional>
+#include <filesystem>
+#include <optional>
 #include <stdexcept>
 #include <string>
-#include <string_view>
+#include <system_error>
+#include <utility>
 #include <vector>
 
 namespace wattlark {
@@ -14,10 +16,9 @@ namespace wattlark {
 /// What SQLite does to its files, in order: all that a power cut depends on.
 struct DiskOperation {
   enum Kind { Create, Write, Truncate, Sync, Delete } kind = Write;
-  std::string file;  ///< without its folder
-  std::size_t offset = 0;
-  std::string data = {};
-  std::size_t size = 0;         ///< of a file that is truncated
+  std::string file = {};        ///< without its folder
+  std::size_t offset = 0;       ///< of a write; the size of a file that is truncated
+  std::string data = {};        ///< of a write
   bool isFolderSynced = false;  ///< of a file that is deleted: the deletion is on the disk
 };
 
@@ -29,18 +30,16 @@ class FaultyDisk {
 
   std::vector<DiskOperation> log;
   bool isRecording = false;
-  bool dropsSyncs = false;                ///< recorded as if SQLite did not sync
-  bool swallowsFaults = false;            ///< an operation that fails claims to have worked
-  std::function<void()> beforeOperation;  ///< of those that count
+  bool dropsSyncs = false;      ///< recorded as if SQLite did not sync
+  bool swallowsFaults = false;  ///< an operation that fails claims to have worked
 
-  FaultyDisk() : base_(*sqlite3_vfs_find(nullptr)) {
-    vfs_ = base_;
+  FaultyDisk() {
+    vfs_ = *underlying_;
     vfs_.zName = "faulty";
-    vfs_.szOsFile = static_cast<int>(sizeof(File)) + base_.szOsFile;
+    vfs_.szOsFile += static_cast<int>(sizeof(File));
     vfs_.pAppData = this;
     vfs_.xOpen = Open;
     vfs_.xDelete = Delete;
-    underlying_ = sqlite3_vfs_find(nullptr);
     if (sqlite3_vfs_register(&vfs_, 1) != SQLITE_OK) throw std::runtime_error("no VFS");
   }
   ~FaultyDisk() { sqlite3_vfs_unregister(&vfs_); }
@@ -55,7 +54,6 @@ class FaultyDisk {
     fault_ = fault;
   }
   void Mend() { faults_ = 0; }
-  bool IsFailing() const { return faults_ > 0 && operations_ >= firstFault_; }
   std::size_t Operations() const { return operations_; }
   /// Looks at the disk from outside: nothing of it is counted, recorded or fails.
   template <typename Work>
@@ -76,132 +74,117 @@ class FaultyDisk {
   };
 
   static File& Of(sqlite3_file* file) { return *reinterpret_cast<File*>(file); }
-  static FaultyDisk& Of(sqlite3_vfs* vfs) { return *static_cast<FaultyDisk*>(vfs->pAppData); }
 
   /// Whether the next operation fails.
   bool Fails() {
     if (isAside_) return false;
-    if (beforeOperation) beforeOperation();
     const std::size_t number = operations_++;
-    return faults_ > 0 && number >= firstFault_ && number - firstFault_ < faults_;
+    return number >= firstFault_ && number - firstFault_ < faults_;
   }
-  bool Records(const File& file) const { return isRecording && !isAside_ && file.counts; }
-  int Failure(int ioError) const {
-    if (swallowsFaults) return SQLITE_OK;
-    return fault_ == Fault::IOError ? ioError : SQLITE_FULL;
+  void Record(DiskOperation operation) {
+    if (isRecording && !isAside_) log.push_back(std::move(operation));
+  }
+  /// Records an operation on an open file, or answers what SQLite hears of its failure.
+  static std::optional<int> Meet(File& file, DiskOperation operation, int ioError) {
+    FaultyDisk& disk = *file.disk;
+    if (!file.counts) return std::nullopt;
+    if (disk.Fails()) {
+      if (disk.swallowsFaults) return SQLITE_OK;
+      return disk.fault_ == Fault::IOError ? ioError : SQLITE_FULL;
+    }
+    operation.file = file.name;
+    disk.Record(std::move(operation));
+    return std::nullopt;
   }
 
   static int Open(sqlite3_vfs* vfs, sqlite3_filename path, sqlite3_file* file, int flags,
                   int* outFlags) {
-    FaultyDisk& disk = Of(vfs);
+    FaultyDisk& disk = *static_cast<FaultyDisk*>(vfs->pAppData);
     File& opened = *new (file) File;
     opened.disk = &disk;
     opened.counts = (flags & (SQLITE_OPEN_MAIN_DB | SQLITE_OPEN_MAIN_JOURNAL)) != 0;
     if (opened.counts && disk.Fails()) return SQLITE_CANTOPEN;
     opened.real = reinterpret_cast<sqlite3_file*>(&opened + 1);
-    const bool isNew = path != nullptr && !disk.Exists(path);
+    std::error_code missing;
+    const auto size = path == nullptr ? 1 : std::filesystem::file_size(path, missing);
     const int result =
         disk.underlying_->xOpen(disk.underlying_, path, opened.real, flags, outFlags);
     if (opened.real->pMethods != nullptr) file->pMethods = Methods();
     if (result == SQLITE_OK && path != nullptr) {
-      const std::string_view name = BaseName(path);
+      const std::string name = std::filesystem::path(path).filename();
       name.copy(opened.name, sizeof(opened.name) - 1);
-      if (isNew && disk.Records(opened))
-        disk.log.push_back({DiskOperation::Create, opened.name, 0, {}, 0});
+      if ((missing || size == 0) && opened.counts)
+        disk.Record({.kind = DiskOperation::Create, .file = name});
     }
     return result;
   }
   static int Delete(sqlite3_vfs* vfs, const char* path, int syncFolder) {
-    FaultyDisk& disk = Of(vfs);
+    FaultyDisk& disk = *static_cast<FaultyDisk*>(vfs->pAppData);
     if (disk.Fails()) return disk.swallowsFaults ? SQLITE_OK : SQLITE_IOERR_DELETE;
     const int result = disk.underlying_->xDelete(disk.underlying_, path, 0);
-    if (result == SQLITE_OK && disk.isRecording && !disk.isAside_) {
-      disk.log.push_back({DiskOperation::Delete,
-                          std::string(BaseName(path)),
-                          0,
-                          {},
-                          0,
-                          syncFolder != 0 && !disk.dropsSyncs});
+    if (result == SQLITE_OK) {
+      disk.Record({.kind = DiskOperation::Delete,
+                   .file = std::filesystem::path(path).filename(),
+                   .isFolderSynced = syncFolder != 0 && !disk.dropsSyncs});
     }
     return result;
   }
   static int Write(sqlite3_file* file, const void* bytes, int size, sqlite3_int64 offset) {
     File& to = Of(file);
-    if (to.counts && to.disk->Fails()) {
-      if (to.disk->fault_ == Fault::ShortWrite) {
-        to.real->pMethods->xWrite(to.real, bytes, size / 2, offset);
-      }
-      return to.disk->Failure(SQLITE_IOERR_WRITE);
-    }
-    if (to.disk->Records(to)) {
-      to.disk->log.push_back(
-          {DiskOperation::Write, to.name, static_cast<std::size_t>(offset),
-           std::string(static_cast<const char*>(bytes), static_cast<std::size_t>(size))});
-    }
-    return to.real->pMethods->xWrite(to.real, bytes, size, offset);
+    const auto failure =
+        Meet(to,
+             {.kind = DiskOperation::Write,
+              .offset = static_cast<std::size_t>(offset),
+              .data = std::string(static_cast<const char*>(bytes), static_cast<std::size_t>(size))},
+             SQLITE_IOERR_WRITE);
+    if (failure && to.disk->fault_ != Fault::ShortWrite) return *failure;
+    const int result = to.real->pMethods->xWrite(to.real, bytes, failure ? size / 2 : size, offset);
+    return failure.value_or(result);
   }
   static int Truncate(sqlite3_file* file, sqlite3_int64 size) {
-    File& to = Of(file);
-    if (to.counts && to.disk->Fails()) return to.disk->Failure(SQLITE_IOERR_TRUNCATE);
-    if (to.disk->Records(to)) {
-      to.disk->log.push_back(
-          {DiskOperation::Truncate, to.name, 0, {}, static_cast<std::size_t>(size)});
-    }
-    return to.real->pMethods->xTruncate(to.real, size);
+    const auto failure =
+        Meet(Of(file), {.kind = DiskOperation::Truncate, .offset = static_cast<std::size_t>(size)},
+             SQLITE_IOERR_TRUNCATE);
+    return failure ? *failure : Of(file).real->pMethods->xTruncate(Of(file).real, size);
   }
   static int Sync(sqlite3_file* file, int /*flags*/) {
     File& to = Of(file);
-    if (to.counts && to.disk->Fails()) return to.disk->Failure(SQLITE_IOERR_FSYNC);
-    if (to.disk->Records(to) && !to.disk->dropsSyncs) {
-      to.disk->log.push_back({DiskOperation::Sync, to.name, 0, {}, 0});
-    }
-    return SQLITE_OK;
+    const bool wasRecording = to.disk->isRecording;
+    to.disk->isRecording = wasRecording && !to.disk->dropsSyncs;
+    const auto failure = Meet(to, {.kind = DiskOperation::Sync}, SQLITE_IOERR_FSYNC);
+    to.disk->isRecording = wasRecording;
+    return failure.value_or(SQLITE_OK);
+  }
+  /// Hands a call on to the file below.
+  template <auto Method, typename... Arguments>
+  static int Pass(sqlite3_file* file, Arguments... arguments) {
+    return (Of(file).real->pMethods->*Method)(Of(file).real, arguments...);
   }
 
   static const sqlite3_io_methods* Methods() {
-    static const sqlite3_io_methods methods = {
-        1,
-        [](sqlite3_file* f) { return Of(f).real->pMethods->xClose(Of(f).real); },
-        [](sqlite3_file* f, void* to, int size, sqlite3_int64 offset) {
-          return Of(f).real->pMethods->xRead(Of(f).real, to, size, offset);
-        },
-        Write,
-        Truncate,
-        Sync,
-        [](sqlite3_file* f, sqlite3_int64* size) {
-          return Of(f).real->pMethods->xFileSize(Of(f).real, size);
-        },
-        [](sqlite3_file* f, int lock) { return Of(f).real->pMethods->xLock(Of(f).real, lock); },
-        [](sqlite3_file* f, int lock) { return Of(f).real->pMethods->xUnlock(Of(f).real, lock); },
-        [](sqlite3_file* f, int* result) {
-          return Of(f).real->pMethods->xCheckReservedLock(Of(f).real, result);
-        },
-        [](sqlite3_file* f, int operation, void* argument) {
-          return Of(f).real->pMethods->xFileControl(Of(f).real, operation, argument);
-        },
-        [](sqlite3_file* f) { return Of(f).real->pMethods->xSectorSize(Of(f).real); },
-        [](sqlite3_file* f) { return Of(f).real->pMethods->xDeviceCharacteristics(Of(f).real); },
-        nullptr,
-        nullptr,
-        nullptr,
-        nullptr,
-        nullptr,
-        nullptr};
+    using M = sqlite3_io_methods;
+    static const M methods = [] {
+      M made{};
+      made.iVersion = 1;
+      made.xClose = Pass<&M::xClose>;
+      made.xRead = Pass<&M::xRead>;
+      made.xWrite = Write;
+      made.xTruncate = Truncate;
+      made.xSync = Sync;
+      made.xFileSize = Pass<&M::xFileSize>;
+      made.xLock = Pass<&M::xLock>;
+      made.xUnlock = Pass<&M::xUnlock>;
+      made.xCheckReservedLock = Pass<&M::xCheckReservedLock>;
+      made.xFileControl = Pass<&M::xFileControl>;
+      made.xSectorSize = Pass<&M::xSectorSize>;
+      made.xDeviceCharacteristics = Pass<&M::xDeviceCharacteristics>;
+      return made;
+    }();
     return &methods;
   }
 
-  bool Exists(const char* path) const {
-    int result = 0;
-    underlying_->xAccess(underlying_, path, SQLITE_ACCESS_EXISTS, &result);
-    return result != 0;
-  }
-  static std::string_view BaseName(std::string_view path) {
-    return path.substr(path.find_last_of('/') + 1);
-  }
-
-  sqlite3_vfs base_;
+  sqlite3_vfs* underlying_ = sqlite3_vfs_find(nullptr);
   sqlite3_vfs vfs_{};
-  sqlite3_vfs* underlying_ = nullptr;
   bool isAside_ = false;
   std::size_t operations_ = 0;
   std::size_t firstFault_ = 0;

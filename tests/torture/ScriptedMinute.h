@@ -9,16 +9,11 @@
 #include <utility>
 #include <vector>
 
-#include "app/Monitor.h"
 #include "cli/CommandLine.h"
 #include "platform/sqlite/OpenStore.h"
+#include "torture/core/CoreRun.h"
 #include "twins/Frames.h"
-#include "twins/HandClock.h"
-#include "twins/RecordingDesktop.h"
 #include "twins/RecordingListener.h"
-#include "twins/ScriptedPort.h"
-#include "twins/ScriptedPrompts.h"
-#include "twins/ScriptedRandom.h"
 
 namespace wattlark {
 
@@ -28,18 +23,16 @@ class ScriptedMinute {
   ScriptedMinute(std::string profile, std::function<void()> after)
       : profile_(std::move(profile)), after_(std::move(after)) {}
 
-  static constexpr int kCheckpointSeconds = 10;
-  static constexpr int kRunSeconds = 60;
-
   /// What users were told by commands and at starts, and in runs.
   std::vector<std::string> answers;
   std::vector<std::string> errors;
 
   void Play() {
-    Command({"meter", "add", "--name", "Kitchen", "--address", "5"});
-    Command({"meter", "add", "--name", "Office", "--address", "6"});
-    Command({"meter", "add", "--name", "Attic", "--address", "7"});
-    RunMonitor(kRunSeconds);
+    for (const auto& [name, address] :
+         {std::pair("Kitchen", "5"), {"Office", "6"}, {"Attic", "7"}}) {
+      Command({"meter", "add", "--name", name, "--address", address});
+    }
+    RunMonitor(60);
     Command({"meter", "remove", "Office"});
     Command({"setting", "set", "BaudRate", "19200"});
     RunMonitor(kCheckpointSeconds);
@@ -85,23 +78,14 @@ class ScriptedMinute {
       opening = OpenStore(profile_, 0);
     }
     if (!opening.message.empty()) throw std::runtime_error(opening.message);
-    ScriptedPort port;
-    ScriptedRandom random{};
-    RecordingDesktop desktop;
-    ScriptedPrompts prompts;
     RecordingListener listener;
-    Monitor::Options options{"log.csv", "notice.wav"};
-    options.checkpointSeconds = kCheckpointSeconds;
-    Monitor monitor({clock_, port, *opening.registry, random, desktop, prompts},
-                    RegionalSettings::UnitedStates(), options, listener);
-    if (!monitor.Load()) throw std::runtime_error("the profile could not be loaded");
-    monitor.StartRunning();
+    CoreRun run(*opening.registry, clock_, kCheckpointSeconds, listener);
+    Monitor& monitor = run.Program();
     after_();
     for (int second = 0; second < seconds; ++second) {
       clock_.Advance(1000);
       for (const std::uint16_t address : std::initializer_list<std::uint16_t>{5, 6, 7}) {
-        port.waiting = Frame(address, second);
-        monitor.ReceiveXBeeData();
+        run.Receive(Frame(address, second));
       }
       monitor.UpdateCycle();
       after_();
@@ -113,11 +97,12 @@ class ScriptedMinute {
     }
     if (!isSaved) listener.errors.emplace_back("not saved");
     for (const auto& error : listener.errors) errors.push_back(error);
-    for (const auto& message : prompts.asked) errors.push_back(message.text);
+    for (const auto& message : run.prompts.asked) errors.push_back(message.text);
     opening.registry.reset();
     after_();
   }
 
+  static constexpr int kCheckpointSeconds = 10;
   static constexpr int kPatience = 100;
 
   std::string profile_;

@@ -1,16 +1,20 @@
 #pragma once
 
 #include <chrono>
+#include <concepts>
 #include <cstdint>
 #include <cstdlib>
 #include <exception>
 #include <functional>
 #include <iostream>
+#include <mutex>
 #include <string>
+#include <thread>
+#include <vector>
 
 namespace wattlark {
 
-/// One torture as the command line wants it, and what it has found.
+/// One torture as the command line wants it, and what it has found; threads may share it.
 class Torture {
  public:
   bool isLong = false;
@@ -20,13 +24,36 @@ class Torture {
   /// Counts a fault; the first ones are printed.
   void Find(const std::string& fault) {
     constexpr int kPrinted = 20;
+    const std::lock_guard lock(mutex_);
     if (++faults_ <= kPrinted) std::cout << "FAULT: " << fault << std::endl;
   }
-  /// Counts a fault unless `holds`.
-  void Expect(bool holds, const std::string& fault) {
-    if (!holds) Find(fault);
+  /// Counts a fault unless `holds`; `fault` is its text, or makes it.
+  template <typename Fault>
+  void Expect(bool holds, const Fault& fault) {
+    if (holds) return;
+    if constexpr (std::invocable<Fault>) {
+      Find(fault());
+    } else {
+      Find(fault);
+    }
   }
   int Faults() const { return faults_; }
+
+  /// Runs `work(number)` in `count` threads at once. What one of them throws is a fault.
+  template <typename Work>
+  void InThreads(int count, Work work) {
+    std::vector<std::thread> threads;
+    for (int number = 0; number < count; ++number) {
+      threads.emplace_back([this, work, number] {
+        try {
+          work(number);
+        } catch (const std::exception& error) {
+          Find(error.what());
+        }
+      });
+    }
+    for (std::thread& thread : threads) thread.join();
+  }
 
   /// A figure for the report.
   template <typename Value>
@@ -35,12 +62,13 @@ class Torture {
   }
 
  private:
+  std::mutex mutex_;
   int faults_ = 0;
 };
 
 /// The main of a torture: "[--long] [--broken] [--seed N]". 0 when nothing was found, or when the
 /// broken variant was found out; 1 otherwise; 2 when the torture itself could not be carried out.
-inline int RunTorture(int argc, char** argv, const std::function<void(Torture&)>& run) {
+inline int RunTorture(int argc, char** argv, void (*run)(Torture&)) {
   Torture torture;
   for (int i = 1; i < argc; ++i) {
     const std::string argument = argv[i];
@@ -65,10 +93,6 @@ inline int RunTorture(int argc, char** argv, const std::function<void(Torture&)>
   const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
   Torture::Tell("faults", torture.Faults());
   Torture::Tell("seconds", took.count());
-  if (torture.isBroken) {
-    std::cout << (torture.Faults() > 0 ? "The broken variant was found out.\n"
-                                       : "The broken variant was NOT found out.\n");
-  }
   return (torture.Faults() > 0) == torture.isBroken ? 0 : 1;
 }
 

@@ -3,10 +3,11 @@
 #include <fcntl.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <filesystem>
 #include <random>
 #include <set>
+#include <sstream>
+#include <tuple>
 
 #include "platform/TemporaryFolder.h"
 #include "platform/sqlite/OpenStore.h"
@@ -60,18 +61,12 @@ std::string Contents(const StoreOpening& opening) {
 /// How many values of meters a store has.
 std::size_t MeterValues(const std::string& contents) {
   std::size_t count = 0;
-  for (std::size_t at = 0; (at = contents.find("\\KillAWatts\\", at)) != std::string::npos; ++at) {
-    ++count;
+  std::istringstream lines(contents);
+  for (std::string line; std::getline(lines, line);) {
+    if (line.find("\\KillAWatts\\") != std::string::npos) ++count;
   }
   return count;
 }
-
-/// What the store holds after each action of an undisturbed minute.
-struct Course {
-  std::vector<std::string> states;
-  std::vector<std::size_t> ends;  ///< how long the disk's log was then
-  std::size_t operations = 0;
-};
 
 class DiskTorture {
  public:
@@ -81,15 +76,15 @@ class DiskTorture {
     const std::string profile = folder_.File("undisturbed");
     disk_.FailFrom(0, 0, FaultyDisk::Fault::IOError);
     ScriptedMinute minute(profile, [&] {
-      course_.states.push_back(Look(profile));
-      course_.ends.push_back(disk_.log.size());
+      states_.push_back(Look(profile));
+      ends_.push_back(disk_.log.size());
     });
     minute.Play();
-    course_.operations = disk_.Operations();
+    operations_ = disk_.Operations();
     disk_.isRecording = false;
     torture_.Expect(minute.answers.empty() && minute.errors.empty(),
                     "an undisturbed minute speaks");
-    Torture::Tell("actions", course_.states.size());
+    Torture::Tell("actions", states_.size());
     Torture::Tell("operations of the disk", disk_.log.size());
   }
 
@@ -101,23 +96,23 @@ class DiskTorture {
     const std::size_t step = torture_.isLong ? 1 : 29;
     const int repeats = torture_.isLong ? 4 : 1;
     for (std::size_t at = 0; at <= disk_.log.size(); ++at) {
-      while (action < course_.ends.size() && course_.ends[action] < at) ++action;
-      const bool isEnd = action < course_.ends.size() && course_.ends[action] == at;
+      while (action + 1 < ends_.size() && ends_[action] < at) ++action;
+      const bool isEnd = ends_[action] == at;
       if (at % step == 0 || isEnd) {
-        std::set<std::string> allowed = {action < course_.states.size() ? course_.states[action]
-                                                                        : course_.states.back()};
+        std::set<std::string> allowed = {states_[action]};
         // Once an action is over, what it saved is there for good.
-        if (!isEnd) allowed.insert(action == 0 ? std::string() : course_.states[action - 1]);
+        if (!isEnd) allowed.insert(action == 0 ? std::string() : states_[action - 1]);
         const std::string where = "power cut after " + std::to_string(at) + " operations, action " +
                                   std::to_string(action);
-        for (const Fate fate : {Fate::NothingUnsynced, Fate::EverythingUnsynced}) {
-          ExpectAfter(where, power.After(fate, random_), allowed);
+        using Way = std::tuple<const char*, Fate, int>;
+        for (const auto& [way, fate, times] : {Way{", nothing", Fate::NothingUnsynced, 1},
+                                               Way{", everything", Fate::EverythingUnsynced, 1},
+                                               Way{", some sectors", Fate::SomeSectors, repeats},
+                                               Way{", torn", Fate::LastWriteTorn, repeats}}) {
+          for (int i = 0; i < times; ++i, ++cuts) {
+            ExpectAfter(where + way, power.After(fate, random_), allowed);
+          }
         }
-        for (int i = 0; i < repeats; ++i) {
-          ExpectAfter(where + ", some sectors", power.After(Fate::SomeSectors, random_), allowed);
-          ExpectAfter(where + ", torn", power.After(Fate::LastWriteTorn, random_), allowed);
-        }
-        cuts += 2 + static_cast<std::size_t>(2 * repeats);
       }
       if (at < disk_.log.size()) power.Apply(disk_.log[at]);
     }
@@ -133,7 +128,7 @@ class DiskTorture {
       // Once, and for a while: everything a save does fails some times over.
       for (const std::size_t count : {std::size_t{1}, std::size_t{8}}) {
         const std::size_t every = count == 1 ? step : step * 7;
-        for (std::size_t first = runs % every; first < course_.operations; first += every) {
+        for (std::size_t first = runs % every; first < operations_; first += every) {
           ExpectSurvived(first, count, fault);
           ++runs;
         }
@@ -149,21 +144,19 @@ class DiskTorture {
   void FailRenames() {
     for (const int works : {0, 1}) {
       const std::string profile = folder_.File("unnamed" + std::to_string(works));
+      const std::string inside = profile + "/wattlark.db/inside";
+      const std::string journal = profile + "/wattlark.db-journal";
       fs::create_directories(profile + "/wattlark.db");
-      WriteFile(profile + "/wattlark.db/inside", "1");
-      WriteFile(profile + "/wattlark.db-journal", "2");
+      WriteFile(inside, "1");
+      WriteFile(journal, "2");
       workingRenames = torture_.isBroken ? -1 : works;
-      {
-        const StoreOpening opening = OpenStore(profile, 0);
-        torture_.Expect(!opening.savesChanges && opening.registry != nullptr &&
-                            opening.message.find("could not be moved") != std::string::npos,
-                        "a rename that fails is not told: " + opening.message);
-        torture_.Expect(FileBytes(profile + "/wattlark.db/inside") == "1" &&
-                            FileBytes(profile + "/wattlark.db-journal") == "2",
-                        "a rename that fails parts a store from its journal");
-      }
       const StoreOpening opening = OpenStore(profile, 0);
-      torture_.Expect(opening.savesChanges, "saving does not resume: " + opening.message);
+      torture_.Expect(!opening.savesChanges && opening.registry != nullptr &&
+                          opening.message.find("could not be moved") != std::string::npos,
+                      "a rename that fails is not told: " + opening.message);
+      torture_.Expect(FileBytes(inside) == "1" && FileBytes(journal) == "2",
+                      "a rename that fails parts a store from its journal");
+      torture_.Expect(OpenStore(profile, 0).savesChanges, "saving does not resume");
     }
   }
 
@@ -202,7 +195,7 @@ class DiskTorture {
       const std::string found = isChanged ? Look(profile) : last;
       torture_.Expect(!found.starts_with("<"), what + ": " + found);
       // What was saved at another time is another state, but a whole one.
-      torture_.Expect(MeterValues(found) % MeterValues(course_.states.front()) == 0,
+      torture_.Expect(MeterValues(found) % MeterValues(states_.front()) == 0,
                       what + ": half a meter is stored");
       waited = found == last ? waited + 1 : 0;
       if (count == 1) longestWait_ = std::max(longestWait_, waited);
@@ -215,7 +208,7 @@ class DiskTorture {
       torture_.Find(what + ": it does not go on: " + error.what());
     }
     disk_.Mend();
-    torture_.Expect(last == course_.states.back(), what + ": saving does not resume");
+    torture_.Expect(last == states_.back(), what + ": saving does not resume");
     told_ += minute.answers.empty() && minute.errors.empty() ? 0 : 1;
     // Whoever tries again while the disk still fails is told again; within a run it is told once.
     torture_.Expect(
@@ -228,7 +221,11 @@ class DiskTorture {
   std::mt19937_64 random_;
   TemporaryFolder folder_;
   FaultyDisk disk_;
-  Course course_;
+  // Of an undisturbed minute: what the store holds after each action, and how long the disk's log
+  // is then.
+  std::vector<std::string> states_;
+  std::vector<std::size_t> ends_;
+  std::size_t operations_ = 0;
   std::size_t told_ = 0;
   std::size_t longestWait_ = 0;
 };

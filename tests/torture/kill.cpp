@@ -7,19 +7,13 @@
 #include <atomic>
 #include <filesystem>
 #include <map>
-#include <memory>
-#include <mutex>
-#include <nlohmann/json.hpp>
 #include <random>
-#include <set>
 
-#include "app/ProfileData.h"
-#include "config/modRegistry.h"
 #include "integration/RunningProgram.h"
 #include "platform/TemporaryFolder.h"
 #include "platform/sqlite/OpenStoreCopy.h"
+#include "torture/GoodStore.h"
 #include "torture/Torture.h"
-#include "twins/HandClock.h"
 
 namespace wattlark {
 namespace {
@@ -34,17 +28,13 @@ struct Counts {
   std::atomic<int> commands{0};
   std::atomic<int> insideSaves{0};
   std::atomic<int> withCheckpoint{0};
-  std::atomic<int> faults{0};
 };
 
 /// One profile that is killed over and over, in a thread of its own.
 class Victim {
  public:
-  Victim(Torture& torture, std::mutex& mutex, Counts& counts, std::uint64_t seed)
-      : torture_(torture), mutex_(mutex), counts_(counts), random_(seed) {
-    sim_ = std::make_unique<RunningProgram>(
-        std::vector<std::string>{WATTLARK_SIM_PROGRAM, "--link", device_, "--period", "0.1",
-                                 "--meter", "Kitchen:5:400", "--meter", "Office:6:90"});
+  Victim(Torture& torture, Counts& counts, std::uint64_t seed)
+      : torture_(torture), counts_(counts), random_(seed) {
     WaitUntil([this] { return fs::exists(device_); });
     for (const auto& [name, address] : {std::pair("Kitchen", "5"), std::pair("Office", "6")}) {
       RunningProgram add(Program({"meter", "add", "--name", name, "--address", address}));
@@ -73,12 +63,12 @@ class Victim {
       wasSaving = isSaving;
       std::this_thread::sleep_for(isSaving || insideSave ? microseconds(100) : microseconds(1000));
     }
-    if (!program.IsRunning()) Find("the program ended by itself: " + program.Messages());
+    if (!program.IsRunning()) torture_.Find("the program ended by itself: " + program.Messages());
     if (IsSaving()) ++counts_.insideSaves;
     program.End(SIGKILL);
     ++counts_.runs;
     if (seen > 0) ++counts_.withCheckpoint;
-    if (program.Messages().find("damaged") != std::string::npos) Find(program.Messages());
+    if (program.Messages().find("damaged") != std::string::npos) torture_.Find(program.Messages());
     ExpectStore("a kill of the program");
   }
 
@@ -130,29 +120,14 @@ class Victim {
     ::clock_gettime(CLOCK_REALTIME, &now);
     return (now.tv_sec - time.tv_sec) * 1000 + (now.tv_nsec - time.tv_nsec) / 1000000 < 10;
   }
-  void Find(const std::string& fault) {
-    const std::lock_guard lock(mutex_);
-    ++counts_.faults;
-    torture_.Find(fault);
-  }
-
   /// The totals by meter; nothing while the store is locked. A message is a store that is damaged.
   std::optional<std::map<std::string, double>> ReadTotals(std::string& message) const {
     const StoreOpening opening = OpenStoreCopy(profile_, 2000);
     message = opening.message;
     if (!message.empty() || opening.registry == nullptr) return std::nullopt;
-    const RegionalSettings regional = RegionalSettings::UnitedStates();
-    modRegistry store(*opening.registry);
-    ProfileData profile(regional);
+    // All of it in one transaction: the program goes on saving.
     opening.registry->Begin();
-    profile.Load(store, "log.csv", At("2026-11-16T20:10:00"));
-    opening.registry->Rollback();
-    std::map<std::string, double> totals;
-    for (const auto& meter : profile.Meters()) {
-      totals[meter->Name()] = meter->Statistics().Usage(ToDate);
-    }
-    for (const std::string& problem : profile.Problems()) message += problem;
-    return totals;
+    return StoredTotals(*opening.registry);
   }
 
   /// What is in the store now must be there after the kill.
@@ -165,7 +140,7 @@ class Victim {
     std::string message;
     const auto totals = ReadTotals(message);
     if (!totals || !message.empty()) {
-      Find("the store cannot be read after " + when + ": " + message);
+      torture_.Find("the store cannot be read after " + when + ": " + message);
       return;
     }
     Compare(*totals, when);
@@ -176,10 +151,10 @@ class Victim {
     for (auto& [name, total] : meters_) {
       const auto found = totals.find(name);
       if (found == totals.end()) {
-        Find(name + " is lost after " + when);
+        torture_.Find(name + " is lost after " + when);
       } else if (found->second < total) {
-        Find(name + " falls from " + std::to_string(total) + " to " +
-             std::to_string(found->second) + " after " + when);
+        torture_.Find(name + " falls from " + std::to_string(total) + " to " +
+                      std::to_string(found->second) + " after " + when);
       } else {
         total = found->second;
       }
@@ -187,13 +162,13 @@ class Victim {
   }
 
   Torture& torture_;
-  std::mutex& mutex_;
   Counts& counts_;
   std::mt19937_64 random_;
   TemporaryFolder folder_;
   std::string profile_ = folder_.File("profile");
   std::string device_ = folder_.File("receiver");
-  std::unique_ptr<RunningProgram> sim_;
+  RunningProgram sim_{{WATTLARK_SIM_PROGRAM, "--link", device_, "--period", "0.1", "--meter",
+                       "Kitchen:5:400", "--meter", "Office:6:90"}};
   std::map<std::string, double> meters_;  ///< the most that was ever stored, Wh
   bool extra_ = false;
 };
@@ -201,32 +176,22 @@ class Victim {
 void Run(Torture& torture) {
   const int victims = torture.isLong ? 12 : 4;
   const int kills = torture.isLong ? 2004 : 24;
-  std::mutex mutex;
   Counts counts;
-  std::vector<std::thread> threads;
-  for (int number = 0; number < victims; ++number) {
-    threads.emplace_back([&, number] {
-      try {
-        Victim victim(torture, mutex, counts, torture.seed * 1000 + static_cast<unsigned>(number));
-        // A save takes some milliseconds: few kills may hit none of a careless program's.
-        const auto goesOn = [&](int i) {
-          return i < kills / victims ||
-                 (torture.isBroken && counts.faults == 0 && i < 6 * kills / victims);
-        };
-        for (int i = 0; goesOn(i); ++i) {
-          if (i % 3 == 2) {
-            victim.KillCommand();
-          } else {
-            victim.KillProgram(i % 3 == 0);
-          }
-        }
-      } catch (const std::exception& error) {
-        const std::lock_guard lock(mutex);
-        torture.Find(error.what());
+  torture.InThreads(victims, [&](int number) {
+    Victim victim(torture, counts, torture.seed * 1000 + static_cast<unsigned>(number));
+    // A save takes some milliseconds: few kills may hit none of a careless program's.
+    const auto goesOn = [&](int i) {
+      return i < kills / victims ||
+             (torture.isBroken && torture.Faults() == 0 && i < 6 * kills / victims);
+    };
+    for (int i = 0; goesOn(i); ++i) {
+      if (i % 3 == 2) {
+        victim.KillCommand();
+      } else {
+        victim.KillProgram(i % 3 == 0);
       }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
+    }
+  });
   Torture::Tell("kills of the running program", counts.runs);
   Torture::Tell("of these with a checkpoint to compare with", counts.withCheckpoint);
   Torture::Tell("kills of meter add and meter remove", counts.commands);

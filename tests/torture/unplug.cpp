@@ -9,8 +9,8 @@
 #include <fstream>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <random>
-#include <sstream>
 
 #include "integration/RunningProgram.h"
 #include "platform/TemporaryFolder.h"
@@ -26,6 +26,27 @@ using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
 constexpr milliseconds kLimit{3000};
+
+/// What the program uses of the machine.
+struct Usage {
+  double processorSeconds = 0;
+  long kilobytes = 0;
+  long descriptors = 0;
+
+  explicit Usage(pid_t process) {
+    const std::string folder = "/proc/" + std::to_string(process);
+    std::ifstream times(folder + "/stat");
+    std::string field;
+    for (int i = 0; i < 13; ++i) times >> field;
+    double user = 0;
+    double system = 0;
+    times >> user >> system;
+    processorSeconds = (user + system) / static_cast<double>(::sysconf(_SC_CLK_TCK));
+    std::ifstream(folder + "/statm") >> kilobytes >> kilobytes;
+    kilobytes *= ::sysconf(_SC_PAGESIZE) / 1024;
+    descriptors = std::distance(fs::directory_iterator(folder + "/fd"), fs::directory_iterator());
+  }
+};
 
 struct Figures {
   std::mutex mutex;
@@ -54,30 +75,24 @@ class Bench {
     }
     // What grows once, the texts of the first losses for one, is no growth.
     const int settled = std::min(cycles / 4, 50);
-    long memory = 0;
-    long descriptors = 0;
+    std::optional<Usage> before;
     const auto start = Clock::now();
-    const double processor = ProcessorSeconds(program.Process());
+    const double processor = Usage(program.Process()).processorSeconds;
     for (int cycle = 0; cycle < cycles; ++cycle) {
-      if (cycle == settled) {
-        memory = MemoryOf(program.Process());
-        descriptors = DescriptorsOf(program.Process());
-      }
+      if (cycle == settled) before.emplace(program.Process());
       LoseAndReturn(cycle);
-      if (!program.IsRunning()) {
-        Find("the program ended: " + program.Messages());
-        return;
-      }
+      if (!program.IsRunning()) return torture_.Find("the program ended: " + program.Messages());
       static_cast<void>(program.Output());
       static_cast<void>(program.Messages());
     }
     const std::chrono::duration<double> took = Clock::now() - start;
+    const Usage after(program.Process());
     const std::lock_guard lock(figures_.mutex);
-    figures_.growth = std::max(figures_.growth, MemoryOf(program.Process()) - memory);
+    figures_.growth = std::max(figures_.growth, after.kilobytes - before->kilobytes);
     figures_.descriptorGrowth =
-        std::max(figures_.descriptorGrowth, DescriptorsOf(program.Process()) - descriptors);
-    figures_.processorShare = std::max(
-        figures_.processorShare, (ProcessorSeconds(program.Process()) - processor) / took.count());
+        std::max(figures_.descriptorGrowth, after.descriptors - before->descriptors);
+    figures_.processorShare =
+        std::max(figures_.processorShare, (after.processorSeconds - processor) / took.count());
   }
 
  private:
@@ -90,15 +105,9 @@ class Bench {
     }
     return arguments;
   }
-  void Find(const std::string& fault) {
-    const std::lock_guard lock(figures_.mutex);
-    torture_.Find(fault);
-  }
-
   void PlugIn() {
-    // While the old one is still there, so that the new one has another name.
-    auto next = std::make_unique<TestTerminal>();
-    terminal_ = std::move(next);
+    // Made while the old one is still there, so that the new one has another name.
+    terminal_ = std::make_unique<TestTerminal>();
     Link();
   }
   void Link() const {
@@ -109,7 +118,6 @@ class Bench {
   void LoseAndReturn(int cycle) {
     enum { Unplugged, Renamed, Forbidden };
     const int kind = cycle % 3;
-    const std::string path = terminal_->Path();
     // Forbidding alone takes no device from whoever has it open.
     if (kind != Renamed) terminal_.reset();
     fs::remove(device_);
@@ -169,26 +177,6 @@ class Bench {
     return reads_;
   }
 
-  static double ProcessorSeconds(pid_t process) {
-    std::ifstream file("/proc/" + std::to_string(process) + "/stat");
-    std::string field;
-    for (int i = 0; i < 13; ++i) file >> field;
-    double user = 0;
-    double system = 0;
-    file >> user >> system;
-    return (user + system) / static_cast<double>(::sysconf(_SC_CLK_TCK));
-  }
-  static long MemoryOf(pid_t process) {
-    std::ifstream file("/proc/" + std::to_string(process) + "/statm");
-    long pages = 0;
-    file >> pages >> pages;
-    return pages * ::sysconf(_SC_PAGESIZE) / 1024;
-  }
-  static long DescriptorsOf(pid_t process) {
-    const fs::path folder = "/proc/" + std::to_string(process) + "/fd";
-    return std::distance(fs::directory_iterator(folder), fs::directory_iterator());
-  }
-
   Torture& torture_;
   Figures& figures_;
   std::mt19937_64 random_;
@@ -206,19 +194,10 @@ void Run(Torture& torture) {
   const int benches = torture.isLong ? 6 : 3;
   const int cycles = torture.isLong ? 1002 : torture.isBroken ? 3 : 9;
   Figures figures;
-  std::vector<std::thread> threads;
-  for (int number = 0; number < benches; ++number) {
-    threads.emplace_back([&, number] {
-      try {
-        Bench bench(torture, figures, torture.seed * 1000 + static_cast<unsigned>(number));
-        bench.Run(cycles / benches);
-      } catch (const std::exception& error) {
-        const std::lock_guard lock(figures.mutex);
-        torture.Find(error.what());
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
+  torture.InThreads(benches, [&](int number) {
+    Bench bench(torture, figures, torture.seed * 1000 + static_cast<unsigned>(number));
+    bench.Run(cycles / benches);
+  });
   Torture::Tell("losses and returns", figures.losses);
   Torture::Tell("slowest first reading after the return, s", figures.slowest);
   Torture::Tell("mean of these, s", figures.total / std::max(1, figures.losses));

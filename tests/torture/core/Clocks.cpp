@@ -1,32 +1,27 @@
-// A meter and the schedules while the clock does what clocks do: daylight time, steps, leap days,
+// A meter while the clock does what clocks do: daylight time, steps, leap days,
 // year ends, a start without a clock, sleep, and a tick count that wraps.
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
 #include <limits>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "ReferenceMeter.h"
-#include "SystemZone.h"
-#include "Verdict.h"
 #include "acquisition/clsKillAWatt.h"
 #include "config/modRegistry.h"
-#include "publish/PublishSchedule.h"
 #include "sim/Random.h"
 #include "timezone/TimeZoneRegistry.h"
 #include "timezone/modTimeZone.h"
+#include "torture/Torture.h"
+#include "torture/core/ReferenceMeter.h"
+#include "torture/core/SystemZone.h"
 #include "twins/HandClock.h"
 
+namespace wattlark {
 namespace {
-
-using namespace wattlark;
-using namespace wattlark::torture;
 
 constexpr std::int64_t kUpperLimit = 500;  // W
 constexpr std::int64_t kLongestStep = std::int64_t{20} * 86'400'000;
@@ -37,56 +32,15 @@ bool IsSame(double a, double b) {
   return a == b || std::fabs(a - b) <= 1e-9 * std::max(std::fabs(a), std::fabs(b));
 }
 
-/// One destination of each interval, and what its due time has to be: multiples are counted one by
-/// one instead of divided.
-class Due {
- public:
-  Due(DueUnit unit, std::int32_t interval, DateTime now)
-      : unit_(unit), interval_(interval), due_(Next(now)) {}
-
-  std::optional<DateTime> Tick(DateTime now) {
-    const std::int64_t unit = unit_ == DueUnit::Seconds ? 1 : 3600;
-    const std::int64_t most = unit_ == DueUnit::Seconds ? 3600 : 24;
-    // Further ahead than any schedule: the clock was set back.
-    if (due_ > now.PlusSeconds(most * unit)) due_ = Next(now);
-    if (due_ > now) return std::nullopt;
-    const DateTime stamp = due_;
-    due_ = Next(now);
-    return stamp;
-  }
-
- private:
-  DateTime Next(DateTime now) const {
-    CivilTime civil = now.Civil();
-    civil.minute = civil.second = civil.millisecond = 0;
-    if (unit_ == DueUnit::Hours) civil.hour = 0;
-    DateTime next = *DateTime::FromCivil(civil);
-    while (next <= now) {
-      next = unit_ == DueUnit::Seconds ? next.PlusSeconds(interval_) : next.PlusHours(interval_);
-    }
-    return next;
-  }
-
-  DueUnit unit_;
-  std::int32_t interval_;
-  DateTime due_;
-};
-
-/// A meter and the publishing of a household, each beside its reference.
+/// A meter beside its reference.
 class Household {
  public:
-  Household(DateTime now, std::int64_t ticks, bool isBroken, Verdict& verdict)
-      : verdict_(verdict), now_(now), ticks_(ticks), isBroken_(isBroken) {
-    settings_.LogToCSV = settings_.LogToPachube = settings_.LogToPowerMeter = true;
-    settings_.LogToTwitter = true;
-    Add(&AppSettings::LogToCSV, &AppSettings::CSVInterval, DueUnit::Seconds, 60);
-    Add(&AppSettings::LogToPachube, &AppSettings::PachubeInterval, DueUnit::Seconds, 300);
-    Add(&AppSettings::LogToPowerMeter, &AppSettings::PowerMeterInterval, DueUnit::Seconds, 3600);
-    Add(&AppSettings::LogToTwitter, &AppSettings::TwitterInterval, DueUnit::Hours, 6);
-    schedule_.Start(settings_, now);
+  Household(DateTime now, std::int64_t ticks, Torture& torture)
+      : torture_(torture), now_(now), ticks_(ticks) {
     meter_.Alarm().SetAlarmActive(true);
   }
 
+  static std::size_t Checks() { return checks_; }
   DateTime Now() const { return now_; }
   /// The user, the network or the zone sets the clock.
   void SetClock(DateTime now) { now_ = now; }
@@ -109,54 +63,21 @@ class Household {
     const std::int64_t watts = 100 + (++readings_ * 37) % 900;
     // The fault: a count that stops at its end, where the real one starts again from 0.
     const auto shown = static_cast<std::uint32_t>(
-        isBroken_ ? std::min<std::int64_t>(ticks_, std::numeric_limits<std::uint32_t>::max())
-                  : ticks_);
+        torture_.isBroken
+            ? std::min<std::int64_t>(ticks_, std::numeric_limits<std::uint32_t>::max())
+            : ticks_);
     meter_.AddReading(120, 4, static_cast<double>(watts), now_, shown);
     const bool isFirst = readings_ == 1;
     reference_.Add(watts, now_, isFirst ? std::nullopt : std::optional(ofTicks), kUpperLimit);
     Compare();
-    Publish();
   }
 
  private:
-  struct Destination {
-    Due due;
-    std::vector<DateTime> stamps;
-  };
-
-  void Add(bool AppSettings::*enabled, std::int32_t AppSettings::*interval, DueUnit unit,
-           std::int32_t count) {
-    settings_.*interval = count;
-    destinations_.push_back(std::make_unique<Destination>(Destination{Due(unit, count, now_), {}}));
-    schedule_.Add({enabled, interval, unit,
-                   [to = destinations_.back().get()](DateTime stamp, bool, bool) {
-                     to->stamps.push_back(stamp);
-                     return true;
-                   },
-                   DateTime()});
-  }
-
-  void Publish() {
-    schedule_.RunPublishers(settings_, now_);
-    for (std::size_t i = 0; i < destinations_.size(); ++i) {
-      Destination& destination = *destinations_[i];
-      std::vector<DateTime> expected;
-      if (const auto stamp = destination.due.Tick(now_)) expected.push_back(*stamp);
-      verdict_.Require(destination.stamps == expected, [&] {
-        return Where() + "destination " + std::to_string(i) + " does not run when it is due";
-      });
-      destination.stamps.clear();
-      verdict_.Require(now_ < schedule_.Destinations()[i].nextDue, [&] {
-        return Where() + "destination " + std::to_string(i) + " is due again at once";
-      });
-    }
-  }
-
   void Compare() {
     const MeterStatistics& statistics = meter_.Statistics();
     const double energy = statistics.Usage(ToDate) * 3600000;
-    verdict_.Require(IsSame(energy, static_cast<double>(reference_.wattMilliseconds)),
-                     [&] { return Where() + "the energy is not that of the ticks"; });
+    Expect(IsSame(energy, static_cast<double>(reference_.wattMilliseconds)),
+           "the energy is not that of the ticks");
     for (std::size_t i = 0; i < PeriodCount; ++i) {
       const int period = static_cast<int>(i);
       const DateTime time = statistics.PeakTime(period);
@@ -166,7 +87,7 @@ class Household {
           statistics.Peak(period) == reference_.peak[i] &&
           time.IsNever() == !expected.has_value() &&
           (!expected || time.Milliseconds() == expected->time_since_epoch().count());
-      verdict_.Require(isSame, [&] { return Where() + "period " + std::to_string(i) + " is off"; });
+      Expect(isSame, "a period is off", i);
     }
     for (std::size_t i = 0; i < IntervalCount; ++i) {
       const int interval = static_cast<int>(i);
@@ -174,31 +95,32 @@ class Household {
           std::ranges::equal(statistics.DemandRecent(interval), reference_.demand[i].entries,
                              IsSame) &&
           std::ranges::equal(statistics.UsageRecent(interval), reference_.used[i].entries, IsSame);
-      verdict_.Require(isSame, [&] { return Where() + "series " + std::to_string(i) + " is off"; });
+      Expect(isSame, "a series is off", i);
     }
     const std::int64_t most = std::numeric_limits<std::int32_t>::max();
-    verdict_.Require(meter_.Alarm().OutOfRangeSeconds() == std::min(most, reference_.outOfRange) &&
-                         meter_.Alarm().IntervalSeconds() == std::min(most, reference_.sinceNotice),
-                     [&] { return Where() + "the alarm's counters are off"; });
+    Expect(meter_.Alarm().OutOfRangeSeconds() == std::min(most, reference_.outOfRange) &&
+               meter_.Alarm().IntervalSeconds() == std::min(most, reference_.sinceNotice),
+           "the alarm's counters are off");
   }
 
-  std::string Where() const { return now_.ToIso() + ": "; }
+  void Expect(bool holds, const char* fault, std::size_t which = 0) {
+    ++checks_;
+    torture_.Expect(
+        holds, [&] { return now_.ToIso() + ": " + fault + " (" + std::to_string(which) + ")"; });
+  }
 
-  Verdict& verdict_;
+  Torture& torture_;
+  static inline std::size_t checks_ = 0;
   DateTime now_;
   std::int64_t ticks_;
-  bool isBroken_;
   std::int64_t readings_ = 0;
   clsKillAWatt meter_;
   ReferenceMeter reference_;
-  AppSettings settings_;
-  PublishSchedule schedule_;
-  std::vector<std::unique_ptr<Destination>> destinations_;
 };
 
 // ---- what clocks do ----
 
-void Steps(const Arguments& arguments, Verdict& verdict) {
+void Steps(Torture& torture) {
   constexpr std::int64_t kDay = 86'400;
   std::vector<std::int64_t> steps{1,         2,          4,          5,        59,
                                   60,        61,         3599,       3600,     3601,
@@ -209,7 +131,7 @@ void Steps(const Arguments& arguments, Verdict& verdict) {
                             "2100-02-28T23:59:30", "1970-01-01T00:00:00", "2026-11-16T20:59:59"}) {
     for (const std::int64_t step : steps) {
       for (const std::int64_t seconds : {step, -step}) {
-        Household household(At(begin), 1000, arguments.isBroken, verdict);
+        Household household(At(begin), 1000, torture);
         household.PassEach(2000, 20);
         household.SetClock(household.Now().PlusSeconds(seconds));
         household.PassEach(2000, 90);
@@ -220,8 +142,8 @@ void Steps(const Arguments& arguments, Verdict& verdict) {
   }
 }
 
-void StartWithoutAClock(const Arguments& arguments, Verdict& verdict) {
-  Household household(At("1970-01-01T00:00:05"), 5000, arguments.isBroken, verdict);
+void StartWithoutAClock(Torture& torture) {
+  Household household(At("1970-01-01T00:00:05"), 5000, torture);
   household.PassEach(2000, 150);
   household.SetClock(At(kBegin));
   household.PassEach(2000, 2000);
@@ -231,13 +153,13 @@ void StartWithoutAClock(const Arguments& arguments, Verdict& verdict) {
   household.PassEach(2000, 150);
 }
 
-void SleepAndWrap(const Arguments& arguments, Verdict& verdict) {
+void SleepAndWrap(Torture& torture) {
   constexpr std::int64_t kNight = std::int64_t{8} * 3'600'000;
   constexpr std::int64_t kWrap = std::int64_t{1} << 32;
   for (const std::int64_t ticks : {std::int64_t{0}, std::int64_t{1000}, kWrap - 60'000,
                                    kWrap / 2 - 60'000, kWrap - kNight / 2, kWrap - 3000}) {
     for (const std::int64_t counted : {kNight, std::int64_t{2000}}) {
-      Household household(At("2026-11-16T23:00:00"), ticks, arguments.isBroken, verdict);
+      Household household(At("2026-11-16T23:00:00"), ticks, torture);
       household.PassEach(2000, 60);
       household.Advance(kNight, counted);  // the count goes on in sleep, or stands still
       household.PassEach(2000, 200);
@@ -245,9 +167,9 @@ void SleepAndWrap(const Arguments& arguments, Verdict& verdict) {
   }
 }
 
-void LeapDaysAndYearEnds(const Arguments& arguments, Verdict& verdict) {
-  Household household(At("1970-01-01T00:00:00"), 1000, arguments.isBroken, verdict);
-  for (int year = 1970; year <= (arguments.isLong ? 2110 : 2036); ++year) {
+void LeapDaysAndYearEnds(Torture& torture) {
+  Household household(At("1970-01-01T00:00:00"), 1000, torture);
+  for (int year = 1970; year <= (torture.isLong ? 2110 : 2036); ++year) {
     for (const CivilTime& day : {CivilTime{.year = year, .month = 3, .day = 1},
                                  CivilTime{.year = year + 1, .month = 1, .day = 1}}) {
       const DateTime midnight = *DateTime::FromCivil(day);
@@ -259,10 +181,10 @@ void LeapDaysAndYearEnds(const Arguments& arguments, Verdict& verdict) {
   }
 }
 
-void RandomSteps(const Arguments& arguments, Verdict& verdict) {
+void RandomSteps(Torture& torture) {
   Random random(8);
-  Household household(At(kBegin), 1000, arguments.isBroken, verdict);
-  for (int i = arguments.isLong ? 3'000'000 : 30'000; i > 0; --i) {
+  Household household(At(kBegin), 1000, torture);
+  for (int i = torture.isLong ? 3'000'000 : 30'000; i > 0; --i) {
     household.Pass(random.Chance(0.99) ? 500 + random.Below(3000) : random.Below(100'000'000));
     if (!random.Chance(0.01)) continue;
     const double size = std::pow(400.0 * 86'400'000, random.Uniform());
@@ -274,34 +196,25 @@ void RandomSteps(const Arguments& arguments, Verdict& verdict) {
 }
 
 /// Around every change, the conversion to UTC gives the moment back; in a repeated hour, its first.
-void CheckConversion(const ZoneOffsets& zone, int year, DateTime utc, Verdict& verdict) {
-  ZoneOffsets near{zone.firstOffset, {}};
-  const DateTime begin = *DateTime::FromCivil({.year = year - kYearsAround});
-  const DateTime end = *DateTime::FromCivil({.year = year + kYearsAround + 1});
-  for (const OffsetChange& change : zone.changes) {
-    if (change.utc < begin.PlusDays(-2))
-      near.firstOffset = change.offset;
-    else if (change.utc < end.PlusDays(2))
-      near.changes.push_back(change);
-  }
+void CheckConversion(const ZoneOffsets& zone, int year, DateTime utc, Torture& torture) {
   const DateTime local = SystemZone::Local(utc);
   TimeZoneRegistry registry;
   registry.Serve("Zone", {"Zone", "Zone", "Zone"},
-                 MakeTimeZoneRules(near, year - kYearsAround, year + kYearsAround, local));
+                 MakeTimeZoneRules(zone, year - kYearsAround, year + kYearsAround, local));
   DateTime first = utc;
   for (const DateTime other : {utc.PlusDays(-1), utc.PlusHours(-3)}) {
     const DateTime candidate = local.PlusMinutes(-SystemZone::Offset(other));
     if (candidate < first && SystemZone::Local(candidate) == local) first = candidate;
   }
   const DateTime converted = LocalToUTC(local, GetTimeZoneByName(modRegistry(registry), "Zone"));
-  verdict.Require(converted == first, [&] {
+  torture.Expect(converted == first, [&] {
     return local.ToIso() + " converts to " + converted.ToIso() + " and not to " + first.ToIso();
   });
 }
 
-std::size_t DaylightChanges(const Arguments& arguments, Verdict& verdict) {
-  const int firstYear = arguments.isLong ? 1975 : 2024;
-  const int lastYear = arguments.isLong ? 2036 : 2026;
+void DaylightChanges(Torture& torture) {
+  const int firstYear = torture.isLong ? 1975 : 2024;
+  const int lastYear = torture.isLong ? 2036 : 2026;
   std::size_t changes = 0;
   std::size_t zones = 0;
   for (const char* name :
@@ -319,7 +232,7 @@ std::size_t DaylightChanges(const Arguments& arguments, Verdict& verdict) {
     const ZoneOffsets zone = SystemZone::Changes(firstYear - kYearsAround, lastYear + kYearsAround);
     const DateTime start = *DateTime::FromCivil({.year = firstYear});
     DateTime utc = start;
-    Household household(SystemZone::Local(utc), 1000, arguments.isBroken, verdict);
+    Household household(SystemZone::Local(utc), 1000, torture);
     const auto passTo = [&](DateTime to) {
       while (utc < to) {
         const std::int64_t step = std::min(kLongestStep, to.Milliseconds() - utc.Milliseconds());
@@ -337,31 +250,33 @@ std::size_t DaylightChanges(const Arguments& arguments, Verdict& verdict) {
       }
       while (utc < change.utc.PlusMinutes(3)) passTo(utc.PlusSeconds(2));
       while (utc < change.utc.PlusMinutes(130)) {
-        passTo(utc.PlusSeconds(arguments.isLong ? 20 : 60));
+        passTo(utc.PlusSeconds(torture.isLong ? 20 : 60));
       }
       for (const int seconds :
            {-86400, -7200, -3601, -3600, -1801, -1, 0, 1, 1799, 3599, 3600, 7199, 7200, 86400}) {
         const DateTime moment = change.utc.PlusSeconds(seconds);
-        CheckConversion(zone, SystemZone::Local(moment).Civil().year, moment, verdict);
+        CheckConversion(zone, SystemZone::Local(moment).Civil().year, moment, torture);
       }
     }
   }
-  verdict.Require(zones >= 20, [] { return "the system's zone data are not there"; });
-  std::printf("%zu zones with %zu changes from %d to %d\n", zones, changes, firstYear, lastYear);
-  return changes;
+  torture.Expect(zones >= 20, [] { return "the system's zone data are not there"; });
+  Torture::Tell("zones", zones);
+  Torture::Tell("changes of their offset", changes);
+}
+
+void Run(Torture& torture) {
+  Steps(torture);
+  StartWithoutAClock(torture);
+  SleepAndWrap(torture);
+  LeapDaysAndYearEnds(torture);
+  RandomSteps(torture);
+  DaylightChanges(torture);
+  Torture::Tell("checks", Household::Checks());
 }
 
 }  // namespace
+}  // namespace wattlark
 
 int main(int argc, char** argv) {
-  const Arguments arguments(argc, argv);
-  if (!arguments.areUsable) return 2;
-  Verdict verdict;
-  Steps(arguments, verdict);
-  StartWithoutAClock(arguments, verdict);
-  SleepAndWrap(arguments, verdict);
-  LeapDaysAndYearEnds(arguments, verdict);
-  RandomSteps(arguments, verdict);
-  DaylightChanges(arguments, verdict);
-  return verdict.ExitStatus(arguments);
+  return wattlark::RunTorture(argc, argv, wattlark::Run);
 }

@@ -9,20 +9,16 @@
 #include <string>
 #include <vector>
 
-#include "CoreRun.h"
-#include "NoisyStream.h"
-#include "Verdict.h"
+#include "torture/Torture.h"
+#include "torture/core/CoreRun.h"
+#include "torture/core/NoisyStream.h"
 #include "twins/MemoryRegistry.h"
 
+namespace wattlark {
 namespace {
-
-using namespace wattlark;
-using namespace wattlark::torture;
 
 constexpr std::size_t kPrefix = 3;
 constexpr std::size_t kFrameSize = kPrefix + 8 + 4 * kSamples + 1;
-constexpr std::size_t kShortCount = 20'000;
-constexpr std::size_t kLongCount = 100'000;
 
 unsigned Word(std::span<const std::uint8_t> bytes, std::size_t at) {
   return bytes[at] * 256U + bytes[at + 1];
@@ -63,11 +59,8 @@ class Deliveries : public MonitorListener {
 
   void OnReading(const clsKillAWatt& meter, DateTime) override {
     Message message{static_cast<std::uint16_t>(meter.XBeeAddress())};
-    if (!meter.GetSamples(volts_, amps_) || volts_.size() != kSamples) {
-      messages.push_back(message);
-      return;
-    }
-    for (std::size_t s = 0; s < kSamples; ++s) {
+    const bool isWhole = meter.GetSamples(volts_, amps_) && volts_.size() == kSamples;
+    for (std::size_t s = 0; isWhole && s < kSamples; ++s) {
       message.voltage[s] =
           static_cast<std::uint16_t>(std::lround(volts_[s] * 200 / 120) + meter.VoltageOffset());
       message.current[s] = static_cast<std::uint16_t>(std::lround(amps_[s] * 15.5) + 498);
@@ -113,12 +106,14 @@ std::vector<bool> ClaimedByFalseStarts(const NoisyStream& stream,
   return claimed;
 }
 
-Figures Run(const NoisyStream& stream, bool isBroken, Random& random, Verdict& verdict) {
+Figures Read(const NoisyStream& stream, Random& random, Torture& torture) {
   MemoryRegistry registry;
   Deliveries deliveries;
-  CoreRun run(registry, kMeters, 1 << 30, deliveries);
+  HandClock clock;
+  CoreRun run(registry, clock, 1 << 30, deliveries);
+  run.AddMeters(kMeters);
   std::vector<std::uint8_t> fed = stream.bytes;
-  if (isBroken) {
+  if (torture.isBroken) {
     for (const Bypass& bypass : stream.bypasses) fed[bypass.at] = bypass.checksum;
   }
   // Reads shorter than a frame, so that none hides another.
@@ -126,7 +121,7 @@ Figures Run(const NoisyStream& stream, bool isBroken, Random& random, Verdict& v
     const std::size_t size = std::min<std::size_t>(fed.size() - at, 1 + random.Below(64));
     const auto first = fed.begin() + static_cast<std::ptrdiff_t>(at);
     run.Receive({first, first + static_cast<std::ptrdiff_t>(size)});
-    run.clock.Advance(1);
+    clock.Advance(1);
     at += size;
   }
 
@@ -145,21 +140,21 @@ Figures Run(const NoisyStream& stream, bool isBroken, Random& random, Verdict& v
     const bool isSent = number < stream.frames.size() && stream.frames[number].isIntact &&
                         stream.frames[number].message == message;
     if (isSent) {
-      verdict.Require(!arrived[number],
-                      [&] { return "frame " + std::to_string(number) + " came twice"; });
+      torture.Expect(!arrived[number],
+                     [&] { return "frame " + std::to_string(number) + " came twice"; });
       arrived[number] = true;
       ++figures.atOnce;
     } else {
       // Each stands for one reading.
       auto fit = std::ranges::find(chanceFits, message);
       if (fit == chanceFits.end()) fit = std::ranges::find(chanceFits, Message{message.address});
-      const bool fits = fit != chanceFits.end();
-      if (fits) chanceFits.erase(fit);
-      verdict.Require(fits, [&] {
-        return "a reading that no right checksum stands for reached meter " +
-               std::to_string(message.address);
-      });
-      if (fits) ++figures.byChance;
+      if (fit == chanceFits.end()) {
+        torture.Find("a reading that no right checksum stands for reached meter " +
+                     std::to_string(message.address));
+        continue;
+      }
+      chanceFits.erase(fit);
+      ++figures.byChance;
     }
   }
 
@@ -171,34 +166,34 @@ Figures Run(const NoisyStream& stream, bool isBroken, Random& random, Verdict& v
       continue;
     }
     ++figures.intact;
-    verdict.Require(arrived[i] || claimed[frame.start], [&] {
+    torture.Expect(arrived[i] || claimed[frame.start], [&] {
       return "intact frame " + std::to_string(i) + " is lost without a false start before it";
     });
   }
   const auto completed = static_cast<std::size_t>(run.Program().Frames().completed);
   figures.late = completed - deliveries.messages.size();
   figures.swallowed = figures.intact - std::min(figures.intact, figures.atOnce + figures.late);
-  verdict.Require(run.Program().Errors().IsEmpty(), [] { return "an error was reported"; });
+  torture.Expect(run.Program().Errors().IsEmpty(), [] { return "an error was reported"; });
   return figures;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-  const Arguments arguments(argc, argv);
-  if (!arguments.areUsable) return 2;
-  const std::size_t count = arguments.isLong ? kLongCount : kShortCount;
-  Verdict verdict;
+void Run(Torture& torture) {
   std::printf("%8s %8s %8s %8s %8s %8s %8s\n", "noise", "intact", "at once", "late", "lost",
               "damaged", "chance");
   for (const double rate : {0.01, 0.1, 0.5}) {
-    for (int seed = 1; seed <= (arguments.isLong ? 20 : 1); ++seed) {
+    for (int seed = 1; seed <= (torture.isLong ? 20 : 1); ++seed) {
       Random random(static_cast<std::uint64_t>(seed));
-      const NoisyStream stream = MakeNoisyStream(count, rate, random);
-      const Figures f = Run(stream, arguments.isBroken, random, verdict);
+      const NoisyStream stream = MakeNoisyStream(torture.isLong ? 100'000 : 20'000, rate, random);
+      const Figures f = Read(stream, random, torture);
       std::printf("%7.0f%% %8zu %8zu %8zu %8zu %8zu %8zu\n", rate * 100, f.intact, f.atOnce, f.late,
                   f.swallowed, f.damaged, f.byChance);
     }
   }
-  return verdict.ExitStatus(arguments);
+}
+
+}  // namespace
+}  // namespace wattlark
+
+int main(int argc, char** argv) {
+  return wattlark::RunTorture(argc, argv, wattlark::Run);
 }

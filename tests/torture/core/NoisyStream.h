@@ -9,7 +9,7 @@
 #include "sim/Random.h"
 #include "twins/Frames.h"
 
-namespace wattlark::torture {
+namespace wattlark {
 
 inline constexpr std::size_t kSamples = 19;
 using Counts = std::array<std::uint16_t, kSamples>;
@@ -41,7 +41,6 @@ struct NoisyStream {
   std::vector<std::uint8_t> bytes;
   std::vector<SentFrame> frames;
   std::vector<Bypass> bypasses;  ///< of frames that kept their length
-  std::size_t disturbances = 0;
 };
 
 inline constexpr std::uint16_t kMeters = 20;
@@ -72,7 +71,6 @@ inline NoisyStream MakeNoisyStream(std::size_t count, double rate, Random& rando
       return static_cast<std::ptrdiff_t>(random.Below(static_cast<std::uint32_t>(frame.size())));
     };
     if (random.Chance(rate)) {
-      ++stream.disturbances;
       switch (random.Below(7)) {
         case 0:  // one bit
           frame[static_cast<std::size_t>(somewhere())] ^=
@@ -122,4 +120,4 @@ inline NoisyStream MakeNoisyStream(std::size_t count, double rate, Random& rando
   return stream;
 }
 
-}  // namespace wattlark::torture
+}  // namespace wattlark

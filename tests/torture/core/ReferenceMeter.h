@@ -10,7 +10,7 @@
 #include "support/DateTime.h"
 #include "support/NoValue.h"
 
-namespace wattlark::torture {
+namespace wattlark {
 
 /// The rules of a meter's statistics and alarm counters in their plainest form, over the standard
 /// library's calendar: everything is shifted entry by entry and summed anew.
@@ -154,4 +154,4 @@ class ReferenceMeter {
   std::optional<Local> last_;
 };
 
-}  // namespace wattlark::torture
+}  // namespace wattlark

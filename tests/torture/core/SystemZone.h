@@ -9,7 +9,7 @@
 #include "support/DateTime.h"
 #include "timezone/TimeZoneRules.h"
 
-namespace wattlark::torture {
+namespace wattlark {
 
 /// A zone as the C library knows it, which shares nothing with the program's own conversions. One
 /// at a time: it is the zone of the process.
@@ -51,4 +51,4 @@ class SystemZone {
   }
 };
 
-}  // namespace wattlark::torture
+}  // namespace wattlark

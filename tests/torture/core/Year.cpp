@@ -11,22 +11,20 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
 
-#include "CoreRun.h"
-#include "Verdict.h"
+#include "platform/TemporaryFolder.h"
 #include "platform/sqlite/OpenStore.h"
 #include "sim/MeterModel.h"
+#include "torture/Torture.h"
+#include "torture/core/CoreRun.h"
 #include "twins/Frames.h"
 
+namespace wattlark {
 namespace {
-
-using namespace wattlark;
-using namespace wattlark::torture;
 
 constexpr std::uint16_t kMeters = 20;
 constexpr int kVariants = 64;           ///< different frames of one meter
@@ -61,18 +59,13 @@ PreparedFrame Prepare(const Burst& burst) {
   return {MeterFrame(burst.address, voltage, current), std::max(watts, 0.0L)};
 }
 
-/// Watts and hours of one meter, and the way that the calendar's periods begin anew.
+/// Watts and hours of one meter.
 struct IndependentSum {
   long double toDate = 0;
-  long double today = 0;
   std::int64_t lastTicks = -1;
 
   void Add(long double watts, std::int64_t ticks) {
-    if (lastTicks >= 0) {
-      const long double energy = watts * static_cast<long double>(ticks - lastTicks) / 3600000;
-      toDate += energy;
-      today += energy;
-    }
+    if (lastTicks >= 0) toDate += watts * static_cast<long double>(ticks - lastTicks) / 3600000;
     lastTicks = ticks;
   }
 };
@@ -97,15 +90,16 @@ Sizes Measure(const std::string& folder) {
 
 class SimulatedYear : public MonitorListener {
  public:
-  SimulatedYear(const Arguments& arguments, const std::string& folder)
-      : isBroken_(arguments.isBroken),
+  SimulatedYear(Torture& torture, const std::string& folder)
+      : torture_(torture),
         folder_(folder),
-        days_(arguments.isLong ? 365 : 3),
+        days_(torture.isLong ? 365 : 3),
         // In the short form every second frame is left out.
-        period_(arguments.isLong ? kPeriod : 2 * kPeriod),
+        period_(torture.isLong ? kPeriod : 2 * kPeriod),
         store_(OpenStore(folder)),
-        run_(*store_.registry, kMeters, kSaveSeconds, *this) {
-    run_.clock.now = At("2026-01-01T00:00:00");
+        run_(*store_.registry, clock_, kSaveSeconds, *this) {
+    run_.AddMeters(kMeters);
+    clock_.now = At("2026-01-01T00:00:00");
     for (std::uint16_t address = 1; address <= kMeters; ++address) {
       MeterSettings settings;
       settings.address = address;
@@ -115,15 +109,15 @@ class SimulatedYear : public MonitorListener {
     }
   }
 
-  void Run(Verdict& verdict) {
+  void Run() {
     const auto start = std::chrono::steady_clock::now();
     Sizes afterSecond;
     for (int day = 1; day <= days_; ++day) {
       for (int second = 0; second < kSecondsOfDay; ++second) RunSecond();
-      CheckDay(day, verdict);
+      CheckDay(day);
       const Sizes sizes = Measure(folder_);
       if (day == 2) afterSecond = sizes;
-      if (day > 2) CheckSizes(day, sizes, afterSecond, verdict);
+      if (day > 2) CheckSizes(day, sizes, afterSecond);
       if (day <= 2 || day % 30 == 0 || day == days_) {
         const std::chrono::duration<double> wall = std::chrono::steady_clock::now() - start;
         std::printf("day %3d: %.0f s, heap %zu, resident %zu, store %ju bytes, difference %.1Le\n",
@@ -131,9 +125,9 @@ class SimulatedYear : public MonitorListener {
         std::fflush(stdout);
       }
     }
-    verdict.Require(readings_ == sent_, [] { return "a frame did not become a reading"; });
-    verdict.Require(run_.Program().Errors().IsEmpty(), [] { return "an error was reported"; });
-    std::printf("%llu frames, %d days\n", static_cast<unsigned long long>(sent_), days_);
+    torture_.Expect(readings_ == sent_, "a frame did not become a reading");
+    torture_.Expect(run_.Program().Errors().IsEmpty(), "an error was reported");
+    Torture::Tell("frames", sent_);
   }
 
   void OnReading(const clsKillAWatt&, DateTime) override { ++readings_; }
@@ -148,7 +142,7 @@ class SimulatedYear : public MonitorListener {
       const PreparedFrame& frame = frames_[next_.meter * kVariants + variant];
       ++sent_;
       // The fault: one frame that the sum forgets.
-      const bool isForgotten = isBroken_ && sent_ == 100'000;
+      const bool isForgotten = torture_.isBroken && sent_ == 100'000;
       sums_[next_.meter].Add(isForgotten ? 0 : frame.watts, ticks_);
       watts_[next_.meter] = frame.watts;
       run_.Receive(frame.bytes);
@@ -161,7 +155,7 @@ class SimulatedYear : public MonitorListener {
   }
 
   void MoveTo(std::int64_t ticks) {
-    run_.clock.Advance(ticks - ticks_);
+    clock_.Advance(ticks - ticks_);
     ticks_ = ticks;
   }
   void NextFrame() {
@@ -169,8 +163,7 @@ class SimulatedYear : public MonitorListener {
     next_.ticks += period_ / kMeters;
   }
 
-  void CheckSum(const MeterStatistics& statistics, IndependentSum& sum, const std::string& name,
-                Verdict& verdict) {
+  void CheckSum(const MeterStatistics& statistics, IndependentSum& sum, const std::string& name) {
     const auto differs = [&](double usage, long double expected) {
       const long double difference = std::fabs(usage - expected) / expected;
       worst_ = std::max(worst_, difference);
@@ -178,31 +171,31 @@ class SimulatedYear : public MonitorListener {
     };
     // What comes at the stroke of midnight still counts for the old year, and begins the new one.
     const bool isNextYear = statistics.Timestamp().Civil().year == 2027;
-    verdict.Require(!differs(statistics.Usage(ToDate), sum.toDate) &&
+    torture_.Expect(!differs(statistics.Usage(ToDate), sum.toDate) &&
                         !differs(statistics.Usage(SinceReset), sum.toDate) &&
                         (isNextYear ? statistics.Usage(ThisYear) == 0
                                     : !differs(statistics.Usage(ThisYear), sum.toDate)),
-                    [&] { return name + ": the total is not the sum of the readings"; });
+                    name + ": the total is not the sum of the readings");
   }
 
-  void CheckDay(int day, Verdict& verdict) {
+  void CheckDay(int day) {
     for (std::uint16_t address = 1; address <= kMeters; ++address) {
-      CheckSum(run_.Meter(address).Statistics(), sums_[address - 1U],
-               "day " + std::to_string(day) + ", meter " + std::to_string(address), verdict);
+      CheckSum(run_.Program().Profile().Meters()[address - 1U].Statistics(), sums_[address - 1U],
+               "day " + std::to_string(day) + ", meter " + std::to_string(address));
     }
     CheckSum(run_.Program().Profile().Total().Statistics(), total_,
-             "day " + std::to_string(day) + ", the Total", verdict);
+             "day " + std::to_string(day) + ", the Total");
   }
 
   /// The store keeps growing only until its series are full and its periods differ: a month's
   /// entries, then the year's. SQLite has all its pages in memory.
-  void CheckSizes(int day, const Sizes& sizes, const Sizes& afterSecond, Verdict& verdict) const {
-    verdict.Require(sizes.heap + afterSecond.store <= afterSecond.heap + sizes.store + kHeapMargin,
-                    [&] { return "day " + std::to_string(day) + ": the heap has grown"; });
-    verdict.Require(sizes.resident <= afterSecond.resident + kResidentMargin,
-                    [&] { return "day " + std::to_string(day) + ": the process has grown"; });
-    verdict.Require(sizes.store <= 2 * afterSecond.store,
-                    [&] { return "day " + std::to_string(day) + ": the store has grown"; });
+  void CheckSizes(int day, const Sizes& sizes, const Sizes& afterSecond) const {
+    const std::string when = "day " + std::to_string(day);
+    torture_.Expect(sizes.heap + afterSecond.store <= afterSecond.heap + sizes.store + kHeapMargin,
+                    when + ": the heap has grown");
+    torture_.Expect(sizes.resident <= afterSecond.resident + kResidentMargin,
+                    when + ": the process has grown");
+    torture_.Expect(sizes.store <= 2 * afterSecond.store, when + ": the store has grown");
   }
 
   struct Next {
@@ -210,11 +203,12 @@ class SimulatedYear : public MonitorListener {
     std::int64_t ticks = 1100;
   };
 
-  const bool isBroken_;
+  Torture& torture_;
   const std::string folder_;
   const int days_;
   const std::int64_t period_;
   StoreOpening store_;
+  HandClock clock_;
   CoreRun run_;
   std::vector<PreparedFrame> frames_;
   std::array<IndependentSum, kMeters> sums_;
@@ -227,18 +221,14 @@ class SimulatedYear : public MonitorListener {
   long double worst_ = 0;
 };
 
+void Run(Torture& torture) {
+  const TemporaryFolder folder;
+  SimulatedYear(torture, folder.Path()).Run();
+}
+
 }  // namespace
+}  // namespace wattlark
 
 int main(int argc, char** argv) {
-  const Arguments arguments(argc, argv);
-  if (!arguments.areUsable) return 2;
-  std::string folder = (std::filesystem::temp_directory_path() / "wattlark-year-XXXXXX").string();
-  if (::mkdtemp(folder.data()) == nullptr) {
-    std::perror("mkdtemp");
-    return 2;
-  }
-  Verdict verdict;
-  SimulatedYear(arguments, folder).Run(verdict);
-  std::filesystem::remove_all(folder);
-  return verdict.ExitStatus(arguments);
+  return wattlark::RunTorture(argc, argv, wattlark::Run);
 }
