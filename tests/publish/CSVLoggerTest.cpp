@@ -1,39 +1,29 @@
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-
 #include "WebLoggerTest.h"
+#include "platform/TemporaryFolder.h"
 #include "publish/CSVLogger.h"
+#include "support/RegionalForms.h"
 
 namespace wattlark {
 namespace {
 
 struct CSVLogger : WebLoggerTest {
   CSVLogger() {
-    const auto* test = testing::UnitTest::GetInstance()->current_test_info();
-    folder = std::filesystem::path(testing::TempDir()) / (std::string("csv_") + test->name());
-    std::filesystem::remove_all(folder);
-    std::filesystem::create_directory(folder);
-    settings.CSVFilename = (folder / "wattlark.csv").string();
+    settings.CSVFilename = folder.File("wattlark.csv");
     settings.CSVInterval = 60;
   }
-  ~CSVLogger() override { std::filesystem::remove_all(folder); }
 
   PublishResult Log(const char* time = "2026-11-16T20:10:00", bool useAverage = false) {
     return LogToCSVFile(settings, meters, region, At(time), useAverage);
   }
-  std::string File() const {
-    std::ifstream file(settings.CSVFilename, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
+  std::string File() const { return FileBytes(settings.CSVFilename); }
 
-  std::filesystem::path folder;
+  TemporaryFolder folder;
 };
 
 TEST_F(CSVLogger, WritesAHeaderAndOneLineARun) {
   EXPECT_TRUE(Log().success) << "without meters";
   EXPECT_EQ(File(), "Timestamp\r\n11/16/2026 8:10:00 PM\r\n");
-  std::ofstream(settings.CSVFilename).close();  // emptied, it gets a header again
+  WriteFile(settings.CSVFilename, "");  // emptied, it gets a header again
   AddWithReading("A", 5, 123.456);
   AddWithReading("B", 6, 12345);
   Add("silent", 7);
@@ -61,17 +51,14 @@ TEST_F(CSVLogger, WritesAveragesOverItsInterval) {
 }
 
 TEST_F(CSVLogger, WritesTheFormsOfTheRegion) {
-  region.decimalSeparator = ",";
-  region.groupSeparator = ".";
-  region.shortDate = "dd.MM.yyyy";
-  region.longTime = "HH:mm:ss";
+  region = Germany();
   AddWithReading("Küche", 5, 1234.5);
   EXPECT_EQ(Log().text, "CSV file: Updated 16.11.2026 20:10:00");
   EXPECT_EQ(File(), "Timestamp, Küche\r\n16.11.2026 20:10:00, 1234,5\r\n");
 }
 
 TEST_F(CSVLogger, WritesANewHeaderWhenTheMetersChanged) {
-  std::ofstream(settings.CSVFilename, std::ios::binary) << "earlier\r\n";
+  WriteFile(settings.CSVFilename, "earlier\r\n");
   AddWithReading("A, \"x\"", 5, 100);
   Log();
   EXPECT_EQ(File(), "earlier\r\n11/16/2026 8:10:00 PM, 100.00\r\n") << "a restart goes on";
@@ -86,8 +73,7 @@ TEST_F(CSVLogger, WritesANewHeaderWhenTheMetersChanged) {
 }
 
 TEST_F(CSVLogger, TellsWhyItCannotOpenTheFile) {
-  const auto missing = (folder / "none" / "x.csv").string();
-  for (const std::string& file : {missing, folder.string(), std::string()}) {
+  for (const std::string& file : {folder.File("none/x.csv"), folder.Path(), std::string()}) {
     settings.CSVFilename = file;
     settings.CSVFileChanged = true;
     const PublishResult result = Log();

@@ -1,5 +1,6 @@
 #include "WebLoggerTest.h"
 #include "publish/PachubeLogger.h"
+#include "support/RegionalForms.h"
 
 namespace wattlark {
 namespace {
@@ -60,10 +61,8 @@ TEST_F(PachubeLogger, LeavesOutMetersWithoutAValue) {
   Add("silent", 3);
   AddWithReading("B", 2, 0);
   EXPECT_EQ(PachubeDocument(settings, meters, region, false), kStart + Data("2", "0") + kEnd);
-  RegionalSettings german = region;
-  german.decimalSeparator = ",";
   AddWithReading("A", 4, 1250.5);
-  EXPECT_EQ(PachubeDocument(settings, meters, german, false),
+  EXPECT_EQ(PachubeDocument(settings, meters, Germany(), false),
             kStart + Data("2", "0") + Data("4", "1250,5") + kEnd);
 }
 
@@ -76,23 +75,18 @@ TEST_F(PachubeLogger, NamesTheFirstInvalidSetting) {
 }
 
 TEST_F(PachubeLogger, TakesOneBlankForSuccessAndNothingElse) {
-  http.answers = {{""},
-                  {"  "},
-                  {"<error>401\tno</error>"},
-                  {"", 6, "Connection refused", HttpState::Error},
-                  {" ", 2, "", HttpState::Error},
-                  {"\xEF\xBB\xBF "},
-                  {"no feed for 1234.xml?key=thekey"}};
-  const char* const expected[] = {
-      "", "  ", "<error>401 no</error>", "", " ", "\xEF\xBB\xBF ", "no feed for 1234.xml?key=****"};
-  for (const char* quote : expected) {
+  using Row = std::pair<ScriptedAnswer, const char*>;
+  for (const auto& [answer, quote] :
+       {Row{{""}, ""}, Row{{"  "}, "  "}, Row{{"<error>401\tno</error>"}, "<error>401 no</error>"},
+        Row{{"", 6, "Connection refused", HttpState::Error}, ""},
+        Row{{" ", 2, "", HttpState::Error}, " "}, Row{{"\xEF\xBB\xBF "}, "\xEF\xBB\xBF "},
+        Row{{"no feed for 1234.xml?key=thekey"}, "no feed for 1234.xml?key=****"}}) {
+    http.answers = {answer};
     const PublishResult result = Log();
     EXPECT_FALSE(result.success);
     EXPECT_EQ(result.text, std::string("Pachube: Error Returned >> ") + quote);
   }
   EXPECT_THAT(shown, ElementsAre("Connection refused"));
-  http.Execute("http://host/", "GET", "", "");
-  EXPECT_EQ(Log().text, "Pachube: Still executing the last request");
 }
 
 }  // namespace

@@ -85,8 +85,6 @@ TEST_F(TwitterLoggerTest, TellsHowAPostFailed) {
     EXPECT_EQ(result.text, text);
   }
   EXPECT_THAT(prompts.signIns, IsEmpty());
-  http.Execute("http://host/", "GET", "", "");
-  EXPECT_EQ(Post().text, "Twitter: Still executing the last request");
 }
 
 TEST_F(TwitterLoggerTest, EndsSilentlyWithoutCredentials) {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "publish/WebText.h"
-#include "support/RegionalSettings.h"
+#include "support/RegionalForms.h"
 
 namespace wattlark {
 namespace {
@@ -54,10 +54,7 @@ TEST(PlainNumberText, HasFifteenDigitsAtMost) {
                                                   {200.0 / 3, "66.6666666666667"},
                                                   {1234567, "1234567"}};
   for (const auto& [value, text] : cases) EXPECT_EQ(PlainNumberText(us, value), text);
-  RegionalSettings german = us;
-  german.decimalSeparator = ",";
-  german.groupSeparator = ".";
-  EXPECT_EQ(PlainNumberText(german, 1234567.5), "1234567,5");
+  EXPECT_EQ(PlainNumberText(Germany(), 1234567.5), "1234567,5");
 }
 
 }  // namespace

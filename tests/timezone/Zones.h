@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "support/RegistryValues.h"
 #include "timezone/clsTimeZone.h"
 #include "twins/MemoryRegistry.h"
 
@@ -43,9 +44,6 @@ class StoredZone {
     registry_.Write(Hive::LocalMachine, path_ + "\\Dynamic DST", name, value);
   }
 
-  static RegistryValue Text(const std::string& text) {
-    return {RegistryType::String, {text.begin(), text.end()}};
-  }
   static RegistryValue Number(std::uint32_t number) {
     RegistryValue value{RegistryType::DWord, {}};
     for (int i = 0; i < 4; ++i, number >>= 8) {
