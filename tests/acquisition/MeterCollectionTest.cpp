@@ -1,16 +1,9 @@
 #include <gtest/gtest.h>
 
-#include "acquisition/MeterCollection.h"
+#include "twins/Meters.h"
 
 namespace wattlark {
 namespace {
-
-std::unique_ptr<clsKillAWatt> NewMeter(const char* name, std::int16_t address) {
-  auto meter = std::make_unique<clsKillAWatt>();
-  meter->SetName(name);
-  meter->SetXBeeAddress(address);
-  return meter;
-}
 
 std::string Names(const MeterCollection& meters) {
   std::string names;

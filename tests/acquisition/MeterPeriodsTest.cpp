@@ -9,7 +9,6 @@
 namespace wattlark {
 namespace {
 
-using testing::Each;
 using testing::ElementsAre;
 
 // What the periods hold after the clock went from one moment to the other.
@@ -82,36 +81,6 @@ TEST(MeterPeriods, CreditsTheFirstReadingAfterMidnightToTheOldDay) {
   meter.AddReading(18, At("2026-11-17T00:00:03"), 7000);
   EXPECT_NEAR(meter.Usage(Today), 0.01, 1e-12);
   EXPECT_EQ(meter.Peak(Today), 18);
-}
-
-TEST(MeterPeriods, AnOlderReadingShiftsNothing) {
-  struct Case {
-    const char* time;
-    double today;  // after 36 W for 2 s were added to 20 Wh
-    double yesterday;
-  };
-  // A second, minutes, and an hour across midnight and Sunday.
-  for (const Case& test :
-       {Case{"2026-11-16T00:10:29", 20.02, 10}, Case{"2026-11-16T00:05:00", 20.02, 10},
-        Case{"2026-11-15T23:10:30", 0, None}, Case{"2025-11-16T00:10:30", 0, None}}) {
-    SCOPED_TRACE(test.time);
-    MeterStatistics meter = FullMeter("2026-11-16T00:10:30");
-    EXPECT_EQ(meter.AddReading(36, At(test.time), 3000), 0);
-    EXPECT_EQ(meter.Timestamp(), At(test.time));
-    EXPECT_THAT(meter.DemandRecent(Minute), Each(100));
-    EXPECT_THAT(meter.UsageRecent(Minute), Each(100));
-    for (const int i : {Hour, Day, Week, Month, Year}) {
-      EXPECT_NEAR(NewestUsage(meter, i), 100.02, 1e-9);
-      EXPECT_THAT(meter.UsageRecent(i).first(meter.UsageRecent(i).size() - 1), Each(100));
-      EXPECT_THAT(meter.DemandRecent(i), Each(100));
-    }
-    EXPECT_NEAR(meter.Usage(Today), test.today, 1e-9);
-    EXPECT_EQ(meter.Usage(Yesterday), test.yesterday);
-    EXPECT_NEAR(meter.Usage(ToDate), 60.02, 1e-9);
-    // Time goes on from there.
-    EXPECT_EQ(meter.AddReading(36, At(test.time).PlusSeconds(2), 5000), 2);
-    EXPECT_THAT(NewestDemand(meter, Minute, 3), ElementsAre(100, 36, 36));
-  }
 }
 
 TEST(MeterPeriods, CatchesUpAfterARestart) {

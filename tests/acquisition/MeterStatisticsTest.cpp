@@ -135,6 +135,16 @@ TEST(MeterStatistics, ASecondReadingWithinASecondLeavesTheMinuteAlone) {
   }
   EXPECT_EQ(meter.Peak(Today), 720);
   EXPECT_EQ(meter.AddReading(36, At("2026-11-16T20:10:02"), 3000), 1) << "boundaries count";
+  // Nor does one from before, the clock having been set back, shift anything.
+  for (const char* earlier :
+       {"2026-11-16T20:10:01", "2026-11-16T19:10:02", "2025-11-16T20:10:02"}) {
+    const std::vector<double> before = NewestDemand(meter, Minute, 60);
+    const std::vector<double> days = NewestUsages(meter, Month, 31);
+    EXPECT_EQ(meter.AddReading(720, At(earlier), 3000), 0);
+    EXPECT_EQ(meter.Timestamp(), At(earlier));
+    EXPECT_EQ(NewestDemand(meter, Minute, 60), before);
+    EXPECT_EQ(NewestUsages(meter, Month, 31), days);
+  }
 }
 
 // From a Monday, 20:10:30, with full series: how many entries without a value each series then has.

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "config/MeterCalibration.h"
+#include "support/RegionalForms.h"
 
 namespace wattlark {
 namespace {
@@ -44,10 +45,8 @@ TEST(MeterCalibrationTest, AdjustsFromTheStartingValuesWithinTheLimits) {
     EXPECT_EQ(calibration.ValueText(test.step, RegionalSettings::UnitedStates()), test.text);
     EXPECT_EQ(calibration.IsLimited(test.step), test.isLimited) << test.text;
   }
-  RegionalSettings comma = RegionalSettings::UnitedStates();
-  comma.decimalSeparator = ",";
   calibration.Adjust(CurrentScaler, 0);
-  EXPECT_EQ(calibration.ValueText(CurrentScaler, comma), "0,0625 amps/bit");
+  EXPECT_EQ(calibration.ValueText(CurrentScaler, Germany()), "0,0625 amps/bit");
 }
 
 TEST(MeterCalibrationTest, BackAtZeroAndRestoredTheValuesAreTheSameToTheLastBit) {

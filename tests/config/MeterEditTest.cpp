@@ -1,7 +1,8 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <algorithm>
 #include <string>
+#include <vector>
 
 #include "config/MeterEdit.h"
 #include "support/NoValue.h"
@@ -50,20 +51,6 @@ TEST_F(MeterEditTest, ShowsTheMeter) {
   EXPECT_EQ(edit.alarmDuration, 0) << "the first entry that carries 0";
   EXPECT_EQ(edit.alarmInterval, 1) << "\"5 minutes\" carries 30";
   EXPECT_EQ(MakeMeterEdit(Kitchen(), Germany()).upperLimit, "1.500,0");
-}
-
-TEST_F(MeterEditTest, ShowsNothingForWhatItsListsLack) {
-  Kitchen().SetNominalVoltage(100);
-  Kitchen().SetNominalFrequency(0);
-  Alarm().SetAlarmUpperLimit(NoValue);
-  Alarm().SetAlarmDuration(5);
-  Alarm().SetAlarmInterval(300);
-  const MeterEdit edit = Filled();
-  EXPECT_EQ(edit.voltage, -1);
-  EXPECT_EQ(edit.frequency, -1);
-  EXPECT_EQ(edit.upperLimit, "");
-  EXPECT_EQ(edit.alarmDuration, -1);
-  EXPECT_EQ(edit.alarmInterval, -1);
 }
 
 TEST_F(MeterEditTest, NamesTheFirstFieldThatDoesNotFit) {
@@ -151,11 +138,18 @@ TEST_F(MeterEditTest, ScalesTheCalibrationWithTheVoltage) {
   EXPECT_DOUBLE_EQ(Kitchen().VoltageScaler(), 1.32);
 }
 
-TEST_F(MeterEditTest, WritesZeroForAListWithoutASelection) {
+TEST_F(MeterEditTest, ShowsNothingForWhatItsListsLackAndWritesZeroForIt) {
   Kitchen().SetNominalVoltage(100);
   Kitchen().SetKillAWattType(GeneratorMeter);
+  Alarm().SetAlarmUpperLimit(NoValue);
+  Alarm().SetAlarmDuration(5);
+  Alarm().SetAlarmInterval(300);
   MeterEdit edit = Filled();
-  edit.frequency = edit.killAWattType = edit.alarmDuration = edit.alarmInterval = -1;
+  EXPECT_THAT((std::vector{edit.voltage, edit.alarmDuration, edit.alarmInterval}),
+              testing::Each(-1));
+  EXPECT_EQ(edit.upperLimit, "");
+  edit.upperLimit = "1";
+  edit.frequency = edit.killAWattType = -1;
   EXPECT_FALSE(Apply(edit));
   EXPECT_EQ(Kitchen().NominalVoltage(), 100);
   EXPECT_EQ(Kitchen().NominalFrequency(), 60);

@@ -7,6 +7,7 @@
 
 #include "config/RegistryTextReader.h"
 #include "config/RegistryTextWriter.h"
+#include "support/RegistryValues.h"
 
 namespace wattlark {
 namespace {
@@ -52,27 +53,23 @@ std::string Write(const NamedRegistryValue& value) {
   return output.str();
 }
 
-RegistryValue Text(const std::string& text) {
-  return {RegistryType::String, Bytes(text.begin(), text.end())};
-}
-
 TEST(RegistryText, EveryFormIsWrittenSoAndReadBack) {
   const struct {
     NamedRegistryValue value;
     std::string lines;  ///< as written, ASCII
   } cases[] = {
-      {{"a", Text("b\0"s)}, "\"a\"=\"b\""},
-      {{"a", Text("\0"s)}, "\"a\"=\"\""},
-      {{"", Text("b\0"s)}, "@=\"b\""},
-      {{"@", Text("b\0"s)}, "\"@\"=\"b\""},
-      {{R"(\"=)", Text("C:\\\"x\";\0"s)}, R"("\\\"="="C:\\\"x\";")"},
-      {{" a\t", Text(" ] \t\0"s)}, "\" a\t\"=\" ] \t\""},
-      {{"a", Text("x\ny\0"s)}, "\"a\"=hex(1):78,00,0a,00,79,00,00,00"},
-      {{"a", Text("x")}, "\"a\"=hex(1):78,00"},
-      {{"a", Text("")}, "\"a\"=hex(1):"},
-      {{"a", Text("x\0y\0"s)}, "\"a\"=hex(1):78,00,00,00,79,00,00,00"},
-      {{"a", Text("\xFFx\0"s)}, "\"a\"=hex(1):ff,dc,78,00,00,00"},
-      {{"a", Text("\xE2\x82\n\xC3\xBC")}, "\"a\"=hex(1):e2,dc,82,dc,0a,00,fc,00"},
+      {{"a", TextValue("b\0"s)}, "\"a\"=\"b\""},
+      {{"a", TextValue("\0"s)}, "\"a\"=\"\""},
+      {{"", TextValue("b\0"s)}, "@=\"b\""},
+      {{"@", TextValue("b\0"s)}, "\"@\"=\"b\""},
+      {{R"(\"=)", TextValue("C:\\\"x\";\0"s)}, R"("\\\"="="C:\\\"x\";")"},
+      {{" a\t", TextValue(" ] \t\0"s)}, "\" a\t\"=\" ] \t\""},
+      {{"a", TextValue("x\ny\0"s)}, "\"a\"=hex(1):78,00,0a,00,79,00,00,00"},
+      {{"a", TextValue("x")}, "\"a\"=hex(1):78,00"},
+      {{"a", TextValue("")}, "\"a\"=hex(1):"},
+      {{"a", TextValue("x\0y\0"s)}, "\"a\"=hex(1):78,00,00,00,79,00,00,00"},
+      {{"a", TextValue("\xFFx\0"s)}, "\"a\"=hex(1):ff,dc,78,00,00,00"},
+      {{"a", TextValue("\xE2\x82\n\xC3\xBC")}, "\"a\"=hex(1):e2,dc,82,dc,0a,00,fc,00"},
       {{"a", {RegistryType::ExpandString, {0xF0, 0x9F, 0x94, 0x8C}}}, "\"a\"=hex(2):3d,d8,0c,dd"},
       {{"a", {RegistryType::MultiString, {'x', 0, 'y', 0, 0}}},
        "\"a\"=hex(7):78,00,00,00,79,00,00,00,00,00"},
@@ -105,7 +102,7 @@ TEST(RegistryText, EveryFormIsWrittenSoAndReadBack) {
 TEST(RegistryText, NamesThatNoLineCanHoldComeBack) {
   for (const std::string& name : {"a\nb"s, "\r"s, "a\0b"s, "\xFF]"s, "Küche\xC3"s, "\U0001F50C"s}) {
     std::ostringstream output;
-    RegistryTextWriter(output, {"two\nlines"}).WriteKey(kUser, name, {{name, Text("x\0"s)}});
+    RegistryTextWriter(output, {"two\nlines"}).WriteKey(kUser, name, {{name, TextValue("x\0"s)}});
     const Outcome outcome = Read(output.str());
     EXPECT_EQ(outcome.problem, "");
     ASSERT_EQ(outcome.entries.size(), 2u);

@@ -60,6 +60,8 @@ TEST_F(StoreTransferTest, MergesAndLeavesOtherProgramsOut) {
   EXPECT_EQ(Import(kApplication + "\\Settings]\n\"PortNum\"=\"6\"\n", true), "");
   EXPECT_EQ(Get("Settings", "PortNum"), "6");
   EXPECT_EQ(Get("Settings", "BaudRate"), "(none)") << "replaced where that is wanted";
+  EXPECT_EQ(Import(kApplication + "]\n\n\"x\"=hex(b):00\n\"y\"="),
+            "FILE:4: values of the type hex(b) cannot be stored");
   store_.failsWrites = true;
   EXPECT_NE(Import(kApplication + "\\Settings]\n\"PortNum\"=\"7\"\n"), "");
 }
@@ -85,11 +87,6 @@ TEST_F(StoreTransferTest, OlderLocationCountsOnlyWithoutTheKeyOfToday) {
   EXPECT_EQ(Get("Settings", "PortNum"), "7");
   EXPECT_EQ(Get("KillAWatts\\Kitchen", "XBeeAddress"), "5");
   EXPECT_EQ(Get("Settings", "BaudRate"), "19200");
-}
-
-TEST_F(StoreTransferTest, ValuesThatCannotBeStoredAreToldWithTheirLine) {
-  EXPECT_EQ(Import(kApplication + "]\n\n\"x\"=hex(b):00\n\"y\"="),
-            "FILE:4: values of the type hex(b) cannot be stored");
 }
 
 TEST_F(StoreTransferTest, DatesOfUnknownFormMustBeReadable) {

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "config/modRegistry.h"
+#include "support/RegistryValues.h"
 #include "twins/MemoryRegistry.h"
 
 namespace wattlark {
@@ -24,20 +25,13 @@ class ModRegistryTest : public testing::Test {
   modRegistry store_{registry_};
 };
 
-TEST_F(ModRegistryTest, AppKeyPath) {
+TEST_F(ModRegistryTest, SavesTextWithItsNulUnderTheApplication) {
   EXPECT_EQ(modRegistry::AppKeyPath("Other", ""), "Software\\Fennick Labs\\Other");
-  EXPECT_EQ(modRegistry::AppKeyPath("", "KillAWatts\\Kitchen"),
-            "Software\\Fennick Labs\\Wattlark\\KillAWatts\\Kitchen");
-}
-
-TEST_F(ModRegistryTest, SavesTextWithItsNul) {
   ASSERT_TRUE(store_.SaveAppSetting("", "Settings", "PortNum", "5"));
-  EXPECT_EQ(registry_.Read(kUser, settings_, "PortNum"),
-            Bytes(RegistryType::String, std::string("5\0", 2)));
+  EXPECT_EQ(registry_.Read(kUser, settings_, "PortNum"), TextValue(std::string("5\0", 2)));
   EXPECT_EQ(store_.GetAppSetting("", "settings", "portnum", "3"), "5");
   ASSERT_TRUE(store_.SetStringValue(Hive::LocalMachine, "Run", "Wattlark", "x"));
-  EXPECT_EQ(registry_.Read(Hive::LocalMachine, "Run", "Wattlark"),
-            Bytes(RegistryType::String, "x"));
+  EXPECT_EQ(registry_.Read(Hive::LocalMachine, "Run", "Wattlark"), TextValue("x"));
 }
 
 TEST_F(ModRegistryTest, GetAppSettingOfEveryStoredForm) {
@@ -46,13 +40,12 @@ TEST_F(ModRegistryTest, GetAppSettingOfEveryStoredForm) {
     const char* expected;
   };
   for (const auto& test :
-       {Row{Bytes(RegistryType::String, std::string("text\0", 5)), "text"},
-        Row{Bytes(RegistryType::String, "without NUL"), "without NUL"},
-        Row{Bytes(RegistryType::String, std::string("before\0after\0", 13)), "before"},
+       {Row{TextValue(std::string("text\0", 5)), "text"},
+        Row{TextValue("without NUL"), "without NUL"},
+        Row{TextValue(std::string("before\0after\0", 13)), "before"},
         Row{Bytes(RegistryType::ExpandString, std::string("%HOME%\0", 7)), "%HOME%"},
-        Row{Bytes(RegistryType::String, ""), "default"},
-        Row{Bytes(RegistryType::String, std::string("\0", 1)), "default"},
-        Row{Bytes(RegistryType::String, std::string("\0hidden", 7)), "default"},
+        Row{TextValue(""), "default"}, Row{TextValue(std::string("\0", 1)), "default"},
+        Row{TextValue(std::string("\0hidden", 7)), "default"},
         Row{Bytes(RegistryType::Binary, "bytes"), "default"}}) {
     registry_.Write(kUser, settings_, "v", test.stored);
     EXPECT_EQ(store_.GetAppSetting("", "Settings", "v", "default"), test.expected);
@@ -73,7 +66,7 @@ TEST_F(ModRegistryTest, AStarMeansTheUnnamedValue) {
 TEST_F(ModRegistryTest, DeleteAppSectionReachesThreeLevelsDown) {
   const std::string top = modRegistry::AppKeyPath("", "KillAWatts");
   for (const char* path : {"", "\\Plain", "\\A\\B\\C", "\\A\\B\\C2", "\\A\\B2"}) {
-    ASSERT_TRUE(registry_.Write(kUser, top + path, "v", Bytes(RegistryType::String, "1")));
+    ASSERT_TRUE(registry_.Write(kUser, top + path, "v", TextValue("1")));
   }
   ASSERT_TRUE(store_.SaveAppSetting("", "Settings", "v", "1"));
   EXPECT_TRUE(store_.DeleteAppSection("", "KillAWatts"));
@@ -91,10 +84,9 @@ TEST_F(ModRegistryTest, DeleteAppSectionReachesThreeLevelsDown) {
 TEST_F(ModRegistryTest, EnumeratesKeysAndStrings) {
   ASSERT_TRUE(store_.SetStringValue(kUser, "K\\second", "s", ""));
   ASSERT_TRUE(registry_.Write(kUser, "K", "x", Bytes(RegistryType::Binary, "12")));
-  ASSERT_TRUE(
-      registry_.Write(kUser, "K", "b", Bytes(RegistryType::String, std::string("B\0c", 3))));
+  ASSERT_TRUE(registry_.Write(kUser, "K", "b", TextValue(std::string("B\0c", 3))));
   ASSERT_TRUE(registry_.Write(kUser, "K", "e", Bytes(RegistryType::ExpandString, "E")));
-  ASSERT_TRUE(registry_.Write(kUser, "K", "a", Bytes(RegistryType::String, "A")));
+  ASSERT_TRUE(registry_.Write(kUser, "K", "a", TextValue("A")));
   ASSERT_TRUE(registry_.CreateKey(kUser, "K\\first"));
   Names keys{"replaced"};
   EXPECT_TRUE(store_.EnumSubKeys(kUser, "K", keys));
@@ -134,44 +126,32 @@ TEST_F(ModRegistryTest, QueryValueTakesOneNulFromTextsOnly) {
   EXPECT_EQ(value, Bytes(RegistryType::Binary, "kept"));
 }
 
-class MigrationTest : public ModRegistryTest {
- protected:
-  MigrationTest() {
-    const std::string old = "Software\\VB and VBA Program Settings\\Wattlark";
-    store_.SetStringValue(kUser, old + "\\Settings", "PortNum", "5");
-    store_.SetStringValue(kUser, old + "\\Settings", "BaudRate", "19200");
-    registry_.Write(kUser, old + "\\Settings", "Binary", Bytes(RegistryType::Binary, "x"));
-    store_.SetStringValue(kUser, old + "\\Settings\\Deeper", "v", "1");
-    store_.SetStringValue(kUser, old + "\\WindowSettings", "frmMain", "1,2,3,4,0");
-  }
-  std::string PortNum() const { return store_.GetAppSetting("", "Settings", "PortNum", "3"); }
-};
-
-TEST_F(MigrationTest, CopiesTheStringsOfEverySectionOnce) {
+TEST_F(ModRegistryTest, MigrationCopiesTheStringsOfEveryOldSectionOnce) {
+  const std::string old = "Software\\VB and VBA Program Settings\\Wattlark";
+  const auto portNum = [&] { return store_.GetAppSetting("", "Settings", "PortNum", "3"); };
   store_.MigrateLegacySettings("", false);
-  EXPECT_EQ(PortNum(), "5");
+  store_.SetStringValue(kUser, old, "PortNum", "5");
+  store_.MigrateLegacySettings("", false);
+  EXPECT_FALSE(store_.AppSectionExists("", "")) << "there are no old sections";
+  store_.SetStringValue(kUser, old + "\\Settings", "PortNum", "5");
+  store_.SetStringValue(kUser, old + "\\Settings", "BaudRate", "19200");
+  registry_.Write(kUser, old + "\\Settings", "Binary", Bytes(RegistryType::Binary, "x"));
+  store_.SetStringValue(kUser, old + "\\Settings\\Deeper", "v", "1");
+  store_.SetStringValue(kUser, old + "\\WindowSettings", "frmMain", "1,2,3,4,0");
+  store_.MigrateLegacySettings("", false);
+  EXPECT_EQ(portNum(), "5");
   EXPECT_EQ(store_.GetAppSetting("", "WindowSettings", "frmMain", ""), "1,2,3,4,0");
   Names names;
   Names texts;
   store_.EnumStringValues(kUser, settings_, names, texts);
   EXPECT_EQ(names, (Names{"PortNum", "BaudRate"}));
   EXPECT_FALSE(store_.AppSectionExists("", "Settings\\Deeper"));
-  const std::string old = "Software\\VB and VBA Program Settings\\Wattlark";
   EXPECT_TRUE(store_.KeyExists(kUser, old + "\\Settings"));
-
   store_.SetStringValue(kUser, old + "\\Settings", "PortNum", "7");
   store_.MigrateLegacySettings("Wattlark", false);
-  EXPECT_EQ(PortNum(), "5");
+  EXPECT_EQ(portNum(), "5");
   store_.MigrateLegacySettings("Wattlark", true);
-  EXPECT_EQ(PortNum(), "7");
-}
-
-TEST_F(ModRegistryTest, MigrationWithoutOldSectionsCreatesNothing) {
-  store_.MigrateLegacySettings("", false);
-  ASSERT_TRUE(store_.SetStringValue(kUser, "Software\\VB and VBA Program Settings\\Wattlark",
-                                    "PortNum", "5"));
-  store_.MigrateLegacySettings("", false);
-  EXPECT_FALSE(store_.AppSectionExists("", ""));
+  EXPECT_EQ(portNum(), "7");
 }
 
 }  // namespace
