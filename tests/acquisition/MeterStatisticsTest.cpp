@@ -7,14 +7,68 @@
 #include <utility>
 
 #include "acquisition/MeterStatistics.h"
-#include "acquisition/StatisticsHelpers.h"
+#include "twins/HandClock.h"
 
 namespace wattlark {
 namespace {
 
+using testing::_;
 using testing::Each;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
+
+constexpr double None = NoValue;
+
+std::vector<double> NewestEntries(std::span<const double> series, std::size_t count) {
+  return {series.end() - static_cast<std::ptrdiff_t>(count), series.end()};
+}
+
+std::vector<double> NewestDemand(const MeterStatistics& meter, int interval,
+                                 std::size_t count = 1) {
+  return NewestEntries(meter.DemandRecent(interval), count);
+}
+
+std::vector<double> NewestUsages(const MeterStatistics& meter, int interval,
+                                 std::size_t count = 1) {
+  return NewestEntries(meter.UsageRecent(interval), count);
+}
+
+double NewestUsage(const MeterStatistics& meter, int interval) {
+  return meter.UsageRecent(interval).back();
+}
+
+void ExpectNoSeries(const MeterStatistics& meter) {
+  for (int i = 0; i < IntervalCount; ++i) {
+    EXPECT_THAT(meter.DemandRecent(i), Each(None));
+    EXPECT_THAT(meter.UsageRecent(i), Each(None));
+  }
+}
+
+void ExpectNoPeriods(const MeterStatistics& meter) {
+  for (int i = 0; i < PeriodCount; ++i) {
+    EXPECT_EQ(meter.Usage(i), 0);
+    EXPECT_EQ(meter.Peak(i), 0);
+    EXPECT_TRUE(meter.PeakTime(i).IsNever());
+  }
+}
+
+/// A meter whose last reading was at `time` and tick 1000, with 100 in every entry of every series
+/// and 10, 20 .. 70 as usage and peak of the periods.
+MeterStatistics FullMeter(const char* time) {
+  MeterStatistics meter;
+  meter.AddReading(5, At(time), 1000);
+  const std::vector<double> hundreds(60, 100.0);
+  for (int i = 0; i < IntervalCount; ++i) {
+    meter.SetDemandRecent(i, hundreds);
+    meter.SetUsageRecent(i, hundreds);
+  }
+  for (int i = 0; i < PeriodCount; ++i) {
+    meter.SetUsage(i, 10 * (i + 1));
+    meter.SetPeak(i, 10 * (i + 1));
+    meter.SetPeakTime(i, At("2000-01-01T00:00:00"));
+  }
+  return meter;
+}
 
 TEST(MeterStatistics, HasSeriesOfTheirLengthsWithoutValues) {
   const MeterStatistics meter;
@@ -28,15 +82,6 @@ TEST(MeterStatistics, HasSeriesOfTheirLengthsWithoutValues) {
   EXPECT_TRUE(meter.Timestamp().IsNever());
   for (const int index : {-1, 7}) EXPECT_THROW(meter.Usage(index), std::out_of_range);
   for (const int index : {-1, 6}) EXPECT_THROW(meter.DemandRecent(index), std::out_of_range);
-}
-
-TEST(MeterStatistics, WritingASeriesCoversWhatItHas) {
-  MeterStatistics meter;
-  meter.SetDemandRecent(Week, std::vector<double>{1, 2, 3});
-  EXPECT_THAT(meter.DemandRecent(Week), ElementsAre(1, 2, 3, None, None, None, None));
-  meter.SetDemandRecent(Week, std::vector<double>{9, 8, 7, 6, 5, 4, 3, 2, 1, 0});
-  EXPECT_THAT(meter.DemandRecent(Week), ElementsAre(9, 8, 7, 6, 5, 4, 3));
-  EXPECT_THAT(meter.DemandRecent(Month), Each(None));
 }
 
 TEST(MeterStatistics, FirstReadingSetsTimeAndPeaksAlone) {
@@ -120,6 +165,15 @@ TEST(MeterStatistics, RepeatsAReadingIntoShortGaps) {
   EXPECT_EQ(NewestDemand(meter, Hour).back(), 54);
   EXPECT_EQ(NewestDemand(meter, Day).back(), 54);
   EXPECT_EQ(NewestDemand(meter, Year).back(), 54);
+  // Into one of four seconds, but not into one of five; longer ones leave gaps in every series.
+  meter.AddReading(10, At("2026-11-16T20:10:08"), 9000);
+  EXPECT_THAT(NewestDemand(meter, Minute, 5), ElementsAre(72, 10, 10, 10, 10));
+  meter.AddReading(20, At("2026-11-16T20:10:13"), 14000);
+  EXPECT_THAT(NewestDemand(meter, Minute, 6), ElementsAre(10, None, None, None, None, 20));
+  meter.AddReading(30, At("2026-11-18T23:12:00"), 24000);
+  EXPECT_THAT(NewestDemand(meter, Minute, 3), ElementsAre(None, None, 30));
+  EXPECT_THAT(NewestDemand(meter, Day, 3), ElementsAre(None, None, 30));
+  EXPECT_THAT(NewestDemand(meter, Month, 3), ElementsAre(_, None, 30));
 }
 
 TEST(MeterStatistics, ASecondReadingWithinASecondLeavesTheMinuteAlone) {
@@ -144,51 +198,6 @@ TEST(MeterStatistics, ASecondReadingWithinASecondLeavesTheMinuteAlone) {
     EXPECT_EQ(meter.Timestamp(), At(earlier));
     EXPECT_EQ(NewestDemand(meter, Minute, 60), before);
     EXPECT_EQ(NewestUsages(meter, Month, 31), days);
-  }
-}
-
-// From a Monday, 20:10:30, with full series: how many entries without a value each series then has.
-TEST(MeterStatistics, LeavesGapsOfTheirLength) {
-  struct Case {
-    const char* time;
-    std::array<int, IntervalCount> gaps;
-    std::array<bool, IntervalCount> restarts;  // the newest usage entry counts from 0 again
-  };
-  constexpr bool T = true;
-  constexpr bool F = false;
-  for (const Case& test :
-       {Case{"2026-11-16T20:10:30", {0, 0, 0, 0, 0, 0}, {F, F, F, F, F, F}},
-        Case{"2026-11-16T20:10:34", {0, 0, 0, 0, 0, 0}, {T, F, F, F, F, F}},
-        Case{"2026-11-16T20:10:35", {4, 0, 0, 0, 0, 0}, {T, F, F, F, F, F}},
-        Case{"2026-11-16T20:11:30", {59, 0, 0, 0, 0, 0}, {T, T, F, F, F, F}},
-        Case{"2026-11-16T20:12:00", {59, 1, 0, 0, 0, 0}, {T, T, F, F, F, F}},
-        Case{"2026-11-16T21:00:00", {59, 49, 0, 0, 0, 0}, {T, T, T, F, F, F}},
-        Case{"2026-11-16T23:59:59", {59, 59, 2, 0, 0, 0}, {T, T, T, F, F, F}},
-        Case{"2026-11-17T00:00:00", {59, 59, 3, 0, 0, 0}, {T, T, T, T, T, F}},
-        Case{"2026-11-19T08:00:00", {59, 59, 23, 2, 2, 0}, {T, T, T, T, T, F}},
-        Case{"2026-11-23T20:10:30", {59, 59, 23, 6, 6, 0}, {T, T, T, T, T, F}},
-        Case{"2026-12-01T00:00:00", {59, 59, 23, 6, 14, 0}, {T, T, T, T, T, T}},
-        Case{"2027-02-28T00:00:00", {59, 59, 23, 6, 30, 2}, {T, T, T, T, T, T}},
-        Case{"2096-02-29T00:00:00", {59, 59, 23, 6, 30, 11}, {T, T, T, T, T, T}}}) {
-    SCOPED_TRACE(test.time);
-    MeterStatistics meter = FullMeter("2026-11-16T20:10:30");
-    meter.AddReading(7, At(test.time), 1000 + 3600000);  // 7 Wh
-    for (int i = 0; i < IntervalCount; ++i) {
-      SCOPED_TRACE(i);
-      const auto gaps = test.gaps[static_cast<std::size_t>(i)];
-      const bool restarts = test.restarts[static_cast<std::size_t>(i)];
-      for (const auto series : {meter.DemandRecent(i), meter.UsageRecent(i)}) {
-        EXPECT_EQ(std::count(series.begin(), series.end(), None), gaps);
-        // They stand in one run just before the newest entry.
-        EXPECT_THAT(NewestEntries(series.first(series.size() - 1), static_cast<std::size_t>(gaps)),
-                    Each(None));
-        EXPECT_NE(series.back(), None);
-      }
-      const double withoutRestart = i == Minute ? 100 : 107;  // the minute takes no energy at s = 0
-      EXPECT_EQ(NewestUsage(meter, i), restarts ? 7 : withoutRestart);
-    }
-    const bool sameSecond = At(test.time) == At("2026-11-16T20:10:30");
-    EXPECT_EQ(NewestDemand(meter, Minute).back(), sameSecond ? 100 : 7);
   }
 }
 
@@ -239,6 +248,99 @@ TEST(MeterStatistics, TakesTheMeanOfASeriesThatWasWrittenMeanwhile) {
   for (const auto& [finer, coarser] : {Row{Hour, Day}, Row{Day, Week}, Row{Month, Year}}) {
     EXPECT_NEAR(NewestDemand(meter, coarser).back(), AverageSeries(meter.DemandRecent(finer)), 1e-9)
         << coarser;
+  }
+}
+
+// How they follow the calendar and the clock.
+
+// What the periods hold after the clock went from one moment to the other.
+TEST(MeterStatisticsPeriods, RollsPeriodsOverAtCalendarBoundaries) {
+  enum Yesterdays { Kept, Unknown, WasToday };
+  struct Case {
+    const char *what, *from, *to;
+    Yesterdays yesterday;
+    std::vector<int> cleared;
+  };
+  const std::vector<int> day{Today};
+  const std::vector<int> week{Today, ThisWeek};
+  const std::vector<int> month{Today, ThisMonth};
+  const std::vector<int> year{Today, ThisMonth, ThisYear};
+  const std::vector<int> all{Today, ThisWeek, ThisMonth, ThisYear};
+  for (const Case& test :
+       {Case{"same day", "2026-11-16T00:00:00", "2026-11-16T23:59:59.999", Kept, {}},
+        Case{"midnight", "2026-11-16T23:59:59.999", "2026-11-17T00:00:00", WasToday, day},
+        Case{"two midnights", "2026-11-16T23:59:59", "2026-11-18T00:00:00", Unknown, day},
+        Case{"into Sunday", "2026-11-21T23:59:59", "2026-11-22T00:00:00", WasToday, week},
+        Case{"out of Sunday", "2026-11-22T23:59:59", "2026-11-23T00:00:00", WasToday, day},
+        Case{"Friday to Monday", "2026-11-20T18:00:00", "2026-11-23T07:00:00", Unknown, week},
+        Case{"Sunday to Saturday", "2026-11-15T00:00:00", "2026-11-21T23:59:59", Unknown, day},
+        Case{"month end", "2026-11-30T23:59:59", "2026-12-01T00:00:00", WasToday, month},
+        Case{"out of a leap day", "2028-02-29T12:00:00", "2028-03-01T12:00:00", WasToday, month},
+        Case{"year end", "2026-12-31T23:59:59", "2027-01-01T00:00:00", WasToday, year},
+        Case{"year end on a Saturday", "2022-12-31T23:59:59", "2023-01-01T00:00:00", WasToday, all},
+        Case{"a year", "2026-11-16T20:10:00", "2027-11-16T20:10:00", Unknown, all},
+        Case{"back within the day", "2026-11-16T20:10:00", "2026-11-16T19:10:00", Kept, {}},
+        Case{"back across midnight", "2026-11-17T00:30:00", "2026-11-16T23:30:00", Unknown, day},
+        Case{"back across a Sunday", "2026-11-22T00:00:00", "2026-11-21T23:59:59", Unknown, week},
+        Case{"back across a year", "2027-01-01T00:00:00", "2026-12-31T23:59:59", Unknown, year}}) {
+    SCOPED_TRACE(test.what);
+    MeterStatistics meter = FullMeter(test.from);
+    meter.SetTimestamp(At(test.to));
+    EXPECT_EQ(meter.Timestamp(), At(test.to));
+    const double yesterday = test.yesterday == Kept ? 10 : test.yesterday == WasToday ? 20 : None;
+    EXPECT_EQ(meter.Usage(Yesterday), yesterday);
+    EXPECT_EQ(meter.Peak(Yesterday), yesterday);
+    EXPECT_EQ(meter.PeakTime(Yesterday).IsNever(), test.yesterday == Unknown);
+    for (int i = Today; i < PeriodCount; ++i) {
+      const bool cleared = std::ranges::count(test.cleared, i) != 0;
+      EXPECT_EQ(meter.Usage(i), cleared ? 0 : 10 * (i + 1)) << i;
+      EXPECT_EQ(meter.Peak(i), cleared ? 0 : 10 * (i + 1)) << i;
+      EXPECT_EQ(meter.PeakTime(i).IsNever(), cleared) << i;
+    }
+  }
+  // No boundary lies between a moment and never.
+  MeterStatistics meter = FullMeter("2026-11-16T20:10:00");
+  meter.SetTimestamp(DateTime());
+  EXPECT_TRUE(meter.Timestamp().IsNever());
+  meter.SetTimestamp(At("2031-01-01T00:00:00"));
+  EXPECT_EQ(meter.Usage(Today), 20);
+  EXPECT_EQ(meter.Usage(ThisYear), 50);
+}
+
+TEST(MeterStatisticsPeriods, CreditsTheFirstReadingAfterMidnightToTheOldDay) {
+  MeterStatistics meter;
+  meter.AddReading(36, At("2026-11-16T23:59:57"), 1000);
+  meter.AddReading(36, At("2026-11-16T23:59:59"), 3000);
+  meter.AddReading(72, At("2026-11-17T00:00:01"), 5000);
+  EXPECT_NEAR(meter.Usage(Yesterday), 0.02 + 0.04, 1e-12);
+  EXPECT_EQ(meter.Peak(Yesterday), 72);
+  EXPECT_EQ(meter.PeakTime(Yesterday), At("2026-11-17T00:00:01"));
+  EXPECT_EQ(meter.Usage(Today), 0);
+  EXPECT_TRUE(meter.PeakTime(Today).IsNever());
+  EXPECT_NEAR(meter.Usage(ThisWeek), 0.06, 1e-12);
+  // The series are by the reading's own time.
+  EXPECT_NEAR(NewestUsage(meter, Week), 0.04, 1e-12);
+  meter.AddReading(18, At("2026-11-17T00:00:03"), 7000);
+  EXPECT_NEAR(meter.Usage(Today), 0.01, 1e-12);
+  EXPECT_EQ(meter.Peak(Today), 18);
+}
+
+TEST(MeterStatisticsPeriods, CatchesUpAfterARestart) {
+  MeterStatistics meter;
+  meter.SetTimestamp(At("2026-11-13T18:00:00"));  // what loading does, a Friday
+  meter.SetUsage(Today, 1500);
+  meter.SetUsage(ThisWeek, 4000);
+  meter.SetUsage(ThisMonth, 9000);
+  EXPECT_EQ(meter.AddReading(100, At("2026-11-16T07:00:00"), 12345), 219600);
+  EXPECT_EQ(meter.Usage(Yesterday), None);
+  EXPECT_EQ(meter.Usage(Today), 0);
+  EXPECT_EQ(meter.Usage(ThisWeek), 0);
+  EXPECT_EQ(meter.Usage(ThisMonth), 9000) << "the time off adds no energy";
+  EXPECT_THAT(NewestDemand(meter, Minute, 3), ElementsAre(None, None, 100));
+  EXPECT_THAT(NewestUsages(meter, Week, 4), ElementsAre(None, None, None, 0));
+  meter.AddReading(36, At("2026-11-16T07:00:02"), 14345);
+  for (const int i : {Hour, Day, Week, Month, Year}) {
+    EXPECT_NEAR(NewestUsage(meter, i), 0.02, 1e-12) << i;
   }
 }
 

@@ -4,7 +4,6 @@
 #include <span>
 #include <string>
 
-#include "platform/FileSizeLimit.h"
 #include "platform/OpenStoreFixture.h"
 #include "platform/sqlite/ChangeLog.h"
 #include "platform/sqlite/ValueChange.h"
@@ -77,21 +76,6 @@ TEST_F(ChangeLogTest, HoldsHalfADayOfSavesEveryFiveMinutes) {
   EXPECT_EQ(Records(), 1) << "nothing has changed";
   Reopen();
   ExpectStored(730);
-}
-
-TEST_F(ChangeLogTest, AFailureTellsWhyAndLeavesItAsItWas) {
-  ASSERT_TRUE(store_->Write(kUser, "A", "hour", TextValue(Series(0))));
-  SaveProgress(5);
-  {
-    const FileSizeLimit limit;
-    EXPECT_FALSE(store_->Write(kUser, "A", "hour", TextValue("other")));
-    EXPECT_FALSE(store_->DeleteKey(kUser, "A"));
-  }
-  EXPECT_THAT(store_->ErrorText(), testing::HasSubstr("disk"));
-  ExpectStored(5);
-  SaveProgress(10);
-  Reopen();
-  ExpectStored(10);
 }
 
 TEST_F(ChangeLogTest, AStoreThatCanOnlyBeReadShowsItAndRefusesProgress) {

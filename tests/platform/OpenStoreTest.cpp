@@ -1,8 +1,3 @@
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-
-#include <csignal>
 #include <filesystem>
 #include <string>
 
@@ -148,36 +143,6 @@ TEST_F(OpenStoreTest, AFullDiskAtTheFirstStartIsSurvived) {
     EXPECT_TRUE(opening.registry->Write(kUser, "A", "v", TextValue("1")));
   }
   ExpectWorks();
-}
-
-TEST_F(OpenStoreTest, AKillInTheMiddleOfASaveLeavesTheStateBefore) {
-  WriteOne("before");
-  const auto sizeBefore = fs::file_size(File());
-  const pid_t child = ::fork();
-  ASSERT_GE(child, 0);
-  if (child == 0) {
-    const StoreOpening opening = Open();
-    opening.registry->Begin();
-    opening.registry->Write(kUser, "A\\B", "v", TextValue("after"));
-    // More than the cache holds, so that changed pages reach the file before the commit.
-    for (int i = 0; i < 30; ++i) {
-      opening.registry->Write(kUser, "A\\B", std::to_string(i),
-                              TextValue(std::string(1'000'000, 'x')));
-    }
-    ::raise(SIGKILL);
-  }
-  int status = 0;
-  ASSERT_EQ(::waitpid(child, &status, 0), child);
-  ASSERT_TRUE(WIFSIGNALED(status));
-  ASSERT_GT(fs::file_size(File()), sizeBefore);
-  ASSERT_TRUE(fs::exists(File("-journal")));
-
-  const StoreOpening opening = Open();
-  EXPECT_EQ(opening.message, "");
-  EXPECT_TRUE(opening.savesChanges);
-  EXPECT_EQ(opening.registry->Read(kUser, "A\\B", "v"), TextValue("before"));
-  EXPECT_EQ(opening.registry->Values(kUser, "A\\B").size(), 1U);
-  EXPECT_EQ(fs::file_size(File()), sizeBefore);
 }
 
 }  // namespace

@@ -1,13 +1,22 @@
 #include <gmock/gmock.h>
 
+#include <QCoreApplication>
+#include <QHostAddress>
 #include <QSslConfiguration>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTimer>
+#include <algorithm>
 #include <atomic>
+#include <ctime>
+#include <functional>
 #include <vector>
 
 #include "EventLoop.h"
-#include "RawServer.h"
 #include "TemporaryFolder.h"
+#include "platform/qt/QtEventPump.h"
 #include "platform/qt/QtHttpClient.h"
+#include "publish/PublishResult.h"
 #include "publish/WebRequestRunner.h"
 #include "services/Certificate.h"
 #include "services/HttpServer.h"
@@ -28,6 +37,41 @@ struct Answer {
   long code = -1;
   std::string info;
   std::vector<HttpState> states;
+};
+
+/// A server on loopback that does to a connection what the test says, byte by byte.
+class RawServer {
+ public:
+  /// `answer` is called with each connection once the header lines of its request are complete.
+  explicit RawServer(std::function<void(QTcpSocket&)> answer) : answer_(std::move(answer)) {
+    server_.listen(QHostAddress::LocalHost);
+    QObject::connect(&server_, &QTcpServer::newConnection, &server_, [this] {
+      QTcpSocket* socket = server_.nextPendingConnection();
+      ++connections;
+      QObject::connect(socket, &QTcpSocket::readyRead, &server_,
+                       [this, socket, request = std::string()]() mutable {
+                         const bool wasComplete = IsComplete(request);
+                         request += socket->readAll().toStdString();
+                         if (!wasComplete && IsComplete(request)) answer_(*socket);
+                       });
+      QObject::connect(socket, &QTcpSocket::disconnected, &server_, [this] { ++disconnections; });
+    });
+  }
+
+  std::string URL(const std::string& path = "/") const {
+    return "http://127.0.0.1:" + std::to_string(server_.serverPort()) + path;
+  }
+
+  int connections = 0;
+  int disconnections = 0;
+
+ private:
+  static bool IsComplete(const std::string& request) {
+    return request.find("\r\n\r\n") != std::string::npos;
+  }
+
+  std::function<void(QTcpSocket&)> answer_;
+  QTcpServer server_;
 };
 
 /// Answers every request in the same way.
@@ -252,6 +296,94 @@ TEST_F(QtHttpClientTest, ChecksCertificates) {
   const std::string port = server.Place("").substr(server.Place("").find(':'));
   EXPECT_NE(Send("https://localhost" + port + "/").code, 0);
   QSslConfiguration::setDefaultConfiguration(before);
+}
+
+TEST_F(QtHttpClientTest, RunsOneRequestAtATime) {
+  RawServer server([](QTcpSocket&) {});
+  std::vector<HttpState> states;
+  {
+    // It may end with a request under way.
+    QtHttpClient ended;
+    ended.onState = [&](HttpState state) { states.push_back(state); };
+    ended.Execute(server.URL(), "GET", "", "");
+    ASSERT_TRUE(WaitUntil([&] { return server.connections == 1; }));
+    states.clear();
+  }
+  EXPECT_TRUE(WaitUntil([&] { return server.disconnections == 1; }));
+  EXPECT_THAT(states, testing::IsEmpty());
+  QtHttpClient client;
+  client.onState = [&](HttpState state) { states.push_back(state); };
+  client.Execute(server.URL(), "GET", "", "");
+  EXPECT_THROW(client.Execute(server.URL(), "GET", "", ""), std::runtime_error);
+  client.Cancel();
+  EXPECT_THAT(states, testing::ElementsAre(HttpState::Error));
+  EXPECT_NE(client.ResponseCode(), 0);
+  // What was still to be told of the first one does not reach the second.
+  RawServer quick(
+      [](QTcpSocket& socket) { socket.write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok"); });
+  client.Execute(quick.URL(), "GET", "", "");
+  ASSERT_TRUE(WaitUntil([&] { return states.back() == HttpState::ResponseCompleted; }));
+  EXPECT_EQ(std::count(states.begin(), states.end(), HttpState::Error), 1);
+  EXPECT_EQ(client.GetChunk(10), "ok");
+  EXPECT_EQ(client.GetChunk(10), "");
+  client.Cancel();
+  EXPECT_EQ(states.back(), HttpState::ResponseCompleted);
+}
+
+/// The status with which the event loop ends when a wait for a server that never answers is under
+/// way and `end` is called; -1 when the wait does not notice.
+int RunUntil(const std::function<void(QtEventPump&)>& end) {
+  const RawServer server([](QTcpSocket&) {});
+  QtHttpClient client;
+  QtEventPump pump;
+  WebRequestRunner runner(client, pump, "", [](const std::string&) {});
+  bool stopped = false;
+  QTimer::singleShot(0, [&] {
+    QTimer::singleShot(50, [&] { end(pump); });
+    try {
+      runner.ExecuteAndWait({server.URL(), "GET"});
+    } catch (const PublishStopped&) {
+      stopped = true;
+    }
+    // The next destination of the same tick must not wait either.
+    EXPECT_THROW(runner.ExecuteAndWait({server.URL(), "GET"}), PublishStopped);
+  });
+  QTimer patience;
+  patience.setSingleShot(true);
+  patience.callOnTimeout([&] { client.Cancel(); });
+  patience.start(10000);
+  const int status = QCoreApplication::exec();
+  return stopped ? status : -1;
+}
+
+TEST(QtEventPump, EndsAWaitWhenTheApplicationIsToldToQuit) {
+  EXPECT_EQ(RunUntil([](QtEventPump&) { QCoreApplication::quit(); }), 0);
+  EXPECT_EQ(RunUntil([](QtEventPump& pump) {
+              QCoreApplication::exit(3);
+              pump.NoteExit();
+            }),
+            3);
+  // It goes on when quitting was refused.
+  QtEventPump pump;
+  pump.NoteExit();
+  QTimer::singleShot(0, [] {});
+  EXPECT_TRUE(pump.ProcessEvents());
+}
+
+TEST(QtEventPump, TakesNoProcessorTimeWhileItWaits) {
+  const auto processorTime = [] {
+    timespec time{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+  };
+  const RawServer server([](QTcpSocket&) {});
+  QtHttpClient client(std::chrono::milliseconds(2000));
+  QtEventPump pump;
+  WebRequestRunner runner(client, pump, "", [](const std::string&) {});
+  const auto before = processorTime();
+  EXPECT_NE(runner.ExecuteAndWait({server.URL(), "GET"}).ResponseCode, 0);
+  const auto used = processorTime() - before;
+  EXPECT_LT(used, std::chrono::milliseconds(200)) << "of 2 s";
 }
 
 }  // namespace

@@ -169,15 +169,6 @@ TEST_F(SqliteRegistryTest, CommitKeepsAndRollbackForgets) {
   }
 }
 
-TEST_F(SqliteRegistryTest, WritingAgainAfterDeletingTheKeyInOneTransaction) {
-  ASSERT_TRUE(store_->Begin());
-  ASSERT_TRUE(WriteText("A\\B", "v", "1"));
-  ASSERT_TRUE(store_->DeleteKey(kUser, "A\\B"));
-  ASSERT_TRUE(WriteText("A\\B", "w", "2"));
-  ASSERT_TRUE(store_->Commit());
-  EXPECT_THAT(ValueNames("A\\B"), ElementsAre("w"));
-}
-
 TEST_F(SqliteRegistryTest, FailedWritesChangeNothingAndSayWhy) {
   ASSERT_TRUE(WriteText("A", "v", "before"));
   {

@@ -112,11 +112,6 @@ TEST_F(GoogleDocLoggerTest, ForgetsWhatARefusedRowWasSentWith) {
 }
 
 TEST_F(GoogleDocLoggerTest, TellsWhatCouldNotBeFound) {
-  settings.GooglePassword.clear();
-  for (const bool quiet : {true, false}) {
-    EXPECT_EQ(Log(quiet).text, "Google: Bad username or password");
-    EXPECT_EQ(prompts.signIns.size(), quiet ? 0U : 1U);
-  }
   settings.GoogleAuthToken = "thetoken";
   const std::string noDocument = "Google: The document 'wattlark' could not be found";
   const std::string noWorksheet =

@@ -26,17 +26,5 @@ TEST(FrameWriter, LaysOutTheFrameByteByByte) {
   EXPECT_EQ(frame.back(), 0x9D);
 }
 
-TEST(FrameWriter, GarbageHoldsEveryByteButTheDelimiter) {
-  Random random(1);
-  std::vector<int> seen(256);
-  for (int i = 0; i < 2000; ++i) {
-    const Bytes garbage = MakeGarbage(random);
-    EXPECT_TRUE(!garbage.empty() && garbage.size() <= 32U) << garbage.size();
-    for (const std::uint8_t byte : garbage) ++seen[byte];
-  }
-  EXPECT_EQ(seen[0x7E], 0);
-  EXPECT_EQ(std::count(seen.begin(), seen.end(), 0), 1);
-}
-
 }  // namespace
 }  // namespace wattlark

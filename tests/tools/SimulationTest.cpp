@@ -57,17 +57,6 @@ TEST(Simulation, RestartBeginsARoundWithTheFirstMeter) {
   EXPECT_EQ(busy.Next().milliseconds, 700);
 }
 
-TEST(Simulation, GarbageStandsInFrontOfFramesWithBadChecksumsAtTheirRate) {
-  Simulation simulation(ThreeMeters(), LineSettings{1, 0.25, 0, 0}, 2.0, 1);
-  int bad = 0;
-  for (const Delivery& delivery : Take(simulation, 2000)) {
-    ASSERT_GT(delivery.bytes.size(), 88U);
-    bad += DecodedFrame({delivery.bytes.end() - 88, delivery.bytes.end()}).isWellFormed ? 0 : 1;
-  }
-  // 500 expected, standard deviation 19.
-  EXPECT_NEAR(bad, 500, 100);
-}
-
 TEST(Simulation, UnknownAddressIsNoMetersEvenIfItsFirstChoiceIsTaken) {
   std::vector<MeterSettings> meters = ThreeMeters();
   meters[0].address = 0x7FFF;
