@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -136,31 +137,26 @@ class SimulatedYear : public MonitorListener {
   /// Each meter has its own moment of the period; the tick comes at the end of the second.
   void RunSecond() {
     const std::int64_t end = ticks_ + 1000;
-    for (; next_.ticks <= end; NextFrame()) {
-      MoveTo(next_.ticks);
+    for (; nextTicks_ <= end; nextTicks_ += period_ / kMeters) {
+      MoveTo(nextTicks_);
+      const std::size_t meter = sent_ % kMeters;
       const std::size_t variant = (sent_ * 2654435761U >> 7) % kVariants;
-      const PreparedFrame& frame = frames_[next_.meter * kVariants + variant];
+      const PreparedFrame& frame = frames_[meter * kVariants + variant];
       ++sent_;
       // The fault: one frame that the sum forgets.
       const bool isForgotten = torture_.isBroken && sent_ == 100'000;
-      sums_[next_.meter].Add(isForgotten ? 0 : frame.watts, ticks_);
-      watts_[next_.meter] = frame.watts;
+      sums_[meter].Add(isForgotten ? 0 : frame.watts, ticks_);
+      watts_[meter] = frame.watts;
       run_.Receive(frame.bytes);
     }
     MoveTo(end);
-    long double watts = 0;
-    for (const long double one : watts_) watts += one;
     run_.Program().UpdateCycle();
-    total_.Add(watts, ticks_);
+    total_.Add(std::accumulate(watts_.begin(), watts_.end(), 0.0L), ticks_);
   }
 
   void MoveTo(std::int64_t ticks) {
     clock_.Advance(ticks - ticks_);
     ticks_ = ticks;
-  }
-  void NextFrame() {
-    next_.meter = (next_.meter + 1) % kMeters;
-    next_.ticks += period_ / kMeters;
   }
 
   void CheckSum(const MeterStatistics& statistics, IndependentSum& sum, const std::string& name) {
@@ -198,11 +194,6 @@ class SimulatedYear : public MonitorListener {
     torture_.Expect(sizes.store <= 2 * afterSecond.store, when + ": the store has grown");
   }
 
-  struct Next {
-    std::size_t meter = 0;
-    std::int64_t ticks = 1100;
-  };
-
   Torture& torture_;
   const std::string folder_;
   const int days_;
@@ -214,7 +205,7 @@ class SimulatedYear : public MonitorListener {
   std::array<IndependentSum, kMeters> sums_;
   std::array<long double, kMeters> watts_{};
   IndependentSum total_;
-  Next next_;
+  std::int64_t nextTicks_ = 1100;
   std::int64_t ticks_ = 1000;  ///< never wraps, as the program's does
   std::uint64_t sent_ = 0;
   std::uint64_t readings_ = 0;
