@@ -1,11 +1,8 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 
-#include "support/RegistryValues.h"
 #include "timezone/clsTimeZone.h"
-#include "twins/MemoryRegistry.h"
 
 namespace wattlark {
 
@@ -29,40 +26,5 @@ inline clsSystemTime Absolute(int year, int month, int day) {
 inline clsTimeZoneInformation EasternRule() {
   return {300, 0, -60, Relative(11, 0, 1, 2), Relative(3, 0, 2, 2)};
 }
-
-/// A zone's keys in a memory registry, as the system lays them out.
-class StoredZone {
- public:
-  explicit StoredZone(const std::string& name)
-      : path_("Software\\Microsoft\\Windows NT\\CurrentVersion\\Time Zones\\" + name) {}
-
-  MemoryRegistry& Store() { return registry_; }
-  void Write(const std::string& name, const RegistryValue& value) {
-    registry_.Write(Hive::LocalMachine, path_, name, value);
-  }
-  void WriteYear(const std::string& name, const RegistryValue& value) {
-    registry_.Write(Hive::LocalMachine, path_ + "\\Dynamic DST", name, value);
-  }
-
-  static RegistryValue Number(std::uint32_t number) {
-    RegistryValue value{RegistryType::DWord, {}};
-    for (int i = 0; i < 4; ++i, number >>= 8) {
-      value.data.push_back(static_cast<std::uint8_t>(number & 0xFF));
-    }
-    return value;
-  }
-  static RegistryValue Rule(const clsTimeZoneInformation& rule) {
-    return {RegistryType::Binary, rule.ToBlob()};
-  }
-  static RegistryValue RuleWithBias(std::int32_t bias) {
-    clsTimeZoneInformation rule = EasternRule();
-    rule.Bias = bias;
-    return Rule(rule);
-  }
-
- private:
-  MemoryRegistry registry_;
-  std::string path_;
-};
 
 }  // namespace wattlark

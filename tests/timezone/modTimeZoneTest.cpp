@@ -4,9 +4,11 @@
 #include <limits>
 #include <vector>
 
+#include "support/RegistryValues.h"
 #include "timezone/Zones.h"
 #include "timezone/modTimeZone.h"
 #include "twins/HandClock.h"
+#include "twins/MemoryRegistry.h"
 
 namespace wattlark {
 namespace {
@@ -109,26 +111,48 @@ TEST(LocalToUTC, SurvivesAnyBias) {
   EXPECT_EQ(LocalToUTC(winter, ZoneOf(rule)), winter.PlusMinutes(std::int64_t{2} * kLeast));
 }
 
+RegistryValue Number(std::uint32_t number) {
+  RegistryValue value{RegistryType::DWord, {}};
+  for (const int shift : {0, 8, 16, 24}) {
+    value.data.push_back(static_cast<std::uint8_t>(number >> shift & 0xFF));
+  }
+  return value;
+}
+
+RegistryValue Rule(std::int32_t bias = 300) {
+  clsTimeZoneInformation rule = EasternRule();
+  rule.Bias = bias;
+  return {RegistryType::Binary, rule.ToBlob()};
+}
+
 class GetTimeZoneByNameTest : public testing::Test {
  protected:
-  void SetUp() override {
-    stored_.Write("Display", TextValue("(UTC-05:00) Eastern"));
-    stored_.Write("Std", TextValue(std::string("Eastern Standard Time\0", 22)));
-    stored_.Write("Dlt", TextValue("Eastern Daylight Time"));
-    stored_.Write("MapID", TextValue("12,13"));
-    stored_.Write("Index", StoredZone::Number(35));
-    stored_.Write("TZI", StoredZone::Rule(EasternRule()));
-    stored_.WriteYear("FirstEntry", StoredZone::Number(2006));
-    stored_.WriteYear("LastEntry", StoredZone::Number(2008));
-    for (const int year : {2006, 2007, 2008}) {
-      stored_.WriteYear(std::to_string(year), StoredZone::RuleWithBias(year));
-    }
+  GetTimeZoneByNameTest() {
+    Write("Display", TextValue("(UTC-05:00) Eastern"));
+    Write("Std", TextValue(std::string("Eastern Standard Time\0", 22)));
+    Write("Dlt", TextValue("Eastern Daylight Time"));
+    Write("MapID", TextValue("12,13"));
+    Write("Index", Number(35));
+    Write("TZI", Rule());
+    WriteYear("FirstEntry", Number(2006));
+    WriteYear("LastEntry", Number(2008));
+    for (const int year : {2006, 2007, 2008}) WriteYear(std::to_string(year), Rule(year));
+  }
+  void Write(const std::string& name, const RegistryValue& value, const char* key = "") {
+    registry_.Write(Hive::LocalMachine,
+                    "Software\\Microsoft\\Windows NT\\CurrentVersion\\Time Zones\\"
+                    "Eastern Standard Time" +
+                        std::string(key),
+                    name, value);
+  }
+  void WriteYear(const std::string& name, const RegistryValue& value) {
+    Write(name, value, "\\Dynamic DST");
   }
   clsTimeZone Read(const std::string& name = "Eastern Standard Time") {
-    return GetTimeZoneByName(modRegistry(stored_.Store()), name);
+    return GetTimeZoneByName(modRegistry(registry_), name);
   }
 
-  StoredZone stored_{"Eastern Standard Time"};
+  MemoryRegistry registry_;
 };
 
 TEST_F(GetTimeZoneByNameTest, ReadsEverything) {
@@ -157,7 +181,7 @@ TEST_F(GetTimeZoneByNameTest, UnknownNamesGiveAnEmptyZone) {
 
 TEST_F(GetTimeZoneByNameTest, MissingTextsAreNoObstacle) {
   for (const char* name : {"Display", "Std", "Dlt", "MapID", "Index"}) {
-    stored_.Write(name, {RegistryType::Binary, {1, 2}});
+    Write(name, {RegistryType::Binary, {1, 2}});
   }
   const clsTimeZone zone = Read();
   EXPECT_EQ(zone.DisplayName + zone.StandardName + zone.DaylightName + zone.MapID, "");
@@ -166,12 +190,12 @@ TEST_F(GetTimeZoneByNameTest, MissingTextsAreNoObstacle) {
 }
 
 TEST_F(GetTimeZoneByNameTest, BrokenStandardRuleEndsTheReading) {
-  std::vector<RegistryValue> broken = {TextValue(std::string(44, 'x')), StoredZone::Number(44)};
+  std::vector<RegistryValue> broken = {TextValue(std::string(44, 'x')), Number(44)};
   for (const std::size_t length : {std::size_t{0}, std::size_t{43}, std::size_t{45}}) {
     broken.push_back({RegistryType::Binary, std::vector<std::uint8_t>(length, 1)});
   }
   for (const RegistryValue& value : broken) {
-    stored_.Write("TZI", value);
+    Write("TZI", value);
     const clsTimeZone zone = Read();
     EXPECT_EQ(zone.Index, 35);
     EXPECT_EQ(zone.StandardRule, clsTimeZoneInformation());
@@ -181,7 +205,7 @@ TEST_F(GetTimeZoneByNameTest, BrokenStandardRuleEndsTheReading) {
 }
 
 TEST_F(GetTimeZoneByNameTest, BrokenYearEndsTheReadingAndLeavesTheYearsBefore) {
-  stored_.WriteYear("2007", {RegistryType::Binary, std::vector<std::uint8_t>(43, 1)});
+  WriteYear("2007", {RegistryType::Binary, std::vector<std::uint8_t>(43, 1)});
   const clsTimeZone zone = Read();
   EXPECT_EQ(zone.DynamicTZI.size(), 1u);
   EXPECT_EQ(zone.Bias(2006), 2006);
@@ -192,15 +216,12 @@ TEST_F(GetTimeZoneByNameTest, BrokenYearEndsTheReadingAndLeavesTheYearsBefore) {
 TEST_F(GetTimeZoneByNameTest, BrokenSpanOfYearsLeavesTheStandardRule) {
   using Span = std::pair<RegistryValue, RegistryValue>;
   for (const auto& [first, last] :
-       {Span{TextValue("2006"), StoredZone::Number(2008)},
-        Span{StoredZone::Number(2006), TextValue("2008")},
-        Span{{RegistryType::DWord, {1, 2, 3}}, StoredZone::Number(2008)},
-        Span{StoredZone::Number(2009), StoredZone::Number(2006)},
-        Span{StoredZone::Number(2005), StoredZone::Number(2008)},
-        Span{StoredZone::Number(0), StoredZone::Number(4'000'000'000)},
-        Span{StoredZone::Number(0x80000000), StoredZone::Number(0x7FFFFFFF)}}) {
-    stored_.WriteYear("FirstEntry", first);
-    stored_.WriteYear("LastEntry", last);
+       {Span{TextValue("2006"), Number(2008)}, Span{Number(2006), TextValue("2008")},
+        Span{{RegistryType::DWord, {1, 2, 3}}, Number(2008)}, Span{Number(2009), Number(2006)},
+        Span{Number(2005), Number(2008)}, Span{Number(0), Number(4'000'000'000)},
+        Span{Number(0x80000000), Number(0x7FFFFFFF)}}) {
+    WriteYear("FirstEntry", first);
+    WriteYear("LastEntry", last);
     const clsTimeZone zone = Read();
     EXPECT_TRUE(zone.DynamicTZI.empty());
     EXPECT_EQ(LocalToUTC(At("2007-07-01T12:00:00"), zone), At("2007-07-01T16:00:00"));
@@ -211,9 +232,9 @@ TEST_F(GetTimeZoneByNameTest, BrokenSpanOfYearsLeavesTheStandardRule) {
 class EndlessYears final : public MemoryRegistry {
  public:
   std::optional<RegistryValue> Read(Hive, const std::string&, const std::string& name) override {
-    if (name == "FirstEntry") return StoredZone::Number(0);
-    if (name == "LastEntry") return StoredZone::Number(0x7FFFFFFF);
-    return StoredZone::Rule(EasternRule());
+    if (name == "FirstEntry") return Number(0);
+    if (name == "LastEntry") return Number(0x7FFFFFFF);
+    return Rule();
   }
 };
 
