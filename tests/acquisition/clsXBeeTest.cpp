@@ -85,7 +85,9 @@ TEST(clsXBee, RefusesSamplesAndChannelsThatDoNotExist) {
   for (const int sample : {0, 3}) {
     EXPECT_THROW(receiver.decoder.AnalogSample(sample, 1), std::out_of_range) << sample;
   }
-  EXPECT_THROW(receiver.decoder.AnalogSample(1, 7), std::out_of_range);
+  for (const int channel : {0, 7}) {
+    EXPECT_THROW(receiver.decoder.AnalogSample(1, channel), std::out_of_range) << channel;
+  }
 }
 
 TEST(clsXBee, ReadsSampleTablesOfEveryMask) {

@@ -56,45 +56,42 @@ TEST_F(MeterEditTest, ShowsTheMeter) {
 TEST_F(MeterEditTest, NamesTheFirstFieldThatDoesNotFit) {
   constexpr const char* kAddressText = "XBee Address: Enter a whole number from 0 to 32767.";
   constexpr const char* kUpperText = "Upper Limit: Enter a number of watts.";
+  using E = MeterEdit;
   const struct {
-    std::string MeterEdit::*entry;
+    std::string E::*entry;
     std::string typed;
-    MeterField field = {};
-    const char* text = nullptr;  ///< null when it fits
+    std::string text = {};  ///< empty when it fits; begins with the field's name
   } cases[] = {
-      {&MeterEdit::name, "KITCHEN"},
-      {&MeterEdit::name, " ", MeterField::Name, "Name: The name must not be empty."},
-      {&MeterEdit::name, "a\\b", MeterField::Name, "Name: The name must not contain \"\\\"."},
-      {&MeterEdit::name, "office", MeterField::Name,
-       "Name: Another meter has the name \"office\"."},
-      {&MeterEdit::name, std::string(255, 'n')},
-      {&MeterEdit::name, std::string(256, 'n'), MeterField::Name,
-       "Name: The name must not be longer than 255 bytes."},
-      {&MeterEdit::xbeeAddress, "32767"},
-      {&MeterEdit::xbeeAddress, " 0"},
-      {&MeterEdit::xbeeAddress, "32768", MeterField::XBeeAddress, kAddressText},
-      {&MeterEdit::xbeeAddress, "-1", MeterField::XBeeAddress, kAddressText},
-      {&MeterEdit::xbeeAddress, "5.5", MeterField::XBeeAddress, kAddressText},
-      {&MeterEdit::xbeeAddress, "", MeterField::XBeeAddress, kAddressText},
-      {&MeterEdit::xbeeAddress, "6", MeterField::XBeeAddress,
-       "A Kill-A-Watt with that XBee address is already defined"},
-      {&MeterEdit::upperLimit, "1,500.5"},
-      {&MeterEdit::upperLimit, "", MeterField::UpperLimit, kUpperText},
-      {&MeterEdit::upperLimit, "500 W", MeterField::UpperLimit, kUpperText},
-      {&MeterEdit::upperLimit, "1" + std::string(308, '0'), MeterField::UpperLimit, kUpperText},
-      {&MeterEdit::lowerLimit, "-", MeterField::LowerLimit,
-       "Lower Limit: Enter a number of watts."}};
+      {&E::name, "KITCHEN"},
+      {&E::name, " ", "Name: The name must not be empty."},
+      {&E::name, "a\\b", "Name: The name must not contain \"\\\"."},
+      {&E::name, "office", "Name: Another meter has the name \"office\"."},
+      {&E::name, std::string(255, 'n')},
+      {&E::name, std::string(256, 'n'), "Name: The name must not be longer than 255 bytes."},
+      {&E::xbeeAddress, "32767"},
+      {&E::xbeeAddress, " 0"},
+      {&E::xbeeAddress, "32768", kAddressText},
+      {&E::xbeeAddress, "-1", kAddressText},
+      {&E::xbeeAddress, "5.5", kAddressText},
+      {&E::xbeeAddress, "", kAddressText},
+      {&E::xbeeAddress, "6", "A Kill-A-Watt with that XBee address is already defined"},
+      {&E::upperLimit, "1,500.5"},
+      {&E::upperLimit, "", kUpperText},
+      {&E::upperLimit, "500 W", kUpperText},
+      {&E::upperLimit, "1" + std::string(308, '0'), kUpperText},
+      {&E::lowerLimit, "-", "Lower Limit: Enter a number of watts."}};
   for (const auto& c : cases) {
     MeterEdit edit = Filled();
     edit.*c.entry = c.typed;
     const auto problem = CheckMeterEdit(edit, meters, Kitchen(), kUnitedStates);
-    ASSERT_EQ(problem.has_value(), c.text != nullptr) << c.typed;
+    EXPECT_EQ(problem ? problem->text : "", c.text) << c.typed;
     if (!problem) continue;
-    EXPECT_EQ(problem->field, c.field) << c.typed;
-    EXPECT_EQ(problem->text, c.text);
+    EXPECT_EQ(problem->field, c.entry == &E::name          ? MeterField::Name
+                              : c.entry == &E::xbeeAddress ? MeterField::XBeeAddress
+                              : c.entry == &E::upperLimit  ? MeterField::UpperLimit
+                                                           : MeterField::LowerLimit);
   }
   MeterEdit edit = Filled();
-  EXPECT_FALSE(CheckMeterEdit(edit, meters, Kitchen(), kUnitedStates)) << "untouched";
   edit.lowerLimit = edit.xbeeAddress = "x";
   EXPECT_EQ(CheckMeterEdit(edit, meters, Kitchen(), kUnitedStates)->field, MeterField::XBeeAddress);
 }

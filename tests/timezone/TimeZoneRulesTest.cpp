@@ -178,7 +178,11 @@ TEST(TimeZoneRegistry, HasOneZoneAndRefusesChanges) {
             std::vector<std::string>{"Dynamic DST"});
   EXPECT_FALSE(registry.KeyExists(Hive::CurrentUser, root));
   EXPECT_EQ(registry.Values(kMachine, root + "\\New/Zone\\Dynamic DST").size(), 4u);
+  EXPECT_TRUE(registry.Values(kMachine, root).empty());
   EXPECT_FALSE(registry.Write(kMachine, root + "\\New/Zone", "Std", {}));
+  EXPECT_FALSE(registry.DeleteValue(kMachine, root + "\\New/Zone", "Std"));
+  EXPECT_FALSE(registry.DeleteKey(kMachine, root + "\\New/Zone\\Dynamic DST"));
+  EXPECT_FALSE(registry.CreateKey(kMachine, "Software\\Other"));
   EXPECT_FALSE(registry.Begin());
   EXPECT_NE(registry.ErrorText(), "");
   const clsTimeZone zone = GetTimeZoneByName(modRegistry(registry), "new/zone");

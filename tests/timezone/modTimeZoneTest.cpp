@@ -94,6 +94,8 @@ TEST(LocalToUTC, TakesTheBiasOfNoYearAndTheDaylightBiasOfItsOwn) {
   zone.FirstTZI = zone.LastTZI = 2026;
   zone.AddDynamicTZI(2026) = {300, 0, -60, {}, Relative(3, 0, 2, 2)};
   EXPECT_FALSE(IsDaylightTime(At("2026-07-01T12:00:00"), zone, false)) << "it has no end";
+  zone.AddDynamicTZI(2026) = {300, 0, -60, Relative(11, 0, 1, 2), {}};
+  EXPECT_TRUE(IsDaylightTime(At("2026-01-01T12:00:00"), zone, false)) << "always begun";
   zone.AddDynamicTZI(2026) = {9999, 8888, -30, Relative(11, 0, 1, 2), Relative(3, 0, 2, 2)};
   EXPECT_EQ(LocalToUTC(At("2026-12-01T12:00:00"), zone), At("2026-12-01T17:00:00"));
   EXPECT_EQ(LocalToUTC(At("2026-07-01T12:00:00"), zone), At("2026-07-01T16:30:00"));
@@ -243,6 +245,22 @@ TEST(GetTimeZoneByName, EndsHoweverManyYearsThereAre) {
   const clsTimeZone zone = GetTimeZoneByName(modRegistry(registry), "Eastern Standard Time");
   EXPECT_EQ(zone.DynamicTZI.size(), 10'000u);
   EXPECT_EQ(LocalToUTC(At("2026-07-01T12:00:00"), zone), At("2026-07-01T16:00:00"));
+}
+
+struct FixedSource final : TimeZoneSource {
+  explicit FixedSource(Registry& registry) : zones(registry) {}
+  std::optional<std::string> CurrentZone() override { return name; }
+  Registry& Zones() override { return zones; }
+
+  Registry& zones;
+  std::optional<std::string> name;
+};
+
+TEST_F(GetTimeZoneByNameTest, CurrentZoneIsTheOneThatTheSystemNames) {
+  FixedSource source(registry_);
+  EXPECT_FALSE(GetCurrentTimeZone(source));
+  source.name = "Eastern Standard Time";
+  EXPECT_EQ(GetCurrentTimeZone(source).value_or(clsTimeZone()).DisplayName, "(UTC-05:00) Eastern");
 }
 
 }  // namespace

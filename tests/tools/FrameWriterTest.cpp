@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "DecodedFrame.h"
 #include "sim/FrameWriter.h"
 

@@ -56,26 +56,5 @@ TEST(MeterModel, PhaseMovesOnFromBurstToBurstAsTheSeedHasIt) {
   EXPECT_GT(highest - lowest, 400);
 }
 
-TEST(MeterModel, DriftStaysNearTheChosenLoadAndGoesBothWays) {
-  for (const bool isGenerator : {false, true}) {
-    MeterSettings settings;
-    settings.watts = 350;
-    settings.isGenerator = isGenerator;
-    const MeterModel meter(settings, 9);
-    double lowest = 1e9;
-    double highest = 0;
-    for (int second = 0; second < 7200; second += 2) {
-      const double watts = meter.WattsAt(second);
-      EXPECT_LT(std::abs(meter.WattsAt(second + 2) - watts), 0.03 * 350) << "a jump, not a drift";
-      lowest = std::min(lowest, watts);
-      highest = std::max(highest, watts);
-    }
-    EXPECT_GT(lowest, 350 * 0.8);
-    EXPECT_LT(lowest, 350 * 0.97);
-    EXPECT_GT(highest, 350 * 1.03);
-    EXPECT_LT(highest, 350 * 1.2);
-  }
-}
-
 }  // namespace
 }  // namespace wattlark

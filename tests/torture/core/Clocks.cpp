@@ -5,9 +5,6 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
-#include <ctime>
-#include <filesystem>
 #include <limits>
 #include <optional>
 #include <string>
@@ -15,7 +12,6 @@
 
 #include "acquisition/clsKillAWatt.h"
 #include "sim/Random.h"
-#include "timezone/TimeZoneRules.h"
 #include "torture/Torture.h"
 #include "torture/core/ReferenceMeter.h"
 #include "twins/HandClock.h"
@@ -30,46 +26,6 @@ constexpr const char* kBegin = "2026-11-16T20:10:00";
 bool IsSame(double a, double b) {
   return a == b || std::fabs(a - b) <= 1e-9 * std::max(std::fabs(a), std::fabs(b));
 }
-
-/// A zone as the C library knows it, which shares nothing with the program's own conversions. One
-/// at a time: it is the zone of the process.
-class SystemZone {
- public:
-  explicit SystemZone(const std::string& name) {
-    ::setenv("TZ", name.c_str(), 1);
-    ::tzset();
-  }
-  static bool IsKnown(const std::string& name) {
-    return std::filesystem::exists("/usr/share/zoneinfo/" + name);
-  }
-
-  /// Minutes that local time is ahead of UTC.
-  static std::int32_t Offset(DateTime utc) {
-    const auto seconds = static_cast<std::time_t>(utc.Milliseconds() / 1000);
-    std::tm local{};
-    ::localtime_r(&seconds, &local);
-    return static_cast<std::int32_t>(local.tm_gmtoff / 60);
-  }
-  static DateTime Local(DateTime utc) { return utc.PlusMinutes(Offset(utc)); }
-
-  /// Every change of the offset, found by looking at each day and halving it.
-  static ZoneOffsets Changes(std::int32_t firstYear, std::int32_t lastYear) {
-    const DateTime end = *DateTime::FromCivil({.year = lastYear + 1});
-    DateTime at = *DateTime::FromCivil({.year = firstYear});
-    ZoneOffsets zone{Offset(at), {}};
-    for (; at < end; at = at.PlusHours(6)) {
-      DateTime before = at;
-      DateTime after = at.PlusHours(6);
-      if (Offset(before) == Offset(after)) continue;
-      while (before.PlusSeconds(1) < after) {
-        const DateTime middle = before.PlusSeconds(before.SecondsTo(after) / 2);
-        (Offset(middle) == Offset(before) ? before : after) = middle;
-      }
-      zone.changes.push_back({after, Offset(after)});
-    }
-    return zone;
-  }
-};
 
 /// A meter beside its reference.
 class Household {
@@ -161,14 +117,16 @@ class Household {
 
 void Steps(Torture& torture) {
   constexpr std::int64_t kDay = 86'400;
-  // Seconds; the last one is from the start of all clocks to the present.
+  // Seconds; those that daylight time takes are among them, and the last one is from the start of
+  // all clocks to the present.
   const std::int64_t steps[] = {
-      1,        2,         4,         5,          59,         60,         61,
-      3599,     3600,      3601,      kDay / 2,   kDay - 1,   kDay,       kDay + 1,
+      1,        2,         4,         5,          59,         60,         61,           1800,
+      3599,     3600,      3601,      7200,       kDay / 2,   kDay - 1,   kDay,         kDay + 1,
       7 * kDay, 30 * kDay, 31 * kDay, 365 * kDay, 366 * kDay, 400 * kDay, 20'773 * kDay};
-  for (const char* begin : {kBegin, "2026-11-14T23:59:30", "2026-11-30T23:59:30",
-                            "2026-12-31T23:59:30", "2028-02-28T23:59:30", "2028-02-29T23:59:30",
-                            "2100-02-28T23:59:30", "1970-01-01T00:00:00", "2026-11-16T20:59:59"}) {
+  for (const char* begin :
+       {kBegin, "2026-11-14T23:59:30", "2026-11-30T23:59:30", "2026-12-31T23:59:30",
+        "2028-02-28T23:59:30", "2028-02-29T23:59:30", "2100-02-28T23:59:30", "1970-01-01T00:00:00",
+        "2026-11-16T20:59:59", "2026-03-29T01:59:30", "2026-10-25T02:59:30"}) {
     for (const std::int64_t step : steps) {
       for (const std::int64_t seconds : {step, -step}) {
         Household household(At(begin), 1000, torture);
@@ -224,57 +182,11 @@ void RandomSteps(Torture& torture) {
   }
 }
 
-void DaylightChanges(Torture& torture) {
-  const int firstYear = torture.isLong ? 1975 : 2024;
-  const int lastYear = torture.isLong ? 2036 : 2026;
-  std::size_t changes = 0;
-  std::size_t zones = 0;
-  for (const char* name :
-       {"America/New_York",   "America/Los_Angeles", "America/St_Johns", "America/Sao_Paulo",
-        "America/Santiago",   "America/Asuncion",    "America/Havana",   "America/Nuuk",
-        "Europe/London",      "Europe/Dublin",       "Europe/Berlin",    "Europe/Lisbon",
-        "Europe/Istanbul",    "Europe/Moscow",       "Europe/Chisinau",  "Africa/Casablanca",
-        "Africa/Cairo",       "Africa/Windhoek",     "Asia/Tehran",      "Asia/Jerusalem",
-        "Asia/Gaza",          "Asia/Amman",          "Asia/Tokyo",       "Australia/Sydney",
-        "Australia/Adelaide", "Australia/Lord_Howe", "Pacific/Auckland", "Pacific/Chatham",
-        "Pacific/Apia",       "Pacific/Fiji",        "Antarctica/Troll"}) {
-    if (!SystemZone::IsKnown(name)) continue;
-    ++zones;
-    const SystemZone system(name);
-    const ZoneOffsets zone = SystemZone::Changes(firstYear, lastYear);
-    const DateTime start = *DateTime::FromCivil({.year = firstYear});
-    DateTime utc = start;
-    Household household(SystemZone::Local(utc), 1000, torture);
-    const auto passTo = [&](DateTime to) {
-      while (utc < to) {
-        const std::int64_t step = std::min(kLongestStep, to.Milliseconds() - utc.Milliseconds());
-        utc = utc.PlusMilliseconds(step);
-        household.SetClock(SystemZone::Local(utc).PlusMilliseconds(-step));
-        household.Advance(step, step);
-      }
-    };
-    for (const OffsetChange& change : zone.changes) {
-      ++changes;
-      for (const int minutes : {-1440, -180, -90, -30, -5, -2}) {
-        passTo(change.utc.PlusMinutes(minutes));
-      }
-      while (utc < change.utc.PlusMinutes(3)) passTo(utc.PlusSeconds(2));
-      while (utc < change.utc.PlusMinutes(130)) {
-        passTo(utc.PlusSeconds(torture.isLong ? 20 : 60));
-      }
-    }
-  }
-  torture.Expect(zones >= 20, [] { return "the system's zone data are not there"; });
-  Torture::Tell("zones", zones);
-  Torture::Tell("changes of their offset", changes);
-}
-
 void Run(Torture& torture) {
   Steps(torture);
   SleepAndWrap(torture);
   LeapDaysAndYearEnds(torture);
   RandomSteps(torture);
-  DaylightChanges(torture);
   Torture::Tell("checks", Household::Checks());
 }
 
