@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <stdexcept>
 
 #include "acquisition/clsXBee.h"
@@ -263,6 +264,26 @@ TEST(clsXBeeStream, LosesNoIntactFrameBehindOneThatWasCutShortOrDamaged) {
       receiver.Read(damaged);
       EXPECT_EQ(receiver.Decoded(), 10U) << size << ' ' << flip;
     }
+  }
+}
+
+TEST(clsXBeeStream, FindsTheFramesInsideALengthThatLied) {
+  // Within what a false start claims: one that ends in there, one of a length that overflows, one
+  // that reaches beyond the claim, and frames.
+  const Bytes inside = Join({{0x7E, 0x00, 0x01, 0x55, 0x55},
+                             {0x7E, 0x90, 0x11},
+                             TwoSampleFrame(6),
+                             {0x7E, 0x00, 0x60},
+                             TwoSampleFrame(7)});
+  const auto length = static_cast<std::uint8_t>(inside.size());
+  for (const std::size_t size : {std::size_t{1}, std::size_t{1000}}) {
+    Receiver receiver;
+    const Bytes stream =
+        Join({{0x7E, 0x00, length}, inside, {0x00}, Repeated(TwoSampleFrame(8), 5)});
+    for (std::size_t at = 0; at < stream.size(); at += size) {
+      receiver.Read(Slice(stream, at, std::min(stream.size(), at + size)));
+    }
+    EXPECT_EQ(receiver.Decoded(), 7U) << size;
   }
 }
 

@@ -34,7 +34,7 @@ class CoreRun {
 
   Monitor& Program() { return monitor_; }
   /// Meters 1 to `count`, of addresses that are free.
-  void AddMeters(std::uint16_t count) {
+  void AddMeters(std::int16_t count) {
     monitor_.Profile().Settings().LogToCSV = false;
     for (std::int16_t address = 1; address <= count; ++address) {
       AddMeter(monitor_.Profile().Meters(), "Meter " + std::to_string(address), address);
