@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <numeric>
+#include <random>
 #include <stdexcept>
 
 #include "acquisition/clsXBee.h"
@@ -335,6 +337,112 @@ TEST(clsXBeeStream, DropsTheRestOfAReadWhoseLengthOverflows) {
     EXPECT_EQ(receiver.Completed(), 2U);
     EXPECT_EQ(receiver.Dropped(), 0U);
   }
+}
+
+// The rules of the stream in their plainest form: everything is kept, every sum is taken anew.
+struct ReferenceDecoder {
+  Bytes bytes;
+  std::size_t position = 0, failedEnd = 0, claimedEnd = 0;
+  // End and start, found in damaged bytes.
+  std::vector<std::pair<std::size_t, std::size_t>> waiting;
+  std::vector<Bytes> frames;
+  std::uint64_t dropped = 0;
+
+  void Take(std::size_t start, std::size_t end) {
+    const Bytes frame = Slice(bytes, start + 3, end);
+    if (std::accumulate(frame.begin(), frame.end(), 0U) % 256 != 255) {
+      ++dropped;
+      failedEnd = std::max(failedEnd, end);
+      position = std::max(position, start + 1);
+      return;
+    }
+    frames.push_back(frame);
+    std::erase_if(waiting, [end](const auto& other) { return other.second < end; });
+    position = std::max(position, end);
+  }
+
+  bool TakeFirstWaiting(std::size_t limit) {
+    const auto first = std::min_element(waiting.begin(), waiting.end());
+    if (first == waiting.end() || first->first > limit) return false;
+    const auto [end, start] = *first;
+    waiting.erase(first);
+    Take(start, end);
+    return true;
+  }
+
+  bool Read(const Bytes& read) {
+    bytes.insert(bytes.end(), read.begin(), read.end());
+    const std::size_t framesBefore = frames.size();
+    while (true) {
+      while (position < bytes.size() && bytes[position] != 0x7E) ++position;
+      const std::size_t left = bytes.size() - position;
+      const bool lengthKnown = left >= 3;
+      const bool searched = position < failedEnd || (!waiting.empty() && position < claimedEnd);
+      const std::size_t length =
+          lengthKnown ? bytes[position + 1] * 256U + bytes[position + 2] : 0U;
+      const std::size_t end = position + length + 4;
+      if ((left >= 2 && bytes[position + 1] >= 0x80) || length > 0x7FFB) {
+        if (searched) {
+          ++position;
+        } else if (!TakeFirstWaiting(position + 1)) {
+          waiting.clear();
+          position = bytes.size();
+          return frames.size() > framesBefore;
+        }
+      } else if (lengthKnown && end <= bytes.size()) {
+        if (!TakeFirstWaiting(end)) Take(position, end);
+      } else if (lengthKnown && (searched || length > 3578)) {
+        if (waiting.empty()) claimedEnd = 0;
+        if (!searched) claimedEnd = end;
+        waiting.emplace_back(end, position);
+        ++position;
+      } else if (!TakeFirstWaiting(bytes.size())) {
+        return true;
+      }
+    }
+  }
+};
+
+TEST(clsXBeeStream, AgreesWithAPlainDecoderOnRandomStreams) {
+  std::mt19937 random(20261116);
+  const auto below = [&random](unsigned n) { return static_cast<std::size_t>(random() % n); };
+  std::uint64_t completed = 0;
+  std::uint64_t dropped = 0;
+  for (int round = 0; round < 400; ++round) {
+    Bytes stream;
+    for (int piece = 0; piece < 40; ++piece) {
+      Bytes part = TwoSampleFrame(static_cast<std::uint16_t>(random() & 0x7FFF));
+      const std::size_t kind = below(6);
+      if (kind == 0) part.resize(below(static_cast<unsigned>(part.size())));
+      if (kind == 1)
+        part[below(static_cast<unsigned>(part.size()))] ^= Bytes{1, 8, 64, 128}[below(4)];
+      if (kind == 2) {
+        part.resize(below(30));
+        for (auto& byte : part) byte = Bytes{0x7E, 0, 1, 0x83, 0xFF, 0x7F, 0xFB, 0xFC}[below(8)];
+      }
+      stream = Join({stream, part});
+    }
+    Receiver receiver;
+    ReferenceDecoder reference;
+    for (std::size_t from = 0; from < stream.size();) {
+      const std::size_t to = std::min(stream.size(), from + 1 + below(round % 2 == 0 ? 4 : 400));
+      const Bytes read = Slice(stream, from, to);
+      const std::size_t framesBefore = reference.frames.size();
+      ASSERT_EQ(receiver.Read(read), reference.Read(read)) << round << ' ' << from;
+      ASSERT_EQ(receiver.Completed(), reference.frames.size()) << round << ' ' << from;
+      ASSERT_EQ(receiver.decoder.FrameReceived(), reference.frames.size() > framesBefore);
+      ASSERT_EQ(receiver.Dropped(), reference.dropped) << round << ' ' << from;
+      if (receiver.decoder.SampleDecoded()) {
+        const Bytes& last = reference.frames.back();
+        ASSERT_EQ(receiver.decoder.SourceAddress(), last[1] * 256 + last[2]);
+      }
+      from = to;
+    }
+    completed += receiver.Completed();
+    dropped += receiver.Dropped();
+  }
+  EXPECT_GT(completed, 1000U);
+  EXPECT_GT(dropped, 1000U);
 }
 
 // Work that grew with the square of the input, or with a false frame's length for every byte of it,
