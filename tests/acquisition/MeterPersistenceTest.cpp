@@ -154,6 +154,7 @@ TEST(MeterPersistence, TellsWhenThereIsNothingToLoadAndWhenItCannotSave) {
 TEST(MeterPersistence, KeepsFieldsWhoseValuesAreMissingOrEmpty) {
   Store store;
   store.Put("XBeeAddress", "7");
+  store.Put("Name", "");
   store.Put("NominalVoltage", "");
   store.Put("DemandRecentMinute", "");
   clsKillAWatt meter;

@@ -243,11 +243,15 @@ TEST(MeterStatistics, TakesTheMeanOfASeriesThatWasWrittenMeanwhile) {
   for (const Interval finer : {Hour, Day, Month}) {
     meter.SetDemandRecent(finer, std::vector<double>(30, 10.0));
   }
-  meter.AddReading(50, At("2026-11-16T20:10:04"), 5000);
   using Row = std::pair<Interval, Interval>;
-  for (const auto& [finer, coarser] : {Row{Hour, Day}, Row{Day, Week}, Row{Month, Year}}) {
-    EXPECT_NEAR(NewestDemand(meter, coarser).back(), AverageSeries(meter.DemandRecent(finer)), 1e-9)
-        << coarser;
+  for (const char* time : {"2026-11-16T20:10:04", "2026-11-16T22:10:04", "2026-11-16T22:10:06",
+                           "2027-01-17T22:10:06", "2027-01-17T22:10:08"}) {
+    meter.AddReading(50, At(time), 5000);
+    for (const auto& [finer, coarser] : {Row{Hour, Day}, Row{Day, Week}, Row{Month, Year}}) {
+      EXPECT_NEAR(NewestDemand(meter, coarser).back(), AverageSeries(meter.DemandRecent(finer)),
+                  1e-9)
+          << time << coarser;
+    }
   }
 }
 
