@@ -248,8 +248,8 @@ TEST(MeterStatistics, TakesTheMeanOfASeriesThatWasWrittenMeanwhile) {
                            "2027-01-17T22:10:06", "2027-01-17T22:10:08"}) {
     meter.AddReading(50, At(time), 5000);
     for (const auto& [finer, coarser] : {Row{Hour, Day}, Row{Day, Week}, Row{Month, Year}}) {
-      EXPECT_NEAR(NewestDemand(meter, coarser).back(), AverageSeries(meter.DemandRecent(finer)),
-                  1e-9)
+      EXPECT_NEAR(NewestDemand(meter, coarser).back(),
+                  AverageSeries(std::as_const(meter).DemandRecent(finer)), 1e-9)
           << time << coarser;
     }
   }
