@@ -42,6 +42,13 @@ std::string ProfileCommand(const std::string& command, const std::string& profil
   return text;
 }
 
+std::string DeviceCommand(const std::string& profileFolder, int portNumber,
+                          const std::string& device) {
+  return ProfileCommand(
+      "setting set PortDevices/COM" + std::to_string(portNumber) + " " + ShellWord(device),
+      profileFolder);
+}
+
 std::string AddCommand(const std::string& profileFolder, std::int16_t address) {
   const std::string number = std::to_string(address);
   return ProfileCommand("meter add --name 'Meter " + number + "' --address " + number,

@@ -191,11 +191,7 @@ class Discovery {
   // The program itself would listen elsewhere.
   void PrintDeviceCommand() const {
     environment_.output << "\nTo receive from this device from now on:\n"
-                        << ProfileCommand("setting set PortDevices/COM" +
-                                              std::to_string(profile_.Settings().PortNum) + " " +
-                                              ShellWord(path_),
-                                          folder_)
-                        << "\n";
+                        << DeviceCommand(folder_, profile_.Settings().PortNum, path_) << "\n";
   }
 
   void PrintJson() const {
@@ -227,7 +223,8 @@ class Discovery {
   std::string profilePath_;  ///< where the program would
   bool isChosen_ = false;    ///< the latter, by the user
   std::vector<ListedDevice> devices_;
-  QtSerialPort port_{[this](int) { return path_; }};
+  QtSerialPort port_{[this](int) { return path_; },
+                     [this](int portNumber) { return DeviceCommand(folder_, portNumber); }};
   HeardMeters meters_;
   std::vector<HeardMeter> heard_;
   std::uint64_t bytes_ = 0;

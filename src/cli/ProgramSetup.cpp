@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "cli/CommandText.h"
 #include "cli/DefaultFiles.h"
 #include "platform/qt/SerialDevices.h"
 #include "platform/qt/SystemRegional.h"
@@ -16,7 +17,8 @@ namespace wattlark {
 ProgramSetup::ProgramSetup(const RunOptions& options)
     : options_(options),
       lock_(options.profileFolder),
-      serial_([this](int portNumber) { return DevicePath(portNumber); }),
+      serial_([this](int portNumber) { return DevicePath(portNumber); },
+              [this](int portNumber) { return DeviceCommand(options_.profileFolder, portNumber); }),
       timeZone_(clock_),
       web_{inetPachubeLogger_,
            inetGoogleLogger_,

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "app/ProfileData.h"
+#include "cli/CommandText.h"
 #include "cli/DefaultFiles.h"
 #include "cli/ProfileStore.h"
 #include "cli/RunOptions.h"
@@ -93,9 +94,8 @@ std::string Apply(const StoreImport& import, bool replaces, ProfileStore& store,
   }
   const std::string& log = profile.Settings().CSVFilename;
   if (!fs::path(log).is_absolute()) {
-    remarks.push_back("The CSV log \"" + log +
-                      "\" is no file of this computer: choose one with wattlark setting set "
-                      "CSVFilename PATH");
+    remarks.push_back("The CSV log \"" + log + "\" is no file of this computer: choose one with " +
+                      ProfileCommand("setting set CSVFilename PATH", store.Folder()));
   }
   return {};
 }

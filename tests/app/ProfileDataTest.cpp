@@ -239,5 +239,14 @@ TEST_F(TotalKillAWatt, LeavesOutVoltsThatAreMissing) {
   EXPECT_EQ(total.Watts(), 600);
 }
 
+TEST_F(TotalKillAWatt, RecordsZeroWattsWithoutReceivingMeters) {
+  Add(1, 120, 2, 500);
+  Update("2026-11-16T20:10:05");
+  EXPECT_EQ(total.Watts(), 0);
+  EXPECT_EQ(total.Volts(), NoValue);
+  EXPECT_EQ(total.Amps(), NoValue);
+  EXPECT_EQ(total.Timestamp(), At("2026-11-16T20:10:05"));
+}
+
 }  // namespace
 }  // namespace wattlark

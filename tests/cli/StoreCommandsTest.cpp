@@ -117,8 +117,10 @@ TEST_F(StoreCommands, ImportTellsWhatNeedsTheUser) {
   EXPECT_EQ(result.messages,
             "The meter \"Fridge\" is left out: another one has its XBee address.\n"
             "The CSV log \"C:\\log.csv\" is no file of this computer: choose one with wattlark "
-            "setting set CSVFilename PATH\n"
-            "1 key of other programs left out.\n");
+            "setting set CSVFilename PATH --profile " +
+                profile_ +
+                "\n"
+                "1 key of other programs left out.\n");
 }
 
 TEST_F(StoreCommands, RestoreBringsBackTheBackupAndKeepsTheStore) {

@@ -1,4 +1,5 @@
 #include <QTest>
+#include <map>
 
 #include "MainWindowFixture.h"
 
@@ -6,6 +7,7 @@ namespace wattlark {
 namespace {
 
 using testing::ElementsAre;
+using testing::IsEmpty;
 
 struct PagesTest : MainWindowTest {
   void ShowWindow(int meterCount = 2) {
@@ -99,6 +101,46 @@ TEST_F(PagesTest, TheKeyboardReachesAllOfThePageShownAndNothingOfOthers) {
       EXPECT_FALSE(Control(name.c_str()).accessibleName().isEmpty()) << name;
     }
   }
+}
+
+// Counts the paint events of a window and everything in it.
+struct PaintCounter : QObject {
+  explicit PaintCounter(const QWidget& painted) : window(painted) {
+    qApp->installEventFilter(this);
+  }
+  bool eventFilter(QObject* object, QEvent* event) override {
+    auto* widget = qobject_cast<QWidget*>(object);
+    const bool isOurs = widget != nullptr && widget->window() == &window;
+    if (isOurs && event->type() == QEvent::Paint) ++counts[widget];
+    return false;
+  }
+  const QWidget& window;
+  std::map<QWidget*, int> counts;
+};
+
+TEST_F(PagesTest, ATickPaintsEachWidgetAtMostOnceAndAHiddenWindowNone) {
+  Put("Settings", "DemoMode", "True");
+  ShowWindow(3);
+  Tick();
+  QCoreApplication::processEvents();
+  for (int page = 1; page <= 4; ++page) {
+    window->ShowPage(page);
+    EndSlide();
+    QCoreApplication::processEvents();
+    PaintCounter painted(*window);
+    Tick();
+    QCoreApplication::processEvents();
+    EXPECT_THAT(painted.counts, testing::Not(IsEmpty())) << "page " << page;
+    for (const auto& [widget, count] : painted.counts) {
+      EXPECT_EQ(count, 1) << "page " << page << ": " << widget->metaObject()->className();
+    }
+  }
+  window->close();
+  ASSERT_FALSE(window->isVisible());
+  PaintCounter painted(*window);
+  Tick(2);
+  QCoreApplication::processEvents();
+  EXPECT_THAT(painted.counts, IsEmpty());
 }
 
 }  // namespace

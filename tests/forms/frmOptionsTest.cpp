@@ -227,5 +227,12 @@ TEST_F(frmOptionsTest, EveryControlIsReachedNamedAndHasAKeyOfItsTab) {
   }
 }
 
+TEST_F(frmOptionsTest, TextsThatNobodyTouchesKeepTheirBytes) {
+  settings.TwitterMessage = "a\xFF\nb";
+  Open();
+  Click(*form, "cmdOK");
+  EXPECT_EQ(settings.TwitterMessage, "a\xFF\nb");
+}
+
 }  // namespace
 }  // namespace wattlark

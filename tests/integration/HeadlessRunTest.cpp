@@ -61,9 +61,11 @@ TEST_F(HeadlessRun, TellsOnceThatItsDeviceIsMissingAndThatItCameBack) {
   Unplug();
   RunningProgram program(RunCommand());
   program.CloseOutput();  // nobody reads what it prints
-  const std::string missing = "Unable to communicate on COM3: No such device: " + device +
-                              ". Plug in the receiver, or choose its device: wattlark setting set "
-                              "PortDevices/COM3 PATH\n";
+  const std::string missing =
+      "Unable to communicate on COM3: No such device: " + device +
+      ". Plug in the receiver, or choose its device: wattlark-headless setting "
+      "set PortDevices/COM3 PATH --profile " +
+      profile + "\n";
   const std::string again = "Communicating on COM3 again\n";
   std::string told;
   for (int round = 0; round < 2; ++round) {

@@ -18,10 +18,14 @@ using testing::StartsWith;
 
 namespace fs = std::filesystem;
 
+std::string Choosing(int portNumber) {
+  return "choose COM" + std::to_string(portNumber);
+}
+
 struct SerialPortOnTerminal : testing::Test {
   TemporaryFolder folder;
   std::string path;
-  QtSerialPort port{[this](int) { return path; }};
+  QtSerialPort port{[this](int) { return path; }, Choosing};
   Bytes received;
   int lost = 0;
 
@@ -67,8 +71,7 @@ TEST_F(SerialPortOnTerminal, TellsOnceThatTheDeviceHungUp) {
   terminal.reset();
   ASSERT_TRUE(WaitUntil([&] { return lost > 0; }));
   EXPECT_EQ(port.ErrorText(), "No such device: " + path +
-                                  ". Plug in the receiver, or choose its device: wattlark setting "
-                                  "set PortDevices/COM5 PATH");
+                                  ". Plug in the receiver, or choose its device: choose COM5");
   EXPECT_EQ(port.ReadAll(), Bytes{});
   TurnEventLoop();
   EXPECT_EQ(lost, 1);
@@ -119,7 +122,7 @@ TEST_F(SerialPortOnTerminal, ADeviceIsLockedUnderAllItsNames) {
   const std::string link = folder.File("receiver");
   fs::create_symlink(terminal.Path(), link);
   ASSERT_TRUE(Open(terminal.Path()));
-  QtSerialPort second([&](int) { return link; });
+  QtSerialPort second([&](int) { return link; }, Choosing);
   EXPECT_FALSE(second.Open(6, "9600,N,8,1"));
   EXPECT_THAT(second.ErrorText(), StartsWith("In use: another program has " + link + " open"));
   port.Close();
@@ -135,7 +138,7 @@ TEST_F(SerialPortOnTerminal, JudgesADeviceBeforeItIsChosen) {
   EXPECT_EQ(port.DeviceProblem(other.Path()), "");
   EXPECT_EQ(port.DeviceProblem("/dev/nowhere"),
             "No such device: /dev/nowhere. Plug in the receiver, or choose another device");
-  const QtSerialPort second([](int) { return ""; });
+  const QtSerialPort second([](int) { return ""; }, Choosing);
   EXPECT_THAT(second.DeviceProblem(terminal.Path()), StartsWith("In use: another program"));
   terminal.Write(Bytes{1});
   EXPECT_TRUE(WaitUntil([&] { return received.size() == 1; })) << "left alone by all this";

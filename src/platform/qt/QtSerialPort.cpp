@@ -61,11 +61,6 @@ std::string ParseSettings(const std::string& text, PortSettings& settings) {
   return {};
 }
 
-std::string AdviceFor(int portNumber) {
-  return "Plug in the receiver, or choose its device: wattlark setting set PortDevices/COM" +
-         std::to_string(portNumber) + " PATH";
-}
-
 }  // namespace
 
 struct QtSerialPort::DeviceFile {
@@ -75,8 +70,11 @@ struct QtSerialPort::DeviceFile {
   bool operator==(const DeviceFile&) const = default;
 };
 
-QtSerialPort::QtSerialPort(std::function<std::string(int)> devicePath)
-    : devicePath_(std::move(devicePath)), openedFile_(std::make_unique<DeviceFile>()) {
+QtSerialPort::QtSerialPort(std::function<std::string(int)> devicePath,
+                           std::function<std::string(int)> choosing)
+    : devicePath_(std::move(devicePath)),
+      choosing_(std::move(choosing)),
+      openedFile_(std::make_unique<DeviceFile>()) {
   fileCheck_.setInterval(kFileCheckMilliseconds);
   QObject::connect(&fileCheck_, &QTimer::timeout, [this] { CheckDeviceFile(); });
   lossEvent_.setSingleShot(true);
@@ -112,11 +110,11 @@ bool QtSerialPort::Open(int portNumber, const std::string& settings) {
 }
 
 bool QtSerialPort::OpenDevice(QSerialPort& port) {
-  errorText_ = OpenSerialDevice(port, path_, AdviceFor(portNumber_));
+  errorText_ = OpenSerialDevice(port, path_, Advice());
   if (!errorText_.empty()) return false;
   struct stat file {};
   if (fstat(port.handle(), &file) != 0) {
-    errorText_ = MissingDeviceText(path_, AdviceFor(portNumber_));
+    errorText_ = MissingDeviceText(path_, Advice());
     return false;
   }
   *openedFile_ = {file.st_dev, file.st_ino, file.st_rdev};
@@ -153,9 +151,13 @@ std::vector<std::uint8_t> QtSerialPort::ReadAll() {
   return {bytes.begin(), bytes.end()};
 }
 
+std::string QtSerialPort::Advice() const {
+  return "Plug in the receiver, or choose its device: " + choosing_(portNumber_);
+}
+
 void QtSerialPort::OnDeviceError(QSerialPort::SerialPortError error) {
   if (error == QSerialPort::NoError || error == QSerialPort::TimeoutError || !IsOpen()) return;
-  const std::string problem = SerialPathProblem(path_, AdviceFor(portNumber_));
+  const std::string problem = SerialPathProblem(path_, Advice());
   Lose(problem.empty()
            ? "The device " + path_ + " was disconnected: " + port_->errorString().toStdString()
            : problem);
@@ -165,7 +167,7 @@ void QtSerialPort::CheckDeviceFile() {
   struct stat file {};
   if (stat(path_.c_str(), &file) != 0) {
     if (errno == ENOENT || errno == ENOTDIR || errno == ELOOP)
-      Lose(MissingDeviceText(path_, AdviceFor(portNumber_)));
+      Lose(MissingDeviceText(path_, Advice()));
   } else if (DeviceFile{file.st_dev, file.st_ino, file.st_rdev} != *openedFile_) {
     Lose("The device " + path_ + " was replaced by another one");
   }

@@ -18,8 +18,9 @@ namespace wattlark {
 class QtSerialPort : public SerialPort {
  public:
   /// `devicePath` answers which device a port number means, empty for none; it is asked at every
-  /// `Open`.
-  explicit QtSerialPort(std::function<std::string(int portNumber)> devicePath);
+  /// `Open`. `choosing` answers the command that chooses that device, for messages.
+  QtSerialPort(std::function<std::string(int portNumber)> devicePath,
+               std::function<std::string(int portNumber)> choosing);
   ~QtSerialPort() override;
   QtSerialPort(const QtSerialPort&) = delete;
   QtSerialPort& operator=(const QtSerialPort&) = delete;
@@ -46,7 +47,10 @@ class QtSerialPort : public SerialPort {
   void Lose(const std::string& reason);
   void FinishLoss();
 
+  std::string Advice() const;
+
   std::function<std::string(int)> devicePath_;
+  std::function<std::string(int)> choosing_;
   int portNumber_ = 0;
   std::string path_;
   std::string errorText_;
