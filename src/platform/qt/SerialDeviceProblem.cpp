@@ -18,12 +18,22 @@ bool IsDenied(const std::string& path) {
   return faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0 && errno == EACCES;
 }
 
+// What a service's DeviceAllow leaves out: the permissions of the file do not tell.
+bool IsForbidden(const std::string& path) {
+  const int device = open(path.c_str(), O_RDONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  if (device >= 0) close(device);
+  return device < 0 && errno == EPERM;
+}
+
 std::string OpenProblem(const std::string& path, const std::string& advice,
                         const QSerialPort& port) {
   switch (port.error()) {
     case QSerialPort::DeviceNotFoundError:
       return MissingDeviceText(path, advice);
-    case QSerialPort::PermissionError:  // access was granted before: someone else has it
+    case QSerialPort::PermissionError:  // the file's permissions allow it
+      if (IsForbidden(path)) {
+        return "Not allowed: the system keeps this program from " + path + ". " + advice;
+      }
       return "In use: another program has " + path + " open (" + port.errorString().toStdString() +
              "). End that program";
     case QSerialPort::UnsupportedOperationError:
