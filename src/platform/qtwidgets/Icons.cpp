@@ -183,10 +183,10 @@ QIcon TrayIcon(std::string_view key) {
                                  }));
 }
 
-// The window system is handed every size at each start, and 128 pixels are the largest it shows.
+// The window system is handed every size at each start; it scales what it shows in others.
 QIcon ApplicationIcon() {
   const auto picture = std::make_shared<QSvgRenderer>(PictureFile("wattlark"));
-  return QIcon(new PictureEngine("application", Squares({16, 22, 24, 32, 48, 64, 128}),
+  return QIcon(new PictureEngine("application", Squares({16, 32, 48, 96}),
                                  [picture](const QSize& pixels, QIcon::Mode, QIcon::State) {
                                    return RenderPicture(*picture, pixels);
                                  }));
