@@ -199,8 +199,8 @@ class WindowRun {
 
 // What the first window needs of the toolkit takes a fourth of a start to find: the plug-ins for
 // pictures, and the system's fonts. That goes on beside the reading of the profile.
-void PrepareToolkit() {
-  QThreadPool::globalInstance()->start([] {
+void PrepareToolkit(QThreadPool& beside) {
+  beside.start([] {
     QImageReader::supportedImageFormats();
     QFontDatabase::families();
   });
@@ -217,7 +217,8 @@ int RunWindow(int& argc, char** argv, const RunOptions& options) {
   QApplication::setQuitOnLastWindowClosed(false);
   // What the desktop's own file dialogs do in the background ends the program otherwise.
   QCoreApplication::setQuitLockEnabled(false);
-  PrepareToolkit();
+  QThreadPool beside;  // its end waits for what it does, which needs the application
+  PrepareToolkit(beside);
   try {
     ProgramSetup setup(options);
     WindowRun run(application, setup);
