@@ -217,13 +217,13 @@ int RunWindow(int& argc, char** argv, const RunOptions& options) {
   QApplication::setQuitOnLastWindowClosed(false);
   // What the desktop's own file dialogs do in the background ends the program otherwise.
   QCoreApplication::setQuitLockEnabled(false);
-  QThreadPool beside;  // its end waits for what it does, which needs the application
-  PrepareToolkit(beside);
   try {
     ProgramSetup setup(options);
     WindowRun run(application, setup);
     const UnixSignals quitSignals([&run] { run.End(); });
     if (!setup.TakeProfile()) return ExitOK;
+    QThreadPool beside;  // its end waits for what it does, which needs the application
+    PrepareToolkit(beside);
     return run.Run();
   } catch (const std::exception& error) {
     std::cerr << error.what() << std::endl;
