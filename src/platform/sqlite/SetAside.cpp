@@ -38,12 +38,7 @@ bool SetJournalAside(const std::string& file, const std::string& target) {
   });
 }
 
-std::string SetAside(const std::string& file, const std::string& reason) {
-  std::string target = FreeNameAside(file, reason);
-  const bool isDone =
-      SetJournalAside(file, target) && std::rename(file.c_str(), target.c_str()) == 0;
-  if (isDone) return target;
-  // Parted from its journal, a store that a power cut has interrupted would be damaged for good.
+void PutJournalBack(const std::string& file, const std::string& target) {
   const int error = errno;
   for (const char* journal : kJournals) {
     if (Exists(target + journal) && !Exists(file + journal)) {
@@ -51,6 +46,14 @@ std::string SetAside(const std::string& file, const std::string& reason) {
     }
   }
   errno = error;
+}
+
+std::string SetAside(const std::string& file, const std::string& reason) {
+  std::string target = FreeNameAside(file, reason);
+  const bool isDone =
+      SetJournalAside(file, target) && std::rename(file.c_str(), target.c_str()) == 0;
+  if (isDone) return target;
+  PutJournalBack(file, target);
   return {};
 }
 

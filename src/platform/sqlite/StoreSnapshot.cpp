@@ -73,9 +73,12 @@ void Recover(const std::string& file) {
 std::string NameAside(const std::string& file) {
   constexpr const char* kReason = "replaced";
   const std::string aside = FreeNameAside(file, kReason);
-  if (!SetJournalAside(file, aside)) return {};
-  if (::link(file.c_str(), aside.c_str()) == 0) return aside;
-  return std::rename(file.c_str(), aside.c_str()) == 0 ? aside : std::string();
+  const bool isDone =
+      SetJournalAside(file, aside) &&
+      (::link(file.c_str(), aside.c_str()) == 0 || std::rename(file.c_str(), aside.c_str()) == 0);
+  if (isDone) return aside;
+  PutJournalBack(file, aside);
+  return {};
 }
 
 }  // namespace
@@ -112,7 +115,10 @@ std::string StoreSnapshot::Restore(const std::string& profileFolder, std::string
   std::string problem = target.Keep(true);
   if (problem.empty() || aside.empty()) return Sentence(problem);
   // Back to the one name that the store had.
-  if (std::rename(aside.c_str(), file.c_str()) == 0) ::unlink(aside.c_str());
+  if (std::rename(aside.c_str(), file.c_str()) == 0) {
+    ::unlink(aside.c_str());
+    PutJournalBack(file, aside);
+  }
   aside.clear();
   return Sentence(problem);
 }
