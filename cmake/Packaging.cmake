@@ -53,6 +53,25 @@ install(FILES "${icons}/wattlark.svg"
   DESTINATION "${themeFolder}/scalable/apps" RENAME ${desktopID}.svg COMPONENT wattlark)
 install(FILES "${icons}/wattlark-symbolic.svg"
   DESTINATION "${themeFolder}/symbolic/apps" RENAME ${desktopID}-symbolic.svg COMPONENT wattlark)
+# The notification area's icons, one for each number of lit bars, for desktops that colour such
+# icons themselves; both ways of naming the colours are in use.
+set(lit "class=\"ColorScheme-PositiveText success\" style=\"fill:currentColor\"")
+set(dim "class=\"ColorScheme-Text\" style=\"fill:currentColor;fill-opacity:0.35\"")
+foreach(litBars RANGE 5)
+  set(bars)
+  foreach(bar RANGE 1 5)
+    math(EXPR y "16 - 3 * ${bar}")
+    set(look "${dim}")
+    if(bar LESS_EQUAL litBars)
+      set(look "${lit}")
+    endif()
+    string(APPEND bars "  <rect x=\"10\" y=\"${y}\" width=\"6\" height=\"2\" ${look}/>\n")
+  endforeach()
+  configure_file("${icons}/tray-symbolic.svg.in" "${generated}/tray${litBars}-symbolic.svg" @ONLY)
+  install(FILES "${generated}/tray${litBars}-symbolic.svg"
+    DESTINATION "${themeFolder}/symbolic/apps" RENAME ${desktopID}-tray${litBars}-symbolic.svg
+    COMPONENT wattlark)
+endforeach()
 find_program(RSVG_CONVERT rsvg-convert)
 if(RSVG_CONVERT)
   foreach(size IN ITEMS 16 22 24 32 48 64 128 256 512)

@@ -1,11 +1,15 @@
 #include <gtest/gtest.h>
 
 #include <QImage>
+#include <filesystem>
 
+#include "platform/TemporaryFolder.h"
 #include "platform/qtwidgets/Icons.h"
 
 namespace wattlark {
 namespace {
+
+namespace fs = std::filesystem;
 
 const QColor kGreen("#1f7a57");
 const QColor kOrange("#c2410c");
@@ -79,6 +83,25 @@ TEST(TrayIcon, LightsABarMoreForEachLevel) {
     EXPECT_EQ(rowsLit, lit) << key;
     EXPECT_EQ(rowsOver, over) << key;
   }
+}
+
+TEST(TrayIcon, HasTheNameOfAnInstalledSymbolicIcon) {
+  const QString name = "org.wattlark.Wattlark-tray3-symbolic";
+  EXPECT_EQ(TrayIcon("KILLAWATT2").name(), "") << "nothing is installed";
+  const TemporaryFolder themes;
+  const fs::path theme = fs::path(themes.Path()) / "hicolor";
+  fs::create_directories(theme / "apps");
+  WriteFile(theme / "index.theme",
+            "[Icon Theme]\nName=Hicolor\nDirectories=apps\n[apps]\nSize=16\nType=Scalable\n");
+  WriteFile(theme / "apps" / (name.toStdString() + ".svg"), "<svg/>");
+  const QStringList before = QIcon::themeSearchPaths();
+  QIcon::setThemeSearchPaths({QString::fromStdString(themes.Path())});
+  QIcon::setThemeName("hicolor");
+  EXPECT_EQ(TrayIcon("KILLAWATT2").name(), name);
+  EXPECT_EQ(TrayIcon("KILLAWATT1").name(), "") << "this one is not";
+  EXPECT_FALSE(TrayIcon("KILLAWATT2").pixmap(QSize(22, 22), 1.0).isNull());
+  QIcon::setThemeSearchPaths(before);
+  QIcon::setThemeName({});
 }
 
 TEST(ApplicationIcon, IsDrawnFrom16To512Pixels) {

@@ -13,6 +13,8 @@
 #include <memory>
 #include <utility>
 
+#include "platform/xdg/DesktopID.h"
+
 // The pictures lie in a static library, whose resources nobody registers unless asked; the macro
 // has to stand outside of any namespace.
 static void RegisterPictures() {
@@ -107,8 +109,11 @@ TrayState TrayStateOf(std::string_view key) {
 // Draws at the very size and ratio asked for and keeps what it has drawn in the pixmap cache.
 class PictureEngine : public QIconEngine {
  public:
-  PictureEngine(QString key, QList<QSize> sizes, Painting painting)
-      : key_(std::move(key)), sizes_(std::move(sizes)), painting_(std::move(painting)) {}
+  PictureEngine(QString key, QList<QSize> sizes, Painting painting, QString symbolicName = {})
+      : key_(std::move(key)),
+        sizes_(std::move(sizes)),
+        painting_(std::move(painting)),
+        symbolicName_(std::move(symbolicName)) {}
 
   QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
     if (size.isEmpty()) return {};
@@ -131,7 +136,13 @@ class PictureEngine : public QIconEngine {
     painter->drawPixmap(rect, pixmap((QSizeF(rect.size()) * ratio).toSize(), mode, state));
   }
 
-  QIconEngine* clone() const override { return new PictureEngine(key_, sizes_, painting_); }
+  // Desktops that colour such icons to suit their panel take the installed one of this name.
+  QString iconName() override {
+    const bool isInstalled = !symbolicName_.isEmpty() && QIcon::hasThemeIcon(symbolicName_);
+    return isInstalled ? symbolicName_ : QString();
+  }
+
+  QIconEngine* clone() const override { return new PictureEngine(*this); }
 
   // Desktops that are sent the icon as pixmaps take these.
   QList<QSize> availableSizes(QIcon::Mode, QIcon::State) override { return sizes_; }
@@ -142,6 +153,7 @@ class PictureEngine : public QIconEngine {
   QString key_;
   QList<QSize> sizes_;
   Painting painting_;
+  QString symbolicName_;
 };
 
 QList<QSize> Squares(std::initializer_list<int> sides) {
@@ -176,11 +188,13 @@ QIcon TintedIcon(const QString& name, const IconColors& colors) {
 
 QIcon TrayIcon(std::string_view key) {
   const TrayState state = TrayStateOf(key);
-  return QIcon(new PictureEngine(QString("tray%1%2").arg(state.litBars).arg(state.barPicture),
-                                 Squares({16, 22, 24, 32, 44, 48, 64}),
-                                 [state](const QSize& pixels, QIcon::Mode, QIcon::State) {
-                                   return RenderTray(state, pixels);
-                                 }));
+  const bool isSymbolic = state.barPicture != "over";  // no panel's colours tell that
+  const QString name = QString("%1-tray%2-symbolic").arg(DesktopID).arg(state.litBars);
+  return QIcon(new PictureEngine(
+      QString("tray%1%2").arg(state.litBars).arg(state.barPicture),
+      Squares({16, 22, 24, 32, 44, 48, 64}),
+      [state](const QSize& pixels, QIcon::Mode, QIcon::State) { return RenderTray(state, pixels); },
+      isSymbolic ? name : QString()));
 }
 
 // The window system is handed every size at each start; it scales what it shows in others.
