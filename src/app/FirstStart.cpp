@@ -50,8 +50,10 @@ void FirstStart::FindDenied(FirstStartState& state) const {
   std::string path = state.devicePath;
   if (!state.isChosen) path = state.devices.empty() ? "" : state.devices.front().Path();
   if (path.empty()) return;
-  state.accessCommand = ports_.accessCommand(path);
-  if (!state.accessCommand.empty()) state.deniedPath = path;
+  const SerialAccess access = ports_.access(path);
+  if (!access.isDenied) return;
+  state.deniedPath = path;
+  state.accessCommand = access.command;
 }
 
 void FirstStart::UseDevice(const std::string& path) {

@@ -26,9 +26,7 @@ class FirstStart {
     std::function<std::vector<SerialDevice>()> listDevicesWithProducts;
     /// Why a device cannot be opened, as far as that can be told without touching it.
     std::function<std::string(const std::string& path)> deviceProblem;
-    /// The command that gives the user access to a device; empty when it is not access that is
-    /// missing.
-    std::function<std::string(const std::string& path)> accessCommand;
+    std::function<SerialAccess(const std::string& path)> access;
   };
 
   explicit FirstStart(Ports ports) : ports_(std::move(ports)) {}

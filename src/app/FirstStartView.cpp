@@ -30,6 +30,9 @@ std::string ReceiverText(const FirstStartState& state) {
     return "Demo mode is on: no receiver is used, and every meter shows made-up readings.";
   }
   if (state.isOpen) return ListeningText(state);
+  if (!state.deniedPath.empty() && state.accessCommand.empty()) {
+    return "You may use " + state.deniedPath + " from the next log-in: log out and in again.";
+  }
   if (!state.deniedPath.empty()) {
     return "You may not use " + state.deniedPath +
            " yet. Type this in a terminal, then log out and in again:";

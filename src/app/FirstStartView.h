@@ -15,11 +15,12 @@ struct FirstStartState {
   bool isOpen = false;      ///< the port delivers
   bool isDemoMode = false;  ///< the port is not used
   bool canLeaveDemoMode = true;
-  std::string devicePath;     ///< what the port number means; may be empty
-  bool isChosen = false;      ///< the user has said so
-  std::string portProblem;    ///< why the port is closed
-  std::string deniedPath;     ///< a device that the user may not open yet; empty for none
-  std::string accessCommand;  ///< what gives access to it
+  std::string devicePath;   ///< what the port number means; may be empty
+  bool isChosen = false;    ///< the user has said so
+  std::string portProblem;  ///< why the port is closed
+  std::string deniedPath;   ///< a device that the user may not open yet; empty for none
+  std::string
+      accessCommand;  ///< what gives access to it at the next log-in; empty when that was done
   std::vector<SerialDevice> devices;
   std::vector<HeardMeter> heard;
 };

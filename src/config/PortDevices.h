@@ -20,6 +20,13 @@ struct SerialDevice {
   const std::string& Path() const { return byIdPath.empty() ? devicePath : byIdPath; }
 };
 
+/// Whether the user may open a serial device.
+struct SerialAccess {
+  bool isDenied = false;
+  /// What the user types to get access at the next log-in; empty when that was done already.
+  std::string command = {};
+};
+
 /// A device for a user to choose: its product name, if it has one, and its path.
 std::string DeviceText(const SerialDevice& device);
 

@@ -27,10 +27,10 @@ FirstStartState Chosen(FirstStartState state, const std::string& path) {
   state.portProblem = "In use: another program has " + path + " open";
   return state;
 }
-FirstStartState Denied() {
+FirstStartState Denied(const std::string& command) {
   FirstStartState state = Chosen(Closed({kNamed}), kNamed.byIdPath);
   state.deniedPath = kNamed.byIdPath;
-  state.accessCommand = "sudo usermod -aG dialout $USER";
+  state.accessCommand = command;
   return state;
 }
 FirstStartState Open(FirstStartState state) {
@@ -52,10 +52,12 @@ TEST(FirstStartViewTest, SaysWhatToDoNextAndNamesDevices) {
         Row{Closed({kNamed, kPlain}), "Which of these is the receiver?", ""},
         Row{Chosen(Closed({kNamed}), "/dev/ttyUSB0"),
             "In use: another program has /dev/ttyUSB0 open.", ""},
-        Row{Denied(),
+        Row{Denied("sudo"),
             "You may not use /dev/serial/by-id/usb-a yet. Type this in a terminal, then log out "
             "and in again:",
-            "sudo usermod -aG dialout $USER"},
+            "sudo"},
+        Row{Denied(""),
+            "You may use /dev/serial/by-id/usb-a from the next log-in: log out and in again.", ""},
         Row{Open(Chosen(Closed({kNamed}), kNamed.byIdPath)), "Listening on COM3.", ""},
         Row{Open(Closed({kNamed})), "Listening on COM3, /dev/ttyS2.", ""},
         Row{Demo(), "Demo mode is on: no receiver is used, and every meter shows made-up readings.",

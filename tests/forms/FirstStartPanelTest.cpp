@@ -24,7 +24,7 @@ struct FirstStartWindow : MainWindowTest {
                                     [this] { return connected; }, [this] { return connected; },
                                     [](const std::string&) { return std::string(); },
                                     [this](const std::string& path) {
-                                      return path == deniedPath ? std::string("usermod") : "";
+                                      return SerialAccess{path == deniedPath, "usermod"};
                                     }});
     options.firstStart = &*guide;
   }

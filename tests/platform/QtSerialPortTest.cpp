@@ -1,4 +1,6 @@
 #include <gmock/gmock.h>
+#include <grp.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <numeric>
@@ -7,6 +9,7 @@
 #include "EventLoop.h"
 #include "TemporaryFolder.h"
 #include "platform/qt/QtSerialPort.h"
+#include "platform/qt/SerialDeviceProblem.h"
 #include "twins/Frames.h"
 #include "twins/TestTerminal.h"
 
@@ -160,14 +163,33 @@ TEST_F(SerialPortOnTerminal, SaysWhatIsWrongWithAPath) {
     EXPECT_FALSE(port.IsOpen());
     EXPECT_THAT(port.ErrorText(), StartsWith(start));
   }
+}
+
+TEST_F(SerialPortOnTerminal, TellsHowToGetAccess) {
   const TestTerminal terminal;
-  fs::permissions(terminal.Path(), fs::perms::none);
-  const WithoutRoot noRoot;
-  EXPECT_FALSE(Open(terminal.Path()));
-  EXPECT_EQ(port.ErrorText(),
-            "Permission denied: " + path +
-                ". Add your user to the group dialout: sudo usermod -aG dialout $USER, then log in "
-                "again");
+  const std::string& device = terminal.Path();
+  using Row = std::tuple<fs::perms, const char*, const char*, const char*>;
+  for (const auto& [permissions, group, advice, command] :
+       {Row{fs::perms::none, "", "Add your user to the group dialout: sudo usermod",
+            "sudo usermod -aG dialout $USER"},
+        Row{fs::perms::group_all, "uucp",
+            "Add your user to the group uucp: sudo usermod -aG uucp $USER, then log in again",
+            "sudo usermod -aG uucp $USER"},
+        // The group that the system gives to the user of WithoutRoot: the process has another one.
+        Row{fs::perms::group_all, "nogroup",
+            "Your user is in the group nogroup, which counts from the next log-in: log out and in "
+            "again",
+            ""}}) {
+    const ::group* owner = ::getgrnam(group);
+    if (owner != nullptr && ::chown(device.c_str(), 0, owner->gr_gid) != 0) return;  // not root
+    fs::permissions(device, permissions);
+    const WithoutRoot noRoot;
+    EXPECT_FALSE(Open(device));
+    EXPECT_THAT(port.ErrorText(), StartsWith("Permission denied: " + device + ". " + advice));
+    EXPECT_TRUE(AccessToSerialDevice(device).isDenied) << group;
+    EXPECT_EQ(AccessToSerialDevice(device).command, command);
+  }
+  EXPECT_FALSE(AccessToSerialDevice("/dev/null").isDenied);
 }
 
 TEST_F(SerialPortOnTerminal, TakesTheSettingsThatHardwareHasAndNoOthers) {

@@ -73,7 +73,7 @@ class WindowRun {
                            [](const std::string& path) {
                              return SerialPathProblem(path, "Plug it in, or choose another device");
                            },
-                           &SerialAccessCommand});
+                           &AccessToSerialDevice});
     frmMain window({*monitor_, setup_.Values(), desktop_, prompts_}, WindowOptions(firstStart));
     window_ = &window;
     relay.SendTo(&window);

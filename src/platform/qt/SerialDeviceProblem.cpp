@@ -1,21 +1,60 @@
 #include "platform/qt/SerialDeviceProblem.h"
 
 #include <fcntl.h>
+#include <grp.h>
+#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <QFileInfo>
+#include <algorithm>
 #include <cerrno>
 #include <system_error>
+#include <vector>
 
 namespace wattlark {
 
 namespace {
 
-constexpr const char* kAccessCommand = "sudo usermod -aG dialout $USER";
-
 bool IsDenied(const std::string& path) {
   return faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0 && errno == EACCES;
+}
+
+// The group whose members may read the device; where none may, the one that serial devices have.
+std::string GroupName(const struct stat& device) {
+  constexpr const char* kUsual = "dialout";
+  if ((device.st_mode & S_IRGRP) == 0 || device.st_gid == 0) return kUsual;
+  const group* found = getgrgid(device.st_gid);
+  return found != nullptr ? found->gr_name : kUsual;
+}
+
+// In the user's groups as the system knows them, whatever this process was started with.
+bool IsUserInGroup(gid_t wanted) {
+  const passwd* user = getpwuid(geteuid());
+  if (user == nullptr) return false;
+  int count = 0;
+  getgrouplist(user->pw_name, user->pw_gid, nullptr, &count);
+  std::vector<gid_t> groups(static_cast<std::size_t>(count));
+  if (getgrouplist(user->pw_name, user->pw_gid, groups.data(), &count) < 0) return false;
+  return std::ranges::find(groups, wanted) != groups.end();
+}
+
+std::string AddToGroupCommand(const std::string& group) {
+  return "sudo usermod -aG " + group + " $USER";
+}
+
+bool AwaitsLogin(const struct stat& device) {
+  return (device.st_mode & S_IRGRP) != 0 && IsUserInGroup(device.st_gid);
+}
+
+std::string DeniedText(const std::string& path, const struct stat& device) {
+  const std::string group = GroupName(device);
+  if (AwaitsLogin(device)) {
+    return "Permission denied: " + path + ". Your user is in the group " + group +
+           ", which counts from the next log-in: log out and in again";
+  }
+  return "Permission denied: " + path + ". Add your user to the group " + group + ": " +
+         AddToGroupCommand(group) + ", then log in again";
 }
 
 // What a service's DeviceAllow leaves out: the permissions of the file do not tell.
@@ -58,17 +97,14 @@ std::string SerialPathProblem(const std::string& path, const std::string& advice
     return "Cannot look at " + path + ": " + std::generic_category().message(errno);
   }
   if (!S_ISCHR(file.st_mode)) return "Not a serial device: " + path;
-  if (IsDenied(path)) {
-    return "Permission denied: " + path +
-           ". Add your user to the group dialout: " + kAccessCommand + ", then log in again";
-  }
-  return {};
+  return IsDenied(path) ? DeniedText(path, file) : std::string();
 }
 
-std::string SerialAccessCommand(const std::string& path) {
+SerialAccess AccessToSerialDevice(const std::string& path) {
   struct stat file {};
   const bool isDevice = stat(path.c_str(), &file) == 0 && S_ISCHR(file.st_mode);
-  return isDevice && IsDenied(path) ? kAccessCommand : "";
+  if (!isDevice || !IsDenied(path)) return {};
+  return {true, AwaitsLogin(file) ? std::string() : AddToGroupCommand(GroupName(file))};
 }
 
 QString CanonicalDevice(const std::string& path) {
