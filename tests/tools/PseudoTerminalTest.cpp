@@ -1,7 +1,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <array>
@@ -27,7 +26,6 @@ class Reader {
   Reader(const Reader&) = delete;
   Reader& operator=(const Reader&) = delete;
 
-  int Descriptor() const { return descriptor_; }
   bool HasBytes(int timeoutMilliseconds) const {
     pollfd event{descriptor_, POLLIN, 0};
     return poll(&event, 1, timeoutMilliseconds) == 1;
@@ -106,18 +104,6 @@ TEST_F(PseudoTerminalTest, NoticesAReaderOnceAndThatItLeft) {
   while (reader.HasBytes(100)) ASSERT_FALSE(reader.Read(256).empty());
   terminal.Write({42}, 2500);
   EXPECT_EQ(reader.Read(1), Bytes{42});
-}
-
-TEST_F(PseudoTerminalTest, WhatReadersWriteNeverFillsItUp) {
-  PseudoTerminal terminal(link);
-  const Reader reader(link);
-  const Bytes request(1024, 'x');
-  for (int i = 0; i < 100; ++i) {
-    ASSERT_EQ(write(reader.Descriptor(), request.data(), request.size()), 1024);
-    pollfd event{terminal.Descriptor(), POLLIN, 0};
-    ASSERT_EQ(poll(&event, 1, 5000), 1);
-    terminal.DiscardInput();
-  }
 }
 
 TEST_F(PseudoTerminalTest, RemovesItsLinkButNotAnothers) {

@@ -1,24 +1,86 @@
 #include <gtest/gtest.h>
 
-#include "DecodedFrame.h"
-#include "sim/Simulation.h"
+#include <cmath>
+#include <sstream>
+
+#include "acquisition/clsKillAWatt.h"
+#include "acquisition/clsXBee.h"
+#include "app/CaptureReader.h"
+#include "sim/FrameWriter.h"
+#include "sim/SimulationCapture.h"
+#include "twins/HandClock.h"
 
 namespace wattlark {
 namespace {
 
-std::vector<MeterSettings> ThreeMeters() {
-  std::vector<MeterSettings> meters(3);
-  for (std::size_t i = 0; i < meters.size(); ++i) {
-    meters[i].address = static_cast<std::uint16_t>(5 + i);
-    meters[i].watts = 100;
+/// What the program makes of a frame that a simulated meter sends.
+struct DecodedFrame {
+  explicit DecodedFrame(const Bytes& bytes, double nominalVoltage = 120) {
+    const HandClock clock;
+    clsXBee decoder(clock);
+    decoder.ParseBytes(bytes);
+    isWellFormed = bytes.size() == 88 && decoder.SampleDecoded() && decoder.SampleCount() == 19;
+    if (!isWellFormed) return;
+    address = decoder.SourceAddress();
+    meter.ChangeNominalVoltage(nominalVoltage);
+    meter.ProcessPacket(decoder);
   }
-  return meters;
+  bool isWellFormed;
+  int address = -1;
+  clsKillAWatt meter;
+};
+
+TEST(MeterModel, ReadsAsTheChosenWattsAndVoltsAtEveryPhase) {
+  struct Load {
+    double watts, nominalVoltage, frequency, powerFactor;
+    double tolerance;  ///< share of the watts
+  };
+  for (const Load& load :
+       {Load{20, 120, 60, 0.95, 0.02}, Load{84, 120, 60, 1, 0.02}, Load{1700, 120, 60, 0.95, 0.02},
+        Load{900, 120, 50, 0.5, 0.03}, Load{0, 120, 60, 0.95, 0}, Load{350, 240, 60, 0.95, 0.02},
+        Load{3400, 240, 50, 0.95, 0.02}}) {
+    MeterSettings settings;
+    settings.watts = load.watts;
+    settings.nominalVoltage = load.nominalVoltage;
+    settings.frequency = load.frequency;
+    settings.powerFactor = load.powerFactor;
+    settings.varies = false;
+    // What half a count of current in a sample at the peak of the voltage amounts to.
+    const double roundingWatts = 0.5 / 15.5 * load.nominalVoltage * std::sqrt(2.0) / 19.0;
+    MeterModel model(settings, 77);
+    for (int burst = 0; burst < 500; ++burst) {
+      SCOPED_TRACE(burst);
+      const DecodedFrame frame(EncodeFrame(model.TakeBurst(2.0 * burst)), load.nominalVoltage);
+      ASSERT_TRUE(frame.isWellFormed);
+      EXPECT_NEAR(frame.meter.Watts(), load.watts, load.tolerance * load.watts + roundingWatts);
+      EXPECT_NEAR(frame.meter.Volts(), load.nominalVoltage, 0.02 * load.nominalVoltage);
+    }
+  }
 }
 
-std::vector<Delivery> Take(Simulation& simulation, std::size_t count) {
-  std::vector<Delivery> deliveries;
-  for (; deliveries.size() < count; simulation.Advance()) deliveries.push_back(simulation.Next());
-  return deliveries;
+TEST(MeterModel, PhaseMovesOnFromBurstToBurstAsTheSeedHasIt) {
+  MeterModel meter(MeterSettings{}, 3);
+  MeterModel same(MeterSettings{}, 3);
+  MeterModel other(MeterSettings{}, 4);
+  std::uint16_t lowest = 1023;
+  std::uint16_t highest = 0;
+  for (int second = 0; second < 120; second += 2) {
+    const Burst burst = meter.TakeBurst(second);
+    lowest = std::min(lowest, burst.samples[0].voltage);
+    highest = std::max(highest, burst.samples[0].voltage);
+    EXPECT_EQ(EncodeFrame(burst), EncodeFrame(same.TakeBurst(second)));
+    EXPECT_NE(EncodeFrame(burst), EncodeFrame(other.TakeBurst(second)));
+  }
+  EXPECT_GT(highest - lowest, 400);
+}
+
+std::vector<MeterSettings> Meters(std::initializer_list<std::uint16_t> addresses) {
+  std::vector<MeterSettings> meters;
+  for (const std::uint16_t address : addresses) {
+    meters.emplace_back().address = address;
+    meters.back().watts = 100;
+  }
+  return meters;
 }
 
 TEST(Schedule, HasEveryMeterOnceAPeriodInTurn) {
@@ -40,49 +102,59 @@ TEST(Schedule, HasEveryMeterOnceAPeriodInTurn) {
   }
 }
 
-TEST(Simulation, RestartBeginsARoundWithTheFirstMeter) {
-  Simulation simulation(ThreeMeters(), LineSettings{0, 0, 0, 10}, 2.0, 1);
-  Take(simulation, 7);
-  simulation.Restart(10300);
-  EXPECT_EQ(simulation.Next().milliseconds, 10300);
+// One byte each 2 ms makes a frame last 176 ms, longer than the 100 ms between two bursts.
+TEST(Simulation, PiecesOfFramesNeverMixOnABusyLineAndARestartBeginsARound) {
+  Simulation simulation(Meters({5, 6, 7}), LineSettings{0, 0, 0, 1}, 0.3, 1);
   Bytes bytes;
-  for (; bytes.size() < 88; simulation.Advance())
-    bytes.insert(bytes.end(), simulation.Next().bytes.begin(), simulation.Next().bytes.end());
+  std::int64_t last = -1;
+  for (int piece = 0; piece < 88 * 7 + 10; ++piece, simulation.Advance()) {
+    EXPECT_GT(simulation.Next().milliseconds, last);
+    last = simulation.Next().milliseconds;
+    bytes.push_back(simulation.Next().bytes.at(0));
+    if (bytes.size() < 88) continue;
+    EXPECT_EQ(DecodedFrame(bytes).address, 5 + piece / 88 % 3);
+    bytes.clear();
+  }
+  simulation.Restart(700);
+  EXPECT_EQ(simulation.Next().milliseconds, 700);
+  for (bytes.clear(); bytes.size() < 88; simulation.Advance()) {
+    bytes.push_back(simulation.Next().bytes.at(0));
+  }
   EXPECT_EQ(DecodedFrame(bytes).address, 5);
-  EXPECT_EQ(simulation.Next().milliseconds, 10550);
-  // Seven frames of 176 ms each keep this line busy until 1232 ms.
-  Simulation busy(ThreeMeters(), LineSettings{0, 0, 0, 1}, 0.3, 1);
-  Take(busy, std::size_t{7} * 88);
-  busy.Restart(700);
-  EXPECT_EQ(busy.Next().milliseconds, 700);
 }
 
 TEST(Simulation, UnknownAddressIsNoMetersEvenIfItsFirstChoiceIsTaken) {
-  std::vector<MeterSettings> meters = ThreeMeters();
-  meters[0].address = 0x7FFF;
-  meters[1].address = 0x7FFE;
+  const std::vector<MeterSettings> meters = Meters({0x7FFF, 0x7FFE, 7});
   Simulation simulation(meters, LineSettings{0, 0, 1, 0}, 2.0, 1);
-  const std::vector<Delivery> deliveries = Take(simulation, 12);
-  for (std::size_t i = 0; i < deliveries.size(); i += 2) {
-    EXPECT_EQ(DecodedFrame(deliveries[i].bytes).address, 0x7FFD);
-    EXPECT_EQ(DecodedFrame(deliveries[i + 1].bytes).address, meters[i / 2 % 3].address);
-    EXPECT_GT(deliveries[i + 1].milliseconds, deliveries[i].milliseconds);
+  std::int64_t before = -1;
+  for (std::size_t i = 0; i < 12; ++i, simulation.Advance()) {
+    EXPECT_EQ(DecodedFrame(simulation.Next().bytes).address,
+              i % 2 == 0 ? 0x7FFD : meters[i / 2 % 3].address);
+    EXPECT_GT(simulation.Next().milliseconds, before);
+    before = simulation.Next().milliseconds;
   }
 }
 
-TEST(Simulation, PiecesOfFramesNeverMixOnABusyLine) {
-  // One byte each 2 ms makes a frame last 176 ms, longer than the 100 ms between two bursts.
-  Simulation simulation(ThreeMeters(), LineSettings{0, 0, 0, 1}, 0.3, 1);
-  Bytes bytes;
-  std::int64_t last = -1;
-  for (const Delivery& delivery : Take(simulation, std::size_t{88} * 9)) {
-    EXPECT_GT(delivery.milliseconds, last);
-    last = delivery.milliseconds;
-    bytes.push_back(delivery.bytes.at(0));
-    if (bytes.size() < 88) continue;
-    EXPECT_TRUE(DecodedFrame(bytes).isWellFormed);
-    bytes.clear();
+TEST(SimulationCapture, HasEachSecondsBurstsThenItsTick) {
+  Simulation simulation(Meters({5, 6}), {}, 2.0, 4);
+  std::stringstream text;
+  EXPECT_TRUE(WriteCapture(simulation, At("2026-12-31T23:59:58"), 3, text));
+  std::istringstream copy(text.str());
+  for (const std::string start :
+       {"2026-12-31T23:59:58 0 rx 7E0054830005", "2026-12-31T23:59:58.250 250 rx 7E0054830006",
+        "2026-12-31T23:59:59 1000 tick", "2027-01-01T00:00:00 2000 tick",
+        "2027-01-01T00:00:00 2000 rx 7E0054830005", "2027-01-01T00:00:00.250 2250 rx 7E0054830006",
+        "2027-01-01T00:00:01 3000 tick"}) {
+    std::string line;
+    ASSERT_TRUE(std::getline(text, line));
+    EXPECT_EQ(line.substr(0, start.size()), start);
   }
+  EXPECT_EQ(text.peek(), std::char_traits<char>::eof());
+  Capture capture;
+  EXPECT_EQ(ReadCapture(copy, "capture", capture), "");
+  EXPECT_EQ(capture.events.size(), 7U);
+  text.setstate(std::ios::badbit);
+  EXPECT_FALSE(WriteCapture(simulation, At("2026-01-01T00:00:00"), 5, text)) << "a failing stream";
 }
 
 }  // namespace
