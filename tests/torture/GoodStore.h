@@ -70,7 +70,6 @@ class GoodStore {
   }
 
   const std::string& Bytes() const { return bytes_; }
-  std::size_t ValueCount() const { return valueCount_; }
 
   /// Holds what was read from the damaged store against this one.
   Loss Compare(const Damage& damage, bool isSetAside, Registry& registry) const {
@@ -206,7 +205,6 @@ class GoodStore {
           .values.push_back({row.Text(2), text,
                              Find(Number(row.Integer(0)) + row.Text(1) + row.Text(2) +
                                   Number(row.Integer(3)) + text)});
-      ++valueCount_;
     }
   }
   /// A small whole number as a record's body holds it: 0 and 1 are kept in the record's head.
@@ -228,7 +226,6 @@ class GoodStore {
   std::string profile_;
   std::string bytes_;
   std::map<std::string, Key> keys_;
-  std::size_t valueCount_ = 0;
   std::map<std::string, std::string> newer_;  ///< values in the log, by the meter's path
   std::set<std::size_t> logPages_;
 };

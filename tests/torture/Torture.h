@@ -1,12 +1,16 @@
 #pragma once
 
+#include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <concepts>
 #include <cstdint>
 #include <cstdlib>
 #include <exception>
 #include <functional>
+#include <iomanip>
 #include <iostream>
+#include <map>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -30,6 +34,7 @@ class Torture {
   /// Counts a fault unless `holds`; `fault` is its text, or makes it.
   template <typename Fault>
   void Expect(bool holds, const Fault& fault) {
+    ++checks_;
     if (holds) return;
     if constexpr (std::invocable<Fault>) {
       Find(fault());
@@ -55,14 +60,28 @@ class Torture {
     for (std::thread& thread : threads) thread.join();
   }
 
-  /// A figure for the report.
-  template <typename Value>
-  static void Tell(const std::string& what, const Value& value) {
-    std::cout << what << ": " << value << std::endl;
+  /// Figures for the report: a sum, or the largest of all.
+  template <typename Number>
+  void Count(const std::string& what, Number amount) {
+    const std::lock_guard lock(mutex_);
+    figures_[what] += static_cast<double>(amount);
+  }
+  void Count(const std::string& what) { Count(what, 1); }
+  void Largest(const std::string& what, double value) {
+    const std::lock_guard lock(mutex_);
+    figures_[what] = std::max(figures_[what], value);
+  }
+  void Report(double seconds) const {
+    std::cout << std::setprecision(12);
+    for (const auto& [what, figure] : figures_) std::cout << what << ": " << figure << '\n';
+    std::cout << "checks: " << checks_ << "\nfaults: " << faults_ << "\nseconds: " << seconds
+              << std::endl;
   }
 
  private:
   std::mutex mutex_;
+  std::map<std::string, double> figures_;
+  std::atomic<std::uint64_t> checks_ = 0;
   int faults_ = 0;
 };
 
@@ -91,8 +110,7 @@ inline int RunTorture(int argc, char** argv, void (*run)(Torture&)) {
     return 2;
   }
   const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
-  Torture::Tell("faults", torture.Faults());
-  Torture::Tell("seconds", took.count());
+  torture.Report(took.count());
   return (torture.Faults() > 0) == torture.isBroken ? 0 : 1;
 }
 

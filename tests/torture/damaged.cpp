@@ -18,18 +18,7 @@ namespace fs = std::filesystem;
 /// A bed that damaged files are laid into, one after the other.
 class Bed {
  public:
-  explicit Bed(Torture& torture) : torture_(torture) {
-    Torture::Tell("bytes of the store", good_.Bytes().size());
-    Torture::Tell("values of its meters", good_.ValueCount());
-  }
-  ~Bed() {
-    Torture::Tell("damaged stores", cases_);
-    Torture::Tell("of these set aside", setAside_);
-    Torture::Tell("values lost with a damaged place", lostValues_);
-    Torture::Tell("values changed by an undetectable byte", changedValues_);
-  }
-  Bed(const Bed&) = delete;
-  Bed& operator=(const Bed&) = delete;
+  explicit Bed(Torture& torture) : torture_(torture) {}
 
   const std::string& Good() const { return good_.Bytes(); }
 
@@ -37,7 +26,7 @@ class Bed {
   void Try(const std::string& what, const std::string& bad, bool withProgram) {
     const GoodStore::Damage damage(good_.Bytes(), bad);
     Lay(bad);
-    ++cases_;
+    torture_.Count("damaged stores");
     {
       const StoreOpening opening = torture_.isBroken ? OpenUnchecked() : OpenStore(profile_, 0);
       if (opening.registry == nullptr || !opening.savesChanges) {
@@ -45,11 +34,11 @@ class Bed {
         return;
       }
       const bool isSetAside = !opening.message.empty();
-      setAside_ += isSetAside ? 1 : 0;
+      torture_.Count("of these set aside", isSetAside);
       ExpectKept(what, bad, isSetAside);
       const GoodStore::Loss loss = good_.Compare(damage, isSetAside, *opening.registry);
-      lostValues_ += loss.missing;
-      changedValues_ += loss.changed;
+      torture_.Count("values lost with a damaged place", loss.missing);
+      torture_.Count("values changed by an undetectable byte", loss.changed);
       for (const std::string& problem : loss.problems) torture_.Find(what + ": " + problem);
     }
     if (withProgram && !torture_.isBroken) {
@@ -110,10 +99,6 @@ class Bed {
   TemporaryFolder folder_;
   std::string profile_ = folder_.File("profile");
   GoodStore good_{profile_};
-  std::size_t cases_ = 0;
-  std::size_t setAside_ = 0;
-  std::size_t lostValues_ = 0;
-  std::size_t changedValues_ = 0;
 };
 
 void Run(Torture& torture) {

@@ -84,15 +84,14 @@ class DiskTorture {
     disk_.isRecording = false;
     torture_.Expect(minute.answers.empty() && minute.errors.empty(),
                     "an undisturbed minute speaks");
-    Torture::Tell("actions", states_.size());
-    Torture::Tell("operations of the disk", disk_.log.size());
+    torture_.Count("actions", states_.size());
+    torture_.Count("operations of the disk", disk_.log.size());
   }
 
   void CutPowerEverywhere() {
     using Fate = CutPower::Fate;
     CutPower power;
     std::size_t action = 0;
-    std::size_t cuts = 0;
     const std::size_t step = torture_.isLong ? 1 : 29;
     const int repeats = torture_.isLong ? 4 : 1;
     for (std::size_t at = 0; at <= disk_.log.size(); ++at) {
@@ -109,14 +108,14 @@ class DiskTorture {
                                                Way{", everything", Fate::EverythingUnsynced, 1},
                                                Way{", some sectors", Fate::SomeSectors, repeats},
                                                Way{", torn", Fate::LastWriteTorn, repeats}}) {
-          for (int i = 0; i < times; ++i, ++cuts) {
+          for (int i = 0; i < times; ++i) {
+            torture_.Count("power cuts");
             ExpectAfter(where + way, power.After(fate, random_), allowed);
           }
         }
       }
       if (at < disk_.log.size()) power.Apply(disk_.log[at]);
     }
-    Torture::Tell("power cuts", cuts);
   }
 
   void FailEverywhere() {
@@ -134,10 +133,7 @@ class DiskTorture {
         }
       }
     }
-    Torture::Tell("minutes with a failing disk", runs);
-    Torture::Tell("of these with a message", told_);
-    Torture::Tell("longest time without a save after a single failure, s", longestWait_);
-    torture_.Expect(longestWait_ <= kLongestWait, "a save that failed is tried again too late");
+    torture_.Count("minutes with a failing disk", runs);
   }
 
   /// What cannot be set aside stays where it is, together with its journal.
@@ -198,7 +194,11 @@ class DiskTorture {
       torture_.Expect(MeterValues(found) % MeterValues(states_.front()) == 0,
                       what + ": half a meter is stored");
       waited = found == last ? waited + 1 : 0;
-      if (count == 1) longestWait_ = std::max(longestWait_, waited);
+      if (count == 1) {
+        torture_.Largest("longest time without a save after a single failure, s",
+                         static_cast<double>(waited));
+        torture_.Expect(waited <= kLongestWait, what + ": a save is tried again too late");
+      }
       last = found;
     });
     disk_.FailFrom(first, count, fault);
@@ -209,7 +209,7 @@ class DiskTorture {
     }
     disk_.Mend();
     torture_.Expect(last == states_.back(), what + ": saving does not resume");
-    told_ += minute.answers.empty() && minute.errors.empty() ? 0 : 1;
+    torture_.Count("of these with a message", !minute.answers.empty() || !minute.errors.empty());
     // Whoever tries again while the disk still fails is told again; within a run it is told once.
     torture_.Expect(
         minute.errors.size() <= 1 &&
@@ -226,8 +226,6 @@ class DiskTorture {
   std::vector<std::string> states_;
   std::vector<std::size_t> ends_;
   std::size_t operations_ = 0;
-  std::size_t told_ = 0;
-  std::size_t longestWait_ = 0;
 };
 
 void Run(Torture& torture) {

@@ -2,7 +2,6 @@
 // seconds, and the commands that add and remove meters. After each kill the store must open, hold
 // every meter, and no total may be less than what was read from the store before.
 #include <algorithm>
-#include <atomic>
 #include <filesystem>
 #include <map>
 #include <random>
@@ -21,18 +20,10 @@ using Clock = std::chrono::steady_clock;
 using std::chrono::microseconds;
 using std::chrono::milliseconds;
 
-struct Counts {
-  std::atomic<int> runs{0};
-  std::atomic<int> commands{0};
-  std::atomic<int> insideSaves{0};
-  std::atomic<int> withCheckpoint{0};
-};
-
 /// One profile that is killed over and over, in a thread of its own.
 class Victim {
  public:
-  Victim(Torture& torture, Counts& counts, std::uint64_t seed)
-      : torture_(torture), counts_(counts), random_(seed) {
+  Victim(Torture& torture, std::uint64_t seed) : torture_(torture), random_(seed) {
     WaitUntil([this] { return fs::exists(device_); });
     for (const auto& [name, address] : {std::pair("Kitchen", "5"), std::pair("Office", "6")}) {
       RunningProgram add(Program({"meter", "add", "--name", name, "--address", address}));
@@ -63,10 +54,8 @@ class Victim {
       std::this_thread::sleep_for(isSaving || insideSave ? microseconds(100) : microseconds(1000));
     }
     if (!program.IsRunning()) torture_.Find("the program ended by itself: " + program.Messages());
-    if (IsSaving()) ++counts_.insideSaves;
-    program.End(SIGKILL);
-    ++counts_.runs;
-    if (seen > 0) ++counts_.withCheckpoint;
+    Kill(program, "kills of the running program");
+    if (seen > 0) torture_.Count("of these with a checkpoint to compare with");
     if (program.Messages().find("damaged") != std::string::npos) torture_.Find(program.Messages());
     ExpectStore("a kill of the program");
   }
@@ -86,14 +75,17 @@ class Victim {
       }
       std::this_thread::sleep_for(microseconds(50));
     }
-    if (IsSaving()) ++counts_.insideSaves;
     const bool isDone = !command.IsRunning();
-    if (command.End(SIGKILL) == 0 && isDone) extra_ = adds;
-    ++counts_.commands;
+    if (Kill(command, "kills of meter add and meter remove") == 0 && isDone) extra_ = adds;
     ExpectStore("a kill of meter " + arguments[1]);
   }
 
  private:
+  int Kill(RunningProgram& program, const char* what) {
+    if (IsSaving()) torture_.Count("kills inside a save");
+    torture_.Count(what);
+    return program.End(SIGKILL);
+  }
   milliseconds Below(int limit) {
     return milliseconds(static_cast<int>(random_() % static_cast<unsigned>(limit)));
   }
@@ -135,7 +127,6 @@ class Victim {
   }
 
   Torture& torture_;
-  Counts& counts_;
   std::mt19937_64 random_;
   TemporaryFolder folder_;
   std::string profile_ = folder_.File("profile");
@@ -149,9 +140,8 @@ class Victim {
 void Run(Torture& torture) {
   const int victims = torture.isLong ? 12 : 4;
   const int kills = torture.isLong ? 2004 : 24;
-  Counts counts;
   torture.InThreads(victims, [&](int number) {
-    Victim victim(torture, counts, torture.seed * 1000 + static_cast<unsigned>(number));
+    Victim victim(torture, torture.seed * 1000 + static_cast<unsigned>(number));
     // A save takes some milliseconds: few kills may hit none of a careless program's.
     const auto goesOn = [&](int i) {
       return i < kills / victims ||
@@ -165,10 +155,6 @@ void Run(Torture& torture) {
       }
     }
   });
-  Torture::Tell("kills of the running program", counts.runs);
-  Torture::Tell("of these with a checkpoint to compare with", counts.withCheckpoint);
-  Torture::Tell("kills of meter add and meter remove", counts.commands);
-  Torture::Tell("of all these inside a save", counts.insideSaves);
 }
 
 }  // namespace

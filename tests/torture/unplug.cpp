@@ -8,7 +8,6 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <random>
 
@@ -48,21 +47,10 @@ struct Usage {
   }
 };
 
-struct Figures {
-  std::mutex mutex;
-  int losses = 0;
-  double slowest = 0;  ///< s from the return to the first reading
-  double total = 0;
-  double processorShare = 0;  ///< of one processor, the highest of a run
-  long growth = 0;            ///< kB of memory, the most of a run
-  long descriptorGrowth = 0;
-};
-
 /// A program whose device comes and goes, in a thread of its own.
 class Bench {
  public:
-  Bench(Torture& torture, Figures& figures, std::uint64_t seed)
-      : torture_(torture), figures_(figures), random_(seed) {
+  Bench(Torture& torture, std::uint64_t seed) : torture_(torture), random_(seed) {
     PlugIn();
     RunningProgram add(Command({"meter", "add", "--name", "Kitchen", "--address", "5"}));
     if (add.Wait() != 0) throw std::runtime_error("no meter: " + add.Messages());
@@ -87,12 +75,16 @@ class Bench {
     }
     const std::chrono::duration<double> took = Clock::now() - start;
     const Usage after(program.Process());
-    const std::lock_guard lock(figures_.mutex);
-    figures_.growth = std::max(figures_.growth, after.kilobytes - before->kilobytes);
-    figures_.descriptorGrowth =
-        std::max(figures_.descriptorGrowth, after.descriptors - before->descriptors);
-    figures_.processorShare =
-        std::max(figures_.processorShare, (after.processorSeconds - processor) / took.count());
+    const auto expectBelow = [this](const char* what, double value, double limit) {
+      torture_.Largest(what, value);
+      torture_.Expect(value < limit, std::string(what) + ": " + std::to_string(value));
+    };
+    expectBelow("share of a processor", (after.processorSeconds - processor) / took.count(), 0.1);
+    const auto growth = static_cast<double>(after.kilobytes - before->kilobytes);
+    expectBelow("growth of memory, kB", growth, torture_.isLong ? 1024 : 1e9);
+    // One device may be open at one time and not at the other.
+    expectBelow("growth of open files",
+                static_cast<double>(after.descriptors - before->descriptors), 3);
   }
 
  private:
@@ -144,10 +136,9 @@ class Bench {
       std::this_thread::sleep_for(milliseconds(20));
       took = Clock::now() - start;
     }
-    const std::lock_guard lock(figures_.mutex);
-    ++figures_.losses;
-    figures_.total += took.count();
-    figures_.slowest = std::max(figures_.slowest, took.count());
+    torture_.Count("losses and returns");
+    torture_.Count("seconds to the first readings after them", took.count());
+    torture_.Largest("slowest of these", took.count());
     torture_.Expect(took <= kLimit, std::string(what) + ": the first reading comes after " +
                                         std::to_string(took.count()) + " s");
   }
@@ -178,7 +169,6 @@ class Bench {
   }
 
   Torture& torture_;
-  Figures& figures_;
   std::mt19937_64 random_;
   TemporaryFolder folder_;
   std::string profile_ = folder_.File("profile");
@@ -190,24 +180,11 @@ class Bench {
 };
 
 void Run(Torture& torture) {
-  constexpr long kGrowth = 1024;
   const int benches = torture.isLong ? 6 : 3;
   const int cycles = torture.isLong ? 1002 : torture.isBroken ? 3 : 9;
-  Figures figures;
   torture.InThreads(benches, [&](int number) {
-    Bench bench(torture, figures, torture.seed * 1000 + static_cast<unsigned>(number));
-    bench.Run(cycles / benches);
+    Bench(torture, torture.seed * 1000 + static_cast<unsigned>(number)).Run(cycles / benches);
   });
-  Torture::Tell("losses and returns", figures.losses);
-  Torture::Tell("slowest first reading after the return, s", figures.slowest);
-  Torture::Tell("mean of these, s", figures.total / std::max(1, figures.losses));
-  Torture::Tell("share of a processor", figures.processorShare);
-  Torture::Tell("growth of memory, kB", figures.growth);
-  Torture::Tell("growth of open files", figures.descriptorGrowth);
-  torture.Expect(figures.processorShare < 0.1, "it spins");
-  torture.Expect(!torture.isLong || figures.growth < kGrowth, "its memory grows");
-  // One device may be open at one time and not at the other.
-  torture.Expect(figures.descriptorGrowth <= 2, "its open files grow");
 }
 
 }  // namespace

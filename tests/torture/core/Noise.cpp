@@ -5,8 +5,8 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <map>
 #include <optional>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -20,13 +20,11 @@ namespace wattlark {
 namespace {
 
 constexpr std::size_t kSamples = 19;
-using Counts = std::array<std::uint16_t, kSamples>;
 
-/// What one frame says: the readings of lines A0 and A4.
+/// What one frame says: the readings of lines A0 and A4, sample by sample.
 struct Message {
   std::uint16_t address = 0;
-  Counts voltage{};
-  Counts current{};
+  std::array<std::uint16_t, 2 * kSamples> words{};
 
   bool operator==(const Message&) const = default;
 };
@@ -38,17 +36,12 @@ struct SentFrame {
   bool isIntact = true;   ///< every byte of it arrived, in a row
 };
 
-/// A checksum that a decoder without a check would have taken as right.
-struct Bypass {
-  std::size_t at = 0;
-  std::uint8_t checksum = 0;
-};
-
 /// Frames of some meters on a disturbed line, and what became of each.
 struct NoisyStream {
-  std::vector<std::uint8_t> bytes;
+  Bytes bytes;
   std::vector<SentFrame> frames;
-  std::vector<Bypass> bypasses;  ///< of frames that kept their length
+  /// Of frames that kept their length: the checksum that a decoder without a check would take.
+  std::map<std::size_t, std::uint8_t> rightSums;
 };
 
 constexpr std::uint16_t kMeters = 20;
@@ -67,13 +60,13 @@ NoisyStream MakeNoisyStream(std::size_t count, double rate, Random& random) {
   for (std::size_t number = 0; number < count; ++number) {
     Message message{static_cast<std::uint16_t>(1 + number % kMeters)};
     for (std::size_t s = 0; s < kSamples; ++s) {
-      message.voltage[s] = static_cast<std::uint16_t>(300 + random.Below(400));
-      message.current[s] = static_cast<std::uint16_t>(random.Below(1024));
+      message.words[2 * s] = static_cast<std::uint16_t>(300 + random.Below(400));
+      message.words[2 * s + 1] = static_cast<std::uint16_t>(random.Below(1024));
     }
-    message.current[0] = static_cast<std::uint16_t>(number & 0x3FF);
-    message.current[1] = static_cast<std::uint16_t>(number >> 10 & 0x3FF);
-    Bytes frame = MeterFrame(message.address, {message.voltage.begin(), message.voltage.end()},
-                             {message.current.begin(), message.current.end()});
+    message.words[1] = static_cast<std::uint16_t>(number & 0x3FF);
+    message.words[3] = static_cast<std::uint16_t>(number >> 10 & 0x3FF);
+    Bytes frame =
+        SampleFrame(message.address, kSamples, {message.words.begin(), message.words.end()});
     const Bytes sent = frame;
     const auto somewhere = [&] {
       return static_cast<std::ptrdiff_t>(random.Below(static_cast<std::uint32_t>(frame.size())));
@@ -116,14 +109,11 @@ NoisyStream MakeNoisyStream(std::size_t count, double rate, Random& random) {
       }
     }
     stream.frames.push_back({message, stream.bytes.size(), frame == sent});
-    if (frame != sent && frame.size() == sent.size() &&
-        std::equal(frame.begin(), frame.begin() + 3, sent.begin())) {
-      unsigned sum = 0;
-      for (std::size_t i = 3; i + 1 < frame.size(); ++i) sum += frame[i];
-      stream.bypasses.push_back(
-          {stream.bytes.size() + frame.size() - 1, static_cast<std::uint8_t>(0xFF - (sum & 0xFF))});
-    }
     stream.bytes.insert(stream.bytes.end(), frame.begin(), frame.end());
+    if (frame.size() == sent.size() && std::equal(sent.begin(), sent.begin() + 3, frame.begin())) {
+      stream.rightSums[stream.bytes.size() - 1] =
+          WrapFrame({frame.begin() + 3, frame.end() - 1}).back();
+    }
   }
   return stream;
 }
@@ -131,34 +121,25 @@ NoisyStream MakeNoisyStream(std::size_t count, double rate, Random& random) {
 constexpr std::size_t kPrefix = 3;
 constexpr std::size_t kFrameSize = kPrefix + 8 + 4 * kSamples + 1;
 
-unsigned Word(std::span<const std::uint8_t> bytes, std::size_t at) {
+unsigned Word(const Bytes& bytes, std::size_t at) {
   return bytes[at] * 256U + bytes[at + 1];
-}
-
-/// Where a frame would end that begins at `start`; nothing when the stream ends before.
-std::optional<std::size_t> EndOfFrame(std::span<const std::uint8_t> stream, std::size_t start) {
-  if (stream[start] != 0x7E || start + kPrefix > stream.size()) return std::nullopt;
-  const std::size_t end = start + kPrefix + Word(stream, start + 1) + 1;
-  return end <= stream.size() ? std::optional(end) : std::nullopt;
 }
 
 /// What a frame that begins at `start` says, with a right checksum and from a meter. One of another
 /// number of samples or other lines leaves its samples 0.
-std::optional<Message> ReadMessage(std::span<const std::uint8_t> stream, std::size_t start) {
-  const auto end = EndOfFrame(stream, start);
-  if (!end || *end - start < kPrefix + 8 + 1) return std::nullopt;
-  unsigned sum = 0;
-  for (const std::uint8_t byte : stream.subspan(start + kPrefix, *end - start - kPrefix)) {
-    sum += byte;
-  }
-  const auto data = stream.subspan(start + kPrefix, *end - start - kPrefix - 1);
+std::optional<Message> ReadMessage(const Bytes& stream, std::size_t start) {
+  if (start + kPrefix > stream.size()) return std::nullopt;
+  const std::size_t length = Word(stream, start + 1);
+  if (length < 8 || start + kPrefix + length + 1 > stream.size()) return std::nullopt;
+  const auto first = stream.begin() + static_cast<std::ptrdiff_t>(start + kPrefix);
+  const Bytes data(first, first + static_cast<std::ptrdiff_t>(length));
   Message message{static_cast<std::uint16_t>(Word(data, 1))};
   const bool isOfMeter = message.address >= 1 && message.address <= kMeters;
-  if ((sum & 0xFF) != 0xFF || data[0] != 0x83 || !isOfMeter) return std::nullopt;
-  if (data[5] != kSamples || Word(data, 6) != 0x2200 || *end - start < kFrameSize) return message;
-  for (std::size_t s = 0; s < kSamples; ++s) {
-    message.voltage[s] = static_cast<std::uint16_t>(Word(data, 8 + 4 * s));
-    message.current[s] = static_cast<std::uint16_t>(Word(data, 10 + 4 * s));
+  const std::uint8_t sum = stream[start + kPrefix + length];
+  if (data[0] != 0x83 || !isOfMeter || WrapFrame(data).back() != sum) return std::nullopt;
+  if (data[5] != kSamples || Word(data, 6) != 0x2200 || length < 8 + 4 * kSamples) return message;
+  for (std::size_t i = 0; i < message.words.size(); ++i) {
+    message.words[i] = static_cast<std::uint16_t>(Word(data, 8 + 2 * i));
   }
   return message;
 }
@@ -172,9 +153,9 @@ class Deliveries : public MonitorListener {
     Message message{static_cast<std::uint16_t>(meter.XBeeAddress())};
     const bool isWhole = meter.GetSamples(volts_, amps_) && volts_.size() == kSamples;
     for (std::size_t s = 0; isWhole && s < kSamples; ++s) {
-      message.voltage[s] =
+      message.words[2 * s] =
           static_cast<std::uint16_t>(std::lround(volts_[s] * 200 / 120) + meter.VoltageOffset());
-      message.current[s] = static_cast<std::uint16_t>(std::lround(amps_[s] * 15.5) + 498);
+      message.words[2 * s + 1] = static_cast<std::uint16_t>(std::lround(amps_[s] * 15.5) + 498);
     }
     messages.push_back(message);
   }
@@ -223,9 +204,9 @@ Figures Read(const NoisyStream& stream, Random& random, Torture& torture) {
   HandClock clock;
   CoreRun run(registry, clock, 1 << 30, deliveries);
   run.AddMeters(kMeters);
-  std::vector<std::uint8_t> fed = stream.bytes;
+  Bytes fed = stream.bytes;
   if (torture.isBroken) {
-    for (const Bypass& bypass : stream.bypasses) fed[bypass.at] = bypass.checksum;
+    for (const auto& [at, sum] : stream.rightSums) fed[at] = sum;
   }
   // Reads shorter than a frame, so that none hides another.
   for (std::size_t at = 0; at < fed.size();) {
@@ -247,7 +228,7 @@ Figures Read(const NoisyStream& stream, Random& random, Torture& torture) {
 
   std::vector<bool> arrived(stream.frames.size());
   for (const Message& message : deliveries.messages) {
-    const std::size_t number = message.current[0] + message.current[1] * std::size_t{1024};
+    const std::size_t number = message.words[1] + message.words[3] * std::size_t{1024};
     const bool isSent = number < stream.frames.size() && stream.frames[number].isIntact &&
                         stream.frames[number].message == message;
     if (isSent) {
@@ -255,18 +236,18 @@ Figures Read(const NoisyStream& stream, Random& random, Torture& torture) {
                      [&] { return "frame " + std::to_string(number) + " came twice"; });
       arrived[number] = true;
       ++figures.atOnce;
-    } else {
-      // Each stands for one reading.
-      auto fit = std::ranges::find(chanceFits, message);
-      if (fit == chanceFits.end()) fit = std::ranges::find(chanceFits, Message{message.address});
-      if (fit == chanceFits.end()) {
-        torture.Find("a reading that no right checksum stands for reached meter " +
-                     std::to_string(message.address));
-        continue;
-      }
-      chanceFits.erase(fit);
-      ++figures.byChance;
+      continue;
     }
+    // Each stands for one reading.
+    auto fit = std::ranges::find(chanceFits, message);
+    if (fit == chanceFits.end()) fit = std::ranges::find(chanceFits, Message{message.address});
+    if (fit == chanceFits.end()) {
+      torture.Find("a reading that no right checksum stands for reached meter " +
+                   std::to_string(message.address));
+      continue;
+    }
+    chanceFits.erase(fit);
+    ++figures.byChance;
   }
 
   const std::vector<bool> claimed = ClaimedByFalseStarts(stream, arrived);

@@ -128,7 +128,7 @@ class SimulatedYear : public MonitorListener {
     }
     torture_.Expect(readings_ == sent_, "a frame did not become a reading");
     torture_.Expect(run_.Program().Errors().IsEmpty(), "an error was reported");
-    Torture::Tell("frames", sent_);
+    torture_.Count("frames", sent_);
   }
 
   void OnReading(const clsKillAWatt&, DateTime) override { ++readings_; }
