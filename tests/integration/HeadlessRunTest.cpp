@@ -1,18 +1,21 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 
 #include "integration/HeadlessRun.h"
 #include "platform/FileSizeLimit.h"
+#include "platform/NotifySocket.h"
 
 namespace wattlark {
 namespace {
 
 using testing::AllOf;
+using testing::Contains;
 using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
+using testing::StartsWith;
 
 constexpr const char* kKitchenLine =
     "[0-9-]+T[0-9:]+ Kitchen [0-9.-]+ W [0-9.]+ V [0-9.-]+ A today [0-9.]+ kWh\n";
@@ -143,6 +146,115 @@ TEST_F(HeadlessRun, TellsOfANewerVersion) {
   EXPECT_EQ(program.End(SIGTERM), 0);
   EXPECT_EQ(program.Messages(),
             "A new version of Wattlark is available! 9.0: http://maker.example/setup\n");
+}
+
+struct DiscoverCommand : HeadlessRun {
+  std::vector<std::string> Discover() const {
+    return Command({"meter", "discover", "--device", device, "--seconds", "1"});
+  }
+};
+
+TEST_F(DiscoverCommand, TellsWhoSendsAndWhatToType) {
+  AddKitchen();
+  Simulate({"Kitchen:5:620", "Office:6:80"});
+  RunningProgram discover(Discover());
+  EXPECT_EQ(discover.Wait(), 0) << discover.Messages();
+  EXPECT_THAT(
+      discover.Output(),
+      AllOf(ContainsRegex("\n +5 +[1-9][0-9]* +Kitchen\n +6 +[1-9][0-9]* +none yet\n"),
+            HasSubstr("\nwattlark-headless meter add --name 'Meter 6' --address 6 --profile " +
+                      profile + "\n"),
+            HasSubstr("\nwattlark-headless setting set PortDevices/COM3 " + device + " ")));
+  const auto json = Run({"meter", "discover", "--device", device, "--seconds", "1", "--json"});
+  const auto meters = nlohmann::json::parse(json).at("Meters");
+  EXPECT_EQ(meters.at(0).at("Name"), "Kitchen");
+  EXPECT_TRUE(meters.at(1).at("Name").is_null());
+  EXPECT_GT(meters[1].at("Frames").get<int>(), 0);
+}
+
+TEST_F(DiscoverCommand, SaysWhatToLookAtWhenNoMeterIsHeard) {
+  RunningProgram silent(Discover());
+  EXPECT_EQ(silent.Wait(), 1);
+  EXPECT_THAT(silent.Messages(), HasSubstr("Nothing arrived on " + device));
+  EXPECT_EQ(silent.Output(), "");
+  receiver->Write(Bytes(200, 0x55));
+  RunningProgram garbled(Discover());
+  ASSERT_TRUE(WaitUntil([&] { return garbled.Messages().find("Listening") != std::string::npos; }));
+  receiver->Write(Bytes(200, 0x55));
+  EXPECT_EQ(garbled.Wait(), 1);
+  EXPECT_THAT(garbled.Messages(), HasSubstr("but no whole frame"));
+  Unplug();
+  RunningProgram missing(Discover());
+  EXPECT_EQ(missing.Wait(), 1);
+  EXPECT_THAT(missing.Messages(), HasSubstr("No such device: " + device));
+  EXPECT_FALSE(std::filesystem::exists(profile));
+}
+
+TEST_F(DiscoverCommand, LeavesTheDeviceToARunningProgram) {
+  AddKitchen();
+  Simulate({"Kitchen:5:620", "Office:6:80"});
+  RunningProgram program(RunCommand());
+  ASSERT_TRUE(WaitUntil([&] { return !program.Output().empty(); })) << program.Messages();
+  RunningProgram taken(Discover());
+  EXPECT_EQ(taken.Wait(), 1);
+  EXPECT_THAT(taken.Messages(), HasSubstr("In use: another program has " + device + " open"));
+  RunningProgram own(Command({"meter", "discover"}));
+  EXPECT_EQ(own.Wait(), 1);
+  EXPECT_THAT(own.Messages(), HasSubstr("Wattlark is running with the profile"));
+  EXPECT_TRUE(program.IsRunning());
+  EXPECT_EQ(program.End(SIGTERM), 0);
+}
+
+// The program as a service whose manager waits for signs of life.
+struct Service : HeadlessRun {
+  Service() { ::setenv("WATCHDOG_USEC", "2000000", 1); }
+  ~Service() override {
+    ::unsetenv("WATCHDOG_USEC");
+    ::unsetenv("JOURNAL_STREAM");
+  }
+  NotifySocket manager{folder.File("notify")};
+};
+
+TEST_F(Service, TellsThatItIsReadyWhatIsWrongThatItLivesAndThatItStops) {
+  AddKitchen();
+  Unplug();
+  RunningProgram program(RunCommand());
+  ASSERT_TRUE(WaitUntil([&] { return manager.Count("READY=1") == 1; })) << program.Messages();
+  EXPECT_THAT(
+      manager.Messages(),
+      Contains(AllOf(StartsWith("STATUS=Unable to communicate on COM3: "), HasSubstr(device))));
+  PlugIn();
+  ASSERT_TRUE(WaitUntil([&] { return manager.Count("STATUS=0 of 1 meter sends") == 1; }));
+  SendBurst();
+  ASSERT_TRUE(WaitUntil([&] { return manager.Count("STATUS=1 of 1 meter sends") == 1; }));
+  const auto signs = manager.Count("WATCHDOG=1");
+  EXPECT_TRUE(WaitUntil([&] { return manager.Count("WATCHDOG=1") >= signs + 2; }));
+  EXPECT_EQ(manager.Count("STOPPING=1"), 0);
+  EXPECT_EQ(program.End(SIGTERM), 0);
+  EXPECT_EQ(manager.Messages().back(), "STOPPING=1");
+}
+
+TEST_F(Service, RefusedIsNeverReady) {
+  AddKitchen();
+  RunningProgram program(Command({"--record", folder.File("none/capture")}));
+  EXPECT_EQ(program.Wait(), 1);
+  EXPECT_EQ(manager.Count("READY=1"), 0);
+}
+
+TEST_F(Service, LeavesTheTimeOfItsLinesToTheJournal) {
+  AddKitchen();
+  const std::string journal = folder.File("journal");
+  const int output = ::open(journal.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+  struct stat file {};
+  ::fstat(output, &file);
+  ::setenv("JOURNAL_STREAM",
+           (std::to_string(file.st_dev) + ":" + std::to_string(file.st_ino)).c_str(), 1);
+  RunningProgram program(RunCommand(), output);
+  SendBurst();
+  EXPECT_TRUE(WaitUntil([&] { return !FileBytes(journal).empty(); }));
+  EXPECT_EQ(program.End(SIGTERM), 0);
+  EXPECT_THAT(FileBytes(journal), StartsWith("Kitchen "));
+  ::close(output);
 }
 
 }  // namespace

@@ -2,9 +2,9 @@
 
 #include <QDateTime>
 #include <chrono>
-#include <ctime>
 
 #include "integration/HeadlessRun.h"
+#include "platform/ZoneScope.h"
 #include "services/Services.h"
 
 namespace wattlark {
@@ -19,14 +19,7 @@ using testing::StartsWith;
 /// A program over a profile that publishes to the test's own services.
 struct PublishCommand : HeadlessRun {
   // The offset of this zone is not that of the machine that tests, and always the same.
-  PublishCommand() {
-    ::setenv("TZ", "Asia/Kolkata", 1);
-    ::tzset();
-  }
-  ~PublishCommand() override {
-    ::unsetenv("TZ");
-    ::tzset();
-  }
+  ZoneScope zone{"Asia/Kolkata"};
 
   void Set(const std::string& name, const std::string& value) const {
     Run({"setting", "set", name, value});

@@ -5,6 +5,7 @@
 #include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDBusVariant>
+#include <algorithm>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -24,22 +25,19 @@ class ScreenReader {
   std::string Screen() {
     QString lines;
     for (const Node& node : Showing()) {
-      if (!node.name.isEmpty()) lines += node.name + "\n";
-      const QDBusMessage text = Call(node, "org.a11y.atspi.Text", "GetText", {0, kToTheEnd});
-      if (text.type() == QDBusMessage::ReplyMessage) {
-        lines += text.arguments().at(0).toString() + "\n";
+      for (const QString& text :
+           {node.name, Ask(node, "org.a11y.atspi.Text", "GetText", {0, kToTheEnd}).toString()}) {
+        if (!text.isEmpty()) lines += text + "\n";
       }
     }
     return lines.toStdString();
   }
   /// Presses the button, or chooses the item, of this name; false when none is on the screen.
   bool Choose(const std::string& name) {
-    for (const Node& node : Showing()) {
-      if (node.name.toStdString() != name) continue;
-      const QDBusMessage answer = Call(node, "org.a11y.atspi.Action", "DoAction", {0});
-      if (answer.type() == QDBusMessage::ReplyMessage) return true;
-    }
-    return false;
+    return std::ranges::any_of(Showing(), [&](const Node& node) {
+      return node.name.toStdString() == name &&
+             Ask(node, "org.a11y.atspi.Action", "DoAction", {0}).isValid();
+    });
   }
 
  private:
@@ -72,58 +70,43 @@ class ScreenReader {
     return found;
   }
   // A program has no state of its own, and what is below a hidden control is hidden too.
-  void Collect(const Node& node, bool isProgram, std::vector<Node>& found) {
+  void Collect(Node node, bool isProgram, std::vector<Node>& found) {
     if (!isProgram) {
-      if (!IsShowing(node)) return;
-      found.push_back({node.service, node.path, NameOf(node)});
+      const auto states = qdbus_cast<QList<uint>>(Ask(node, kAccessible, "GetState"));
+      if ((states.value(0) >> kShowing & 1U) == 0) return;
+      node.name = Ask(node, "org.freedesktop.DBus.Properties", "Get",
+                      {QString(kAccessible), QString("Name")})
+                      .value<QDBusVariant>()
+                      .variant()
+                      .toString();
+      found.push_back(node);
     }
     for (const Node& child : Children(node)) Collect(child, false, found);
   }
-  QDBusMessage Call(const Node& node, const QString& interface, const QString& method,
-                    const QVariantList& arguments = {}) {
+  // What it answers first; nothing of what does not answer: programs and controls come and go.
+  QVariant Ask(const Node& node, const QString& interface, const QString& method,
+               const QVariantList& arguments = {}) {
     QDBusMessage call = QDBusMessage::createMethodCall(node.service, node.path, interface, method);
     call.setArguments(arguments);
-    return bus_.call(call, QDBus::Block, kMilliseconds);
+    const QDBusMessage answer = bus_.call(call, QDBus::Block, kMilliseconds);
+    return answer.type() == QDBusMessage::ReplyMessage ? answer.arguments().value(0) : QVariant();
   }
-  // Programs and controls come and go meanwhile: what does not answer is not there.
   std::vector<Node> Children(const Node& node) {
     std::vector<Node> children;
-    const QDBusMessage answer = Call(node, kAccessible, "GetChildren");
-    if (answer.type() != QDBusMessage::ReplyMessage) return children;
-    const auto list = answer.arguments().at(0).value<QDBusArgument>();
+    const QVariant answer = Ask(node, kAccessible, "GetChildren");
+    if (!answer.isValid()) return children;
+    const auto list = answer.value<QDBusArgument>();
     list.beginArray();
     while (!list.atEnd()) {
-      Node child;
       QDBusObjectPath path;
+      Node& child = children.emplace_back();
       list.beginStructure();
       list >> child.service >> path;
       list.endStructure();
       child.path = path.path();
-      children.push_back(child);
     }
     list.endArray();
     return children;
-  }
-  QString NameOf(const Node& node) {
-    const QDBusMessage answer = Call(node, "org.freedesktop.DBus.Properties", "Get",
-                                     {QString(kAccessible), QString("Name")});
-    if (answer.type() != QDBusMessage::ReplyMessage) return {};
-    return answer.arguments().at(0).value<QDBusVariant>().variant().toString();
-  }
-  bool IsShowing(const Node& node) {
-    const QDBusMessage answer = Call(node, kAccessible, "GetState");
-    if (answer.type() != QDBusMessage::ReplyMessage) return false;
-    const auto states = answer.arguments().at(0).value<QDBusArgument>();
-    uint word = 0;
-    bool isShowing = false;
-    states.beginArray();
-    for (unsigned base = 0; !states.atEnd(); base += 32) {
-      states >> word;
-      if (base <= kShowing && kShowing < base + 32)
-        isShowing = (word >> (kShowing - base) & 1U) != 0;
-    }
-    states.endArray();
-    return isShowing;
   }
 
   QDBusConnection bus_ = AccessibilityBus();
