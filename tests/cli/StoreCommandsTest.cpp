@@ -3,7 +3,6 @@
 #include "cli/CommandTest.h"
 #include "config/modRegistry.h"
 #include "platform/FileSizeLimit.h"
-#include "platform/linux/ProfileLock.h"
 #include "platform/sqlite/OpenStore.h"
 #include "platform/sqlite/SqliteDatabase.h"
 
@@ -159,18 +158,6 @@ TEST_F(StoreCommands, RestoreTakesNoOtherFile) {
     ASSERT_EQ(database.Execute("CREATE TABLE stamps(album)"), SQLITE_OK);
   }
   Refuse({"store", "restore", file_}, "is a database of another program");
-}
-
-TEST_F(StoreCommands, RunningProgramKeepsItsStore) {
-  AddKitchen();
-  ExpectDone({"store", "backup", file_});
-  ProfileLock running(profile_);
-  ASSERT_TRUE(running.TryAcquire());
-  Refuse({"store", "restore", file_}, "A running program has the profile");
-  Refuse({"store", "import", "-"}, "A running program has the profile", ExitRefused,
-         kStart + "\"PortNum\"=\"5\"\n");
-  ExpectDone({"store", "backup", "--force", file_});
-  ExpectDone({"store", "export", "--force", file_});
 }
 
 }  // namespace
