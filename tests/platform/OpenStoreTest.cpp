@@ -73,7 +73,14 @@ TEST_F(OpenStoreTest, ANewerStoreIsLeftAlone) {
 }
 
 TEST_F(OpenStoreTest, AStoreWithoutPermissionIsReadWhereItCanBeAndNeverChanged) {
-  WriteOne("1");
+  WriteOne("0");
+  {
+    const StoreOpening opening = Open();
+    opening.registry->Begin();
+    opening.registry->MarkProgress();
+    opening.registry->Write(kUser, "A\\B", "v", TextValue("1"));
+    ASSERT_TRUE(opening.registry->Commit());
+  }
   const std::string before = FileBytes(File());
   // A file that others may read and write stands for the user's own: the tests may run as root,
   // who owns it.
@@ -94,11 +101,14 @@ TEST_F(OpenStoreTest, AStoreWithoutPermissionIsReadWhereItCanBeAndNeverChanged) 
       ASSERT_NE(opening.registry, nullptr);
       EXPECT_FALSE(opening.savesChanges);
       EXPECT_THAT(opening.message, HasSubstr(message));
-      EXPECT_EQ(opening.registry->Read(kUser, "A\\B", "v").has_value(), readable);
-      if (readable) {
+      const auto expected = readable ? std::optional(TextValue("1")) : std::nullopt;
+      EXPECT_EQ(opening.registry->Read(kUser, "A\\B", "v"), expected);
+      for (const bool isProgress : {false, true}) {
+        if (!readable) break;
         EXPECT_FALSE(opening.registry->Write(kUser, "A\\B", "v", TextValue("2")));
         EXPECT_THAT(opening.registry->ErrorText(), HasSubstr("can only be read"));
         EXPECT_TRUE(opening.registry->Begin());
+        if (isProgress) opening.registry->MarkProgress();
         EXPECT_FALSE(opening.registry->Write(kUser, "A\\B", "v", TextValue("2")));
         EXPECT_FALSE(opening.registry->Commit());
       }
