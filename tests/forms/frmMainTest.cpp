@@ -107,24 +107,6 @@ std::vector<std::string> VisibleTabs(const QTabBar& tabs) {
   return captions;
 }
 
-TEST_F(MainWindowTest, RemovingMetersTakesTheirTabsAndAtLastThePages) {
-  Start(2).ShowAtLaunch();
-  auto& tabs = Control<QTabBar>("tabKillAWatt");
-  EXPECT_THAT(VisibleTabs(tabs), ElementsAre("*Total/TOTAL", "Kitchen/XBEE5", "Office/XBEE6"));
-  tabs.setCurrentIndex(2);
-  prompts.answers = {PromptAnswer::Cancel, PromptAnswer::OK, PromptAnswer::OK};
-  Choose("mnuTools2");
-  EXPECT_EQ(VisibleTabs(tabs).size(), 3U);
-  Choose("mnuTools2");
-  EXPECT_THAT(VisibleTabs(tabs), ElementsAre("*Kitchen/XBEE5"));
-  EXPECT_TRUE(Control("elaScroller").isVisible());
-  Choose("mnuTools2");
-  EXPECT_THAT(VisibleTabs(tabs), IsEmpty());
-  EXPECT_FALSE(Control("elaScroller").isVisible());
-  EXPECT_EQ(Control<MainArea>("elaWindow").Caption(),
-            "No Kill-A-Watts have been added\r\nDouble click to add...");
-}
-
 TEST_F(MainWindowTest, EditsAndCalibratesTheMeterShown) {
   std::vector<std::string> calibrated;
   options.dialogs.calibrateMeter = [&](clsKillAWatt& meter) { calibrated.push_back(meter.Name()); };
@@ -146,7 +128,7 @@ TEST_F(MainWindowTest, EditsAndCalibratesTheMeterShown) {
   EXPECT_THAT(edited, ElementsAre("Edit Kill-A-Watt: Office"));
 }
 
-TEST_F(MainWindowTest, AnAddedMeterGetsATabAndAnEditedOneItsNewName) {
+TEST_F(MainWindowTest, TabsComeWithAddedMetersFollowTheirNamesAndGoAndAtLastThePages) {
   std::string name = "R&D";
   options.dialogs.editMeter = [&name](clsKillAWatt& meter, const std::string&) {
     meter.SetName(name);
@@ -162,6 +144,18 @@ TEST_F(MainWindowTest, AnAddedMeterGetsATabAndAnEditedOneItsNewName) {
   Choose("mnuTools1");
   EXPECT_THAT(VisibleTabs(tabs), ElementsAre("Total/TOTAL", "*Cellar/XBEE5", "R&&D/XBEE9"));
   EXPECT_TRUE(monitor->Profile().Settings().CSVFileChanged) << "the header of the log names meters";
+  tabs.setCurrentIndex(2);
+  prompts.answers = {PromptAnswer::Cancel, PromptAnswer::OK, PromptAnswer::OK};
+  Choose("mnuTools2");
+  EXPECT_EQ(VisibleTabs(tabs).size(), 3U);
+  Choose("mnuTools2");
+  EXPECT_THAT(VisibleTabs(tabs), ElementsAre("*Cellar/XBEE5"));
+  EXPECT_TRUE(Control("elaScroller").isVisible());
+  Choose("mnuTools2");
+  EXPECT_THAT(VisibleTabs(tabs), IsEmpty());
+  EXPECT_FALSE(Control("elaScroller").isVisible());
+  EXPECT_EQ(Control<MainArea>("elaWindow").Caption(),
+            "No Kill-A-Watts have been added\r\nDouble click to add...");
 }
 
 TEST_F(MainWindowTest, TheMessageInTheMainAreaIsDoubleClicked) {
