@@ -176,6 +176,8 @@ TEST_F(ChangeLogTest, AnySequenceOfChangesGivesWhatAStoreInMemoryGives) {
     const bool isGrouped = below(8) != 0;
     const bool isProgress = isGrouped && below(3) != 0;
     const bool isKept = below(5) != 0;
+    const std::string& before = names[below(5)];
+    EXPECT_EQ(store_->Read(kUser, "K", before), expected.Read(kUser, "K", before));
     if (isGrouped) {
       ASSERT_TRUE(store_->Begin());
       EXPECT_FALSE(store_->Begin());
@@ -212,6 +214,7 @@ TEST_F(ChangeLogTest, AnySequenceOfChangesGivesWhatAStoreInMemoryGives) {
     compare(*store_, step);
     compare(*other, step);
   }
+  EXPECT_EQ(Ask("SELECT count(*) FROM value WHERE key NOT IN (SELECT id FROM key)"), 0);
 }
 
 }  // namespace

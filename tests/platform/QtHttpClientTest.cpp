@@ -16,6 +16,7 @@
 #include "TemporaryFolder.h"
 #include "platform/qt/QtEventPump.h"
 #include "platform/qt/QtHttpClient.h"
+#include "publish/PublishResult.h"
 #include "publish/WebRequestRunner.h"
 #include "services/Certificate.h"
 #include "services/HttpServer.h"
@@ -320,7 +321,24 @@ TEST_F(QtHttpClientTest, RunsOneRequestAtATime) {
   EXPECT_EQ(states.back(), HttpState::ResponseCompleted);
 }
 
-TEST(QtEventPump, GoesOnWhenQuittingWasRefused) {
+TEST(QtEventPump, EndsAWaitWhenTheApplicationIsToldToQuitAndGoesOnWhenThatWasRefused) {
+  const RawServer server([](QTcpSocket&) {});
+  for (const int status : {0, 3}) {
+    QtHttpClient client(std::chrono::seconds(10));
+    QtEventPump pump;
+    WebRequestRunner runner(client, pump, "", [](const std::string&) {});
+    QTimer::singleShot(50, [&] {
+      if (status == 0) return QCoreApplication::quit();
+      QCoreApplication::exit(status);
+      pump.NoteExit();
+    });
+    QTimer::singleShot(0, [&] {
+      EXPECT_THROW(runner.ExecuteAndWait({server.URL(), "GET"}), PublishStopped);
+      // The next destination of the same tick must not wait either.
+      EXPECT_THROW(runner.ExecuteAndWait({server.URL(), "GET"}), PublishStopped);
+    });
+    EXPECT_EQ(QCoreApplication::exec(), status);
+  }
   QtEventPump pump;
   pump.NoteExit();
   QTimer::singleShot(0, [] {});
