@@ -42,15 +42,6 @@ class OpenStoreCopyTest : public OpenStoreTest {
   }
 };
 
-TEST_F(OpenStoreCopyTest, MissingStoreIsEmptyAndNotCreated) {
-  const StoreOpening copy = Copy();
-  EXPECT_EQ(copy.message, "");
-  ASSERT_NE(copy.registry, nullptr);
-  EXPECT_TRUE(copy.registry->SubKeys(kUser, "").empty());
-  EXPECT_TRUE(copy.registry->Write(kUser, "A", "v", TextValue("x")));
-  EXPECT_FALSE(fs::exists(profile_));
-}
-
 TEST_F(OpenStoreCopyTest, ChangesStayInTheCopy) {
   WriteOne("stored");
   const auto before = Everything();

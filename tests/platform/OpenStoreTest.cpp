@@ -1,4 +1,5 @@
 #include <filesystem>
+#include <optional>
 #include <string>
 
 #include "platform/FileSizeLimit.h"
@@ -118,14 +119,21 @@ TEST_F(OpenStoreTest, AStoreWithoutPermissionIsReadWhereItCanBeAndNeverChanged) 
   }
 }
 
-TEST_F(OpenStoreTest, WithoutAFolderItWorksInMemory) {
-  WriteFile(profile_, "a file in place of the folder");
-  const StoreOpening opening = Open();
-  ASSERT_NE(opening.registry, nullptr);
-  EXPECT_FALSE(opening.savesChanges);
-  EXPECT_THAT(opening.message, HasSubstr(profile_));
-  EXPECT_TRUE(opening.registry->Write(kUser, "A", "v", TextValue("1")));
-  EXPECT_EQ(FileBytes(profile_), "a file in place of the folder");
+TEST_F(OpenStoreTest, OnAFullDiskOrWithoutAFolderItWorksInMemory) {
+  for (const bool isFull : {true, false}) {
+    if (!isFull) profile_ = folder_.File("file");
+    if (!isFull) WriteFile(profile_, "in place of the folder");
+    std::optional<FileSizeLimit> limit;
+    if (isFull) limit.emplace();
+    const StoreOpening opening = Open();
+    limit.reset();
+    ASSERT_NE(opening.registry, nullptr);
+    EXPECT_FALSE(opening.savesChanges);
+    EXPECT_THAT(opening.message, HasSubstr(profile_));
+    EXPECT_TRUE(opening.registry->Write(kUser, "A", "v", TextValue("1")));
+    if (isFull) ExpectWorks();
+  }
+  EXPECT_EQ(FileBytes(profile_), "in place of the folder");
 }
 
 TEST_F(OpenStoreTest, ALockedStoreIsAnErrorUntilItIsFree) {
@@ -140,18 +148,6 @@ TEST_F(OpenStoreTest, ALockedStoreIsAnErrorUntilItIsFree) {
     EXPECT_THAT(opening.message, HasSubstr("in use by another program"));
   }
   EXPECT_FALSE(fs::exists(File(".damaged-1")));
-  ExpectWorks();
-}
-
-TEST_F(OpenStoreTest, AFullDiskAtTheFirstStartIsSurvived) {
-  {
-    const FileSizeLimit limit;
-    const StoreOpening opening = Open();
-    ASSERT_NE(opening.registry, nullptr);
-    EXPECT_FALSE(opening.savesChanges);
-    EXPECT_NE(opening.message, "");
-    EXPECT_TRUE(opening.registry->Write(kUser, "A", "v", TextValue("1")));
-  }
   ExpectWorks();
 }
 

@@ -95,15 +95,6 @@ TEST_F(PseudoTerminalTest, NoticesAReaderOnceAndThatItLeft) {
   EXPECT_FALSE(terminal.HasReader());
   ASSERT_EQ(reader.Read(1), Bytes{2});
   EXPECT_TRUE(terminal.CheckForReader(1300));
-
-  // Far more than any terminal buffers neither blocks nor ends it; unread for too long, all goes.
-  for (int i = 0; i < 100; ++i) terminal.Write(Bytes(4096, 7), 1301);
-  ASSERT_TRUE(reader.HasBytes(5000));
-  EXPECT_FALSE(terminal.CheckForReader(2400));
-  EXPECT_FALSE(terminal.HasReader());
-  while (reader.HasBytes(100)) ASSERT_FALSE(reader.Read(256).empty());
-  terminal.Write({42}, 2500);
-  EXPECT_EQ(reader.Read(1), Bytes{42});
 }
 
 TEST_F(PseudoTerminalTest, RemovesItsLinkButNotAnothers) {
