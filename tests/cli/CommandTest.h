@@ -24,8 +24,7 @@ struct CommandResult {
 
 /// Runs commands as the program would, on a profile folder of their own that does not exist yet, in
 /// the United States form.
-class CommandTest : public testing::Test {
- protected:
+struct CommandTest : testing::Test {
   /// `arguments` without the program's name; `input` is standard input.
   CommandResult Run(std::vector<std::string> arguments, const std::string& input = "") const {
     arguments.insert(arguments.begin(), "wattlark");

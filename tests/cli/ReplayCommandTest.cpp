@@ -20,8 +20,7 @@ Bytes KitchenFrame(std::uint16_t address = 5) {
   return MeterFrame(address, {229, 795, 229, 795}, {498, 653, 498, 498});
 }
 
-class ReplayCommand : public CommandTest {
- protected:
+struct ReplayCommand : CommandTest {
   void Rx(const char* time, std::uint32_t ticks, const Bytes& bytes) const {
     CaptureWriter(capture_).WriteRead(At(time), ticks, bytes);
   }

@@ -17,8 +17,7 @@ const std::string kStart =
     "Windows Registry Editor Version 5.00\n[HKEY_CURRENT_USER\\Software\\Fennick Labs\\Wattlark\\"
     "Settings]\n";
 
-class StoreCommands : public CommandTest {
- protected:
+struct StoreCommands : CommandTest {
   static int Mode(const std::string& file) {
     struct stat status {};
     return ::stat(file.c_str(), &status) == 0 ? static_cast<int>(status.st_mode & 07777) : -1;

@@ -10,15 +10,13 @@
 #include "twins/MemoryRegistry.h"
 
 namespace wattlark {
-
 namespace {
 
 std::span<const std::uint8_t> Bytes(const std::string& text) {
   return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
 }
 
-class ChangeLogTest : public OpenStoreTest {
- protected:
+struct ChangeLogTest : OpenStoreTest {
   static std::string Series(int first) {
     std::string text;
     for (int i = 0; i < 60; ++i) text += (i == 0 ? "" : ",") + std::to_string(first + i) + ".25";
@@ -218,5 +216,4 @@ TEST_F(ChangeLogTest, AnySequenceOfChangesGivesWhatAStoreInMemoryGives) {
 }
 
 }  // namespace
-
 }  // namespace wattlark

@@ -6,15 +6,13 @@
 #include "torture/GoodStore.h"
 
 namespace wattlark {
-
 namespace {
 
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-class DamagedStoreTest : public OpenStoreTest {
- protected:
+struct DamagedStoreTest : OpenStoreTest {
   std::string GoodWith(std::size_t at, std::size_t size, const std::string& bytes) const {
     return std::string(good_.Bytes()).replace(at, size, bytes);
   }
@@ -78,5 +76,4 @@ TEST_F(DamagedStoreTest, ReadsOneThatCannotBeMovedIntoMemory) {
 }
 
 }  // namespace
-
 }  // namespace wattlark

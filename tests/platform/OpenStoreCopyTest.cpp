@@ -6,14 +6,12 @@
 #include "platform/sqlite/OpenStoreCopy.h"
 
 namespace wattlark {
-
 namespace {
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
 
-class OpenStoreCopyTest : public OpenStoreTest {
- protected:
+struct OpenStoreCopyTest : OpenStoreTest {
   StoreOpening Copy() const { return OpenStoreCopy(profile_, 0); }
   /// The names and bytes of everything in the profile's folder.
   std::map<std::string, std::string> Everything() const {
@@ -129,5 +127,4 @@ TEST_F(OpenStoreCopyTest, RefusesWhatItMayNotReadAndWhatStaysLocked) {
 }
 
 }  // namespace
-
 }  // namespace wattlark

@@ -15,8 +15,7 @@
 namespace wattlark {
 
 /// The profile's folder is named so that a careless file address would end inside the name.
-class OpenStoreTest : public testing::Test {
- protected:
+struct OpenStoreTest : testing::Test {
   static constexpr Hive kUser = Hive::CurrentUser;
 
   static int ModeOf(const std::string& path) {

@@ -6,7 +6,6 @@
 #include "platform/OpenStoreFixture.h"
 
 namespace wattlark {
-
 namespace {
 
 namespace fs = std::filesystem;
@@ -152,5 +151,4 @@ TEST_F(OpenStoreTest, ALockedStoreIsAnErrorUntilItIsFree) {
 }
 
 }  // namespace
-
 }  // namespace wattlark

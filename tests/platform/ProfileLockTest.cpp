@@ -12,7 +12,6 @@
 #include "platform/linux/ProfileLock.h"
 
 namespace wattlark {
-
 namespace {
 
 TEST(ProfileLock, BelongsToOneHolderAtATime) {
@@ -86,5 +85,4 @@ TEST(ProfileLock, SaysWhyThereCanBeNone) {
 }
 
 }  // namespace
-
 }  // namespace wattlark

@@ -10,14 +10,12 @@
 #include "support/RegistryValues.h"
 
 namespace wattlark {
-
 namespace {
 
 using testing::ElementsAre;
 
 /// A store that two processes have open.
-class SqliteRegistryTest : public testing::Test {
- protected:
+struct SqliteRegistryTest : testing::Test {
   static constexpr Hive kUser = Hive::CurrentUser;
 
   std::unique_ptr<Registry> Open() const {
@@ -151,5 +149,4 @@ TEST_F(SqliteRegistryTest, AWriteAgainstAnOpenTransactionFailsWithText) {
 }
 
 }  // namespace
-
 }  // namespace wattlark

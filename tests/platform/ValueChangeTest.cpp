@@ -9,7 +9,6 @@
 #include "platform/sqlite/ValueChange.h"
 
 namespace wattlark {
-
 namespace {
 
 struct Pair {
@@ -63,5 +62,4 @@ TEST(ValueChangeTest, IsShortAndGivesTheNewBytesOfTheOldOnesAlone) {
 }
 
 }  // namespace
-
 }  // namespace wattlark
