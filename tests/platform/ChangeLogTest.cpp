@@ -1,5 +1,6 @@
 #include <cstdint>
 #include <memory>
+#include <numeric>
 #include <random>
 #include <span>
 #include <string>
@@ -86,17 +87,6 @@ TEST_F(ChangeLogTest, AStoreWithoutItsGenerationIsDamaged) {
   EXPECT_EQ(Records(), 1);
 }
 
-TEST_F(ChangeLogTest, AnotherProcessSeesItAndAddsToIt) {
-  ASSERT_TRUE(store_->Write(kUser, "A", "hour", TextValue(Series(0))));
-  const auto other = Open().registry;
-  SaveProgress(5);
-  EXPECT_EQ(other->Read(kUser, "A", "hour"), TextValue(Series(5)));
-  ASSERT_TRUE(other->Write(kUser, "A", "hour", TextValue(Series(10))));
-  SaveProgress(15);
-  Reopen();
-  ExpectStored(15);
-}
-
 TEST_F(ChangeLogTest, AStoreOfTheVersionBeforeGetsOne) {
   ASSERT_TRUE(store_->Write(kUser, "A", "hour", TextValue(Series(0))));
   store_.reset();
@@ -139,8 +129,8 @@ TEST_F(ChangeLogTest, ASalvageTakesNothingOfALogThatIsOver) {
   }
 }
 
-// Two hives, keys and names in several spellings, values of several types, changes in transactions
-// and outside of them, seen by two processes.
+// Two hives, keys and names in several spellings, values of every type, changes in transactions and
+// outside of them, made and seen by two processes.
 TEST_F(ChangeLogTest, AnySequenceOfChangesGivesWhatAStoreInMemoryGives) {
   std::mt19937 random(20261123);
   const auto below = [&random](unsigned bound) { return random() % bound; };
@@ -148,18 +138,23 @@ TEST_F(ChangeLogTest, AnySequenceOfChangesGivesWhatAStoreInMemoryGives) {
   const auto other = Open().registry;
   const std::string paths[] = {"K", "K\\A", "k\\\\a\\B", "\\K\xC3\xBC\\", "k\xC3\x9C\\ab", ""};
   const std::string names[] = {"u", "v", "V", "not\xFFutf8", ""};
-  const RegistryValue others[] = {{RegistryType::DWord, {1, 2, 3, 4}},
-                                  {RegistryType::Binary, {}},
-                                  {RegistryType::String, {'a', 0, 0xC3}}};
+  std::vector<std::uint8_t> everyByte(256);
+  std::iota(everyByte.begin(), everyByte.end(), std::uint8_t{0});
+  using enum RegistryType;
+  const RegistryValue others[] = {{String, {'a', 0, 0xC3}},
+                                  {String, std::vector<std::uint8_t>(100'000, 'x')},
+                                  {ExpandString, {'%', 'X'}},
+                                  {Binary, {}},
+                                  {Binary, everyByte},
+                                  {DWord, {1, 2, 3, 4}},
+                                  {DWordBigEndian, {4, 3, 2, 1}},
+                                  {MultiString, {'a', 0, 'b', 0, 0}}};
   const auto compare = [&](Registry& store, int step) {
     for (const Hive hive : {kUser, Hive::LocalMachine}) {
       for (const std::string& path : paths) {
         SCOPED_TRACE(std::to_string(step) + " " + path);
         EXPECT_EQ(store.KeyExists(hive, path), expected.KeyExists(hive, path));
         EXPECT_EQ(store.SubKeys(hive, path), expected.SubKeys(hive, path));
-        for (const std::string& name : names) {
-          EXPECT_EQ(store.Read(hive, path, name), expected.Read(hive, path, name));
-        }
         const auto stored = store.Values(hive, path);
         const auto wanted = expected.Values(hive, path);
         ASSERT_EQ(stored.size(), wanted.size());
@@ -167,50 +162,57 @@ TEST_F(ChangeLogTest, AnySequenceOfChangesGivesWhatAStoreInMemoryGives) {
           EXPECT_EQ(stored[i].name, wanted[i].name);
           EXPECT_EQ(stored[i].value, wanted[i].value);
         }
+        for (const std::string& name : names) {
+          EXPECT_EQ(store.Read(hive, path, name), expected.Read(hive, path, name));
+        }
       }
     }
   };
-  for (int step = 0; step < 500 && !HasFailure(); ++step) {
+  for (int step = 0; step < 800 && !HasFailure(); ++step) {
     const bool isGrouped = below(8) != 0;
     const bool isProgress = isGrouped && below(3) != 0;
     const bool isKept = below(5) != 0;
+    Registry& writer = below(4) == 0 ? *other : *store_;
+    // Who has not looked since the other's change must notice it now.
     const std::string& before = names[below(5)];
-    EXPECT_EQ(store_->Read(kUser, "K", before), expected.Read(kUser, "K", before));
+    if (below(2) == 0) {
+      EXPECT_EQ(writer.Read(kUser, "K", before), expected.Read(kUser, "K", before));
+    }
     if (isGrouped) {
-      ASSERT_TRUE(store_->Begin());
-      EXPECT_FALSE(store_->Begin());
+      ASSERT_TRUE(writer.Begin());
+      EXPECT_FALSE(writer.Begin());
       ASSERT_TRUE(expected.Begin());
     }
-    if (isProgress) store_->MarkProgress();
+    if (isProgress) writer.MarkProgress();
     for (auto change = below(6); change > 0; --change) {
       const Hive hive = below(8) == 0 ? Hive::LocalMachine : kUser;
       const std::string& path = paths[below(6)];
       const std::string& name = names[below(5)];
       const RegistryValue value =
-          below(8) == 0 ? others[below(3)] : TextValue(Series(static_cast<int>(below(4))));
+          below(8) == 0 ? others[below(8)] : TextValue(Series(static_cast<int>(below(4))));
       const bool isDeletion = below(isProgress ? 30 : 3) == 0;
       if (!isDeletion) {
-        EXPECT_EQ(store_->Write(hive, path, name, value), expected.Write(hive, path, name, value));
+        EXPECT_EQ(writer.Write(hive, path, name, value), expected.Write(hive, path, name, value));
       } else if (below(2) == 0) {
-        EXPECT_EQ(store_->DeleteValue(hive, path, name), expected.DeleteValue(hive, path, name));
+        EXPECT_EQ(writer.DeleteValue(hive, path, name), expected.DeleteValue(hive, path, name));
       } else if (below(4) == 0) {
-        EXPECT_EQ(store_->CreateKey(hive, path), expected.CreateKey(hive, path));
+        EXPECT_EQ(writer.CreateKey(hive, path), expected.CreateKey(hive, path));
       } else {
-        EXPECT_EQ(store_->DeleteKey(hive, path), expected.DeleteKey(hive, path));
+        EXPECT_EQ(writer.DeleteKey(hive, path), expected.DeleteKey(hive, path));
       }
     }
-    compare(*store_, step);
+    compare(writer, step);
     if (isGrouped && isKept) {
-      ASSERT_TRUE(store_->Commit());
-      EXPECT_FALSE(store_->Commit());
+      ASSERT_TRUE(writer.Commit());
+      EXPECT_FALSE(writer.Commit());
       ASSERT_TRUE(expected.Commit());
     } else if (isGrouped) {
-      store_->Rollback();
+      writer.Rollback();
       expected.Rollback();
     }
     if (below(4) == 0) Reopen();
-    compare(*store_, step);
-    compare(*other, step);
+    if (below(2) == 0) compare(*store_, step);
+    if (below(2) == 0) compare(*other, step);
   }
   EXPECT_EQ(Ask("SELECT count(*) FROM value WHERE key NOT IN (SELECT id FROM key)"), 0);
 }
