@@ -2,22 +2,14 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <sstream>
 #include <string>
 
+#include "Require.h"
 #include "app/CaptureReader.h"
 
-namespace {
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
-
-}  // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  std::istringstream input(std::string(reinterpret_cast<const char*>(data), size));
+  std::istringstream input{std::string(TextOf(data, size))};
   wattlark::Capture capture;
   const std::string problem = wattlark::ReadCapture(input, "capture", capture);
   Require(problem.empty() || problem.starts_with("capture:"));

@@ -4,9 +4,9 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <span>
 
+#include "Require.h"
 #include "acquisition/clsKillAWatt.h"
 #include "acquisition/clsXBee.h"
 
@@ -17,10 +17,6 @@ class StandingClock : public wattlark::Clock {
   wattlark::DateTime Now() const override { return wattlark::DateTime::FromMilliseconds(0); }
   std::uint32_t Ticks() const override { return 1000; }
 };
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
 
 }  // namespace
 

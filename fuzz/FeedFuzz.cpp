@@ -4,19 +4,15 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
+#include "Require.h"
 #include "publish/GoogleFeeds.h"
 #include "publish/GoogleRow.h"
 #include "publish/WebText.h"
 
 namespace {
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
 
 void CheckLink(const std::string& link, std::string_view feed) {
   if (link.empty()) return;
@@ -29,7 +25,7 @@ void CheckLink(const std::string& link, std::string_view feed) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace wattlark;
-  const std::string_view input(reinterpret_cast<const char*>(data), size);
+  const std::string_view input = TextOf(data, size);
   const std::size_t lineEnd = input.find('\n');
   const std::string_view name = input.substr(0, lineEnd);
   const std::string_view feed =
@@ -39,7 +35,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   CheckLink(FindListFeed(feed, name), feed);
 
   const std::string quote = QuoteResponse(feed, {std::string(name)});
-  Require(quote.size() <= 64 * 1024);
+  Require(quote.size() <= 64UL * 1024);
   for (const char c : quote) {
     Require(static_cast<unsigned char>(c) >= 0x20 || c == '\r' || c == '\n');
   }

@@ -3,21 +3,17 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "Require.h"
 #include "config/RegistryTextReader.h"
 #include "config/RegistryTextWriter.h"
 
 namespace {
 
 using namespace wattlark;
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
 
 /// The values that can be stored.
 std::vector<RegistryTextEntry> Read(const std::string& text, std::string& problem) {
@@ -44,7 +40,7 @@ std::string Write(const std::vector<RegistryTextEntry>& values) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::string problem;
-  const auto values = Read({reinterpret_cast<const char*>(data), size}, problem);
+  const auto values = Read(std::string(TextOf(data, size)), problem);
   Require(problem.empty() || problem.starts_with("text:"));
   const std::string written = Write(values);
   const auto again = Read(written, problem);

@@ -3,25 +3,17 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
+#include "Require.h"
 #include "publish/GoogleLogin.h"
 #include "publish/PowerMeterLogger.h"
 #include "publish/WebText.h"
 
-namespace {
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
-
-}  // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace wattlark;
-  const std::string_view text(reinterpret_cast<const char*>(data), size);
+  const std::string_view text = TextOf(data, size);
 
   if (const auto token = ParseAuthToken(text)) {
     Require(!token->empty() && !HasControlCharacters(*token));
@@ -32,7 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Require(quote.find(password) == std::string::npos);
   for (std::size_t at = quote.find("Auth="); at != std::string::npos;
        at = quote.find("Auth=", at + 1)) {
-    Require(quote.compare(at, 9, "Auth=****") == 0 || at + 9 > 64 * 1024);
+    Require(quote.compare(at, 9, "Auth=****") == 0 || at + 9 > 64UL * 1024);
   }
 
   if (const auto authorization = ParsePowerMeterAuthInfo(text)) {

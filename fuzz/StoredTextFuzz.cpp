@@ -5,25 +5,17 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
+#include "Require.h"
 #include "config/StoreText.h"
 #include "support/NoValue.h"
 #include "support/modSeries.h"
 #include "support/modText.h"
 
-namespace {
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
-
-}  // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace wattlark;
-  const std::string text(reinterpret_cast<const char*>(data), size);
+  const std::string text(TextOf(data, size));
   RegionalSettings german = RegionalSettings::UnitedStates();
   german.decimalSeparator = ",";
   german.shortDate = "dd.MM.yyyy";

@@ -5,12 +5,12 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <map>
 #include <span>
 #include <string>
 #include <vector>
 
+#include "Require.h"
 #include "timezone/TimeZoneRegistry.h"
 #include "timezone/TimeZoneRules.h"
 #include "timezone/modTimeZone.h"
@@ -18,10 +18,6 @@
 namespace {
 
 using namespace wattlark;
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
 
 /// Numbers from the input, and zeros behind its end.
 class Input {

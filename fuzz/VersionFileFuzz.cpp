@@ -3,24 +3,16 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string_view>
 
+#include "Require.h"
 #include "config/ServiceEndpoints.h"
 #include "update/ReleaseVersion.h"
 #include "update/VersionFile.h"
 
-namespace {
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
-
-}  // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace wattlark;
-  const std::string_view input(reinterpret_cast<const char*>(data), size);
+  const std::string_view input = TextOf(data, size);
   if (const auto release = ReadVersionFile(input)) {
     Require(IsVersionText(release->version));
     Require(!release->downloadAddress.empty());

@@ -5,18 +5,14 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string_view>
 
+#include "Require.h"
 #include "config/WindowPlacement.h"
 
 namespace {
 
 using namespace wattlark;
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
 
 bool IsSame(const WindowPlacement& a, const WindowPlacement& b) {
   return a.left == b.left && a.top == b.top && a.width == b.width && a.height == b.height &&
@@ -31,7 +27,7 @@ bool IsVisible(double place, double size, double screen) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size == 0) return 0;
-  const std::string_view stored(reinterpret_cast<const char*>(data) + 1, size - 1);
+  const std::string_view stored = TextOf(data + 1, size - 1);
   constexpr std::array<WindowPlacement, 4> kScreens{{{0, 0, 19200, 14400, 0},
                                                      {0, 0, 28800, 16200, 0},
                                                      {0, 0, 5400, 9600, 0},
