@@ -1,7 +1,10 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <limits>
+#include <vector>
 
+#include "acquisition/MeterAlarm.h"
 #include "acquisition/clsKillAWatt.h"
 #include "acquisition/clsXBee.h"
 #include "twins/Frames.h"
@@ -10,9 +13,6 @@
 
 namespace wattlark {
 namespace {
-
-using testing::DoubleEq;
-using testing::ElementsAre;
 
 struct Meter : clsKillAWatt {
   HandClock clock;
@@ -31,24 +31,6 @@ struct Meter : clsKillAWatt {
     EXPECT_EQ(random.reseeds, 1);
   }
 };
-
-TEST(clsKillAWatt, StartsWithItsDefaults) {
-  const clsKillAWatt meter;
-  EXPECT_EQ(meter.Name(), "New Appliance");
-  EXPECT_EQ(meter.XBeeAddress(), 0);
-  EXPECT_EQ(meter.KillAWattType(), 0);
-  EXPECT_EQ(meter.NominalVoltage(), 120);
-  EXPECT_EQ(meter.NominalFrequency(), 60);
-  EXPECT_EQ(meter.CurrentOffset(), 498);
-  EXPECT_EQ(meter.CurrentScaler(), 1 / 15.5);
-  EXPECT_EQ(meter.VoltageScaler(), 0.6);
-  EXPECT_EQ(meter.Volts(), 0);
-  EXPECT_EQ(meter.ShownVolts(), NoValue);
-  EXPECT_EQ(meter.ShownAmps(), NoValue);
-  EXPECT_EQ(meter.ShownWatts(), NoValue);
-  EXPECT_FALSE(meter.HasReading());
-  EXPECT_FALSE(meter.IsReceiving(At("2026-11-16T20:10:00")));
-}
 
 TEST(clsKillAWatt, ClampsCalibration) {
   clsKillAWatt meter;
@@ -107,18 +89,6 @@ TEST(clsKillAWatt, ConvertsSamplesIntoAReading) {
   }
 }
 
-TEST(clsKillAWatt, KeepsTheLastFramesWaveform) {
-  Meter meter;
-  meter.Receive({700, 300, 500}, {529, 467, 498});
-  std::vector<double> volts;
-  std::vector<double> amps;
-  ASSERT_TRUE(meter.GetSamples(volts, amps));
-  EXPECT_THAT(volts, ElementsAre(DoubleEq(120), DoubleEq(-120), 0));
-  EXPECT_THAT(amps, ElementsAre(DoubleEq(2), DoubleEq(-2), 0));
-  meter.Receive({}, {});
-  EXPECT_FALSE(meter.GetSamples(volts, amps));
-}
-
 TEST(clsKillAWatt, TakesChannelsThatAreNotSampledForWhatTheyRead) {
   // Without A0 and A4 every reading is -1: no swing, and the current far below its offset.
   Meter meter;
@@ -131,6 +101,8 @@ TEST(clsKillAWatt, TakesChannelsThatAreNotSampledForWhatTheyRead) {
 
 TEST(clsKillAWatt, StopsReceivingFiveSecondsAfterAReading) {
   Meter meter;
+  EXPECT_FALSE(meter.HasReading());
+  EXPECT_FALSE(meter.IsReceiving(At("2026-11-16T20:10:00")));
   meter.clock.now = At("2026-11-16T20:10:00.900");
   meter.Receive({700, 300, 700}, {498, 498, 498});
   const std::pair<const char*, bool> cases[] = {
@@ -195,6 +167,114 @@ TEST(clsKillAWattDemo, DriftsWithTheTimeOfDay) {
       EXPECT_DOUBLE_EQ(meter.Watts(), 1000 + direction * 0.1);
     }
   }
+}
+
+struct Watched : MeterAlarm {
+  explicit Watched(std::int32_t duration = 60, std::int32_t interval = 600) {
+    SetAlarmUpperLimit(500);
+    SetAlarmLowerLimit(100);
+    SetAlarmDuration(duration);
+    SetAlarmInterval(interval);
+    SetAlarmActive(true);
+  }
+  /// What the program does at a tick: true when a notice is raised.
+  bool Tick() {
+    if (!AlarmTriggered() || !AlarmRepeatDue()) return false;
+    ResetAlarmInterval();
+    return true;
+  }
+};
+
+// Each case: one reading a second, the watts of each stretch, and at which second a notice comes.
+TEST(MeterAlarm, RaisesNoticesAtTheRightSecond) {
+  struct Stretch {
+    double watts;
+    int seconds;
+  };
+  struct Case {
+    const char* what;
+    std::int32_t duration, interval;
+    std::vector<Stretch> stretches;
+    std::vector<int> notices;
+  };
+  for (const Case& test :
+       {Case{"above", 60, 600, {{600, 1300}}, {61, 662, 1263}},
+        Case{"below", 60, 600, {{99.9, 700}}, {61, 662}},
+        Case{"the limits are in range", 1, 60, {{500, 500}, {100, 500}, {300, 100}}, {}},
+        Case{"duration 0", 0, 60, {{600, 65}}, {1, 62}},
+        Case{"a break starts again", 60, 600, {{600, 30}, {400, 1}, {600, 61}}, {92}},
+        Case{"from above to below is no break", 60, 600, {{600, 30}, {50, 31}}, {61}},
+        Case{"not quite", 60, 600, {{600, 60}, {400, 1}}, {}},
+        Case{"again within the interval", 60, 600, {{600, 61}, {400, 39}, {600, 600}}, {61, 662}},
+        Case{"again after it", 60, 600, {{600, 61}, {400, 939}, {600, 100}}, {61, 1061}},
+        Case{"an interval shorter than the duration", 60, 5, {{600, 70}}, {61, 67}}}) {
+    Watched alarm(test.duration, test.interval);
+    std::vector<int> notices;
+    int second = 0;
+    for (const auto& [watts, seconds] : test.stretches) {
+      for (int i = 0; i < seconds; ++i) {
+        alarm.AddReading(watts, 1);
+        ++second;
+        if (alarm.Tick()) notices.push_back(second);
+      }
+    }
+    EXPECT_EQ(notices, test.notices) << test.what;
+  }
+}
+
+TEST(MeterAlarm, CountsTheSecondsOfTheReading) {
+  Watched alarm;
+  alarm.AddReading(600, 0);
+  EXPECT_EQ(alarm.OutOfRangeSeconds(), 0);
+  alarm.AddReading(600, 60);
+  EXPECT_FALSE(alarm.AlarmTriggered());
+  alarm.AddReading(600, 0);
+  EXPECT_FALSE(alarm.AlarmTriggered());
+  alarm.AddReading(600, 1);
+  EXPECT_TRUE(alarm.AlarmTriggered());
+  EXPECT_EQ(alarm.IntervalSeconds(), 661);
+  // Counters stay at their end.
+  for (int i = 0; i < 3; ++i) alarm.AddReading(600, std::int64_t{1} << 40);
+  EXPECT_EQ(alarm.OutOfRangeSeconds(), std::numeric_limits<std::int32_t>::max());
+  EXPECT_EQ(alarm.IntervalSeconds(), std::numeric_limits<std::int32_t>::max());
+}
+
+TEST(MeterAlarm, AssignmentsChangeTheCountersAsTheyMust) {
+  struct Case {
+    const char* what;
+    void (*assign)(MeterAlarm&);
+    std::int32_t outOfRange;  // from 40
+    std::int32_t interval;    // from 640
+  };
+  for (const Case& test :
+       {Case{"on while on", [](MeterAlarm& a) { a.SetAlarmActive(true); }, 0, 640},
+        Case{"off", [](MeterAlarm& a) { a.SetAlarmActive(false); }, 0, 0},
+        Case{"on", [](MeterAlarm& a) { a.SetAlarmActive(false), a.SetAlarmActive(true); }, 0, 600},
+        Case{"same duration", [](MeterAlarm& a) { a.SetAlarmDuration(60); }, 40, 640},
+        Case{"other duration", [](MeterAlarm& a) { a.SetAlarmDuration(30); }, 0, 640},
+        Case{"same interval", [](MeterAlarm& a) { a.SetAlarmInterval(600); }, 40, 640},
+        Case{"other interval", [](MeterAlarm& a) { a.SetAlarmInterval(300); }, 40, 300},
+        Case{"limits", [](MeterAlarm& a) { a.SetAlarmUpperLimit(1), a.SetAlarmLowerLimit(1); }, 40,
+             640},
+        Case{"notice", [](MeterAlarm& a) { a.ResetAlarmInterval(); }, 40, 0}}) {
+    Watched alarm;
+    alarm.AddReading(600, 40);
+    test.assign(alarm);
+    EXPECT_EQ(alarm.OutOfRangeSeconds(), test.outOfRange) << test.what;
+    EXPECT_EQ(alarm.IntervalSeconds(), test.interval) << test.what;
+  }
+}
+
+TEST(MeterAlarm, OffAnswersNoWhateverTheCountersHold) {
+  Watched alarm;
+  alarm.AddReading(600, 1000);
+  ASSERT_TRUE(alarm.AlarmTriggered());
+  alarm.SetAlarmActive(false);
+  alarm.AddReading(600, 1000);
+  EXPECT_EQ(alarm.OutOfRangeSeconds(), 0);
+  EXPECT_EQ(alarm.IntervalSeconds(), 1000) << "the time since the last notice runs on";
+  EXPECT_FALSE(alarm.AlarmTriggered());
+  EXPECT_FALSE(alarm.AlarmRepeatDue());
 }
 
 }  // namespace

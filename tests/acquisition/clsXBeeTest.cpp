@@ -58,9 +58,10 @@ std::vector<int> Channel(const clsXBee& decoder, int channel) {
 
 TEST(clsXBee, DecodesEveryField) {
   Receiver receiver;
-  receiver.clock.now = At("2026-11-16T20:10:00.250");
-  receiver.clock.ticks = 4711;
-  EXPECT_TRUE(receiver.Read(MeterFrame(0x7FFF, {700, 300, 512}, {498, 0, 1023}, {.options = 2})));
+  const Bytes bytes = MeterFrame(0x7FFF, {700, 300, 512}, {498, 0, 1023}, {.options = 2});
+  receiver.Read(Slice(bytes, 0, 6));
+  receiver.clock.Advance(1500);  // the frame's moment is that of its last byte
+  EXPECT_TRUE(receiver.Read(Slice(bytes, 6, bytes.size())));
   const clsXBee& frame = receiver.decoder;
   EXPECT_TRUE(frame.FrameReceived());
   EXPECT_TRUE(frame.SampleDecoded());
@@ -70,8 +71,8 @@ TEST(clsXBee, DecodesEveryField) {
   EXPECT_FALSE(frame.OptionBit0());
   EXPECT_TRUE(frame.OptionBit1());
   EXPECT_EQ(frame.SampleCount(), 3);
-  EXPECT_EQ(frame.FrameTime(), At("2026-11-16T20:10:00.250"));
-  EXPECT_EQ(frame.FrameTicks(), 4711U);
+  EXPECT_EQ(frame.FrameTime(), At("2026-11-16T20:10:01.500"));
+  EXPECT_EQ(frame.FrameTicks(), 2500U);
   EXPECT_THAT(Channel(frame, 1), ElementsAre(700, 300, 512));
   EXPECT_THAT(Channel(frame, 5), ElementsAre(498, 0, 1023));
   for (const int channel : {2, 3, 4, 6}) EXPECT_THAT(Channel(frame, channel), Each(-1));
@@ -80,16 +81,13 @@ TEST(clsXBee, DecodesEveryField) {
 TEST(clsXBee, RefusesSamplesAndChannelsThatDoNotExist) {
   Receiver receiver;
   receiver.Read(TwoSampleFrame(5));
+  const clsXBee& frame = receiver.decoder;
   std::vector<std::int16_t> readings(2);
-  for (const int wrong : {0, 10}) {
-    EXPECT_THROW(receiver.decoder.DigitalSample(1, wrong), std::out_of_range) << wrong;
-    EXPECT_THROW(receiver.decoder.CopyChannel(wrong, readings), std::out_of_range) << wrong;
-  }
-  for (const int sample : {0, 3}) {
-    EXPECT_THROW(receiver.decoder.AnalogSample(sample, 1), std::out_of_range) << sample;
-  }
-  for (const int channel : {0, 7}) {
-    EXPECT_THROW(receiver.decoder.AnalogSample(1, channel), std::out_of_range) << channel;
+  for (const bool above : {false, true}) {
+    EXPECT_THROW(frame.AnalogSample(above ? 3 : 0, 1), std::out_of_range) << above;
+    EXPECT_THROW(frame.AnalogSample(1, above ? 7 : 0), std::out_of_range) << above;
+    EXPECT_THROW(frame.CopyChannel(above ? 7 : 0, readings), std::out_of_range) << above;
+    EXPECT_THROW(frame.DigitalSample(1, above ? 10 : 0), std::out_of_range) << above;
   }
 }
 
@@ -97,40 +95,29 @@ TEST(clsXBee, ReadsSampleTablesOfEveryMask) {
   struct Case {
     std::uint16_t mask;
     std::vector<std::uint16_t> words;  // of two samples
-    std::array<std::array<int, 6>, 2> analog;
-    std::array<std::uint16_t, 2> digital;  // a line that is not enabled reads true
+    std::vector<int> read;  // for each, six channels and the bits of the lines: 1 if not enabled
   };
-  const Case cases[] = {
-      {0x0200, {11, 21}, {{{11, -1, -1, -1, -1, -1}, {21, -1, -1, -1, -1, -1}}}, {0x1FF, 0x1FF}},
-      {0x7E00,
-       {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12},
-       {{{1, 2, 3, 4, 5, 6}, {7, 8, 9, 10, 11, 12}}},
-       {0x1FF, 0x1FF}},
-      {0x01FF,
-       {0x0101, 0x7E00},
-       {{{-1, -1, -1, -1, -1, -1}, {-1, -1, -1, -1, -1, -1}}},
-       {0x101, 0}},
-      {0x4405,
-       {0x0004, 50, 60, 0x0001, 51, 61},
-       {{{-1, 50, -1, -1, -1, 60}, {-1, 51, -1, -1, -1, 61}}},
-       {0x1FE, 0x1FB}},
-      {0x0000, {}, {{{-1, -1, -1, -1, -1, -1}, {-1, -1, -1, -1, -1, -1}}}, {0x1FF, 0x1FF}}};
-  Receiver receiver;
-  for (const Case& test : cases) {
-    SCOPED_TRACE(test.mask);
+  for (const Case& test :
+       {Case{0x0200, {11, 21}, {11, -1, -1, -1, -1, -1, 0x1FF, 21, -1, -1, -1, -1, -1, 0x1FF}},
+        Case{0x7E00,
+             {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12},
+             {1, 2, 3, 4, 5, 6, 0x1FF, 7, 8, 9, 10, 11, 12, 0x1FF}},
+        Case{0x01FF, {0x101, 0x7E00}, {-1, -1, -1, -1, -1, -1, 0x101, -1, -1, -1, -1, -1, -1, 0}},
+        Case{0x4405,
+             {4, 50, 60, 1, 51, 61},
+             {-1, 50, -1, -1, -1, 60, 0x1FE, -1, 51, -1, -1, -1, 61, 0x1FB}},
+        Case{0, {}, {-1, -1, -1, -1, -1, -1, 0x1FF, -1, -1, -1, -1, -1, -1, 0x1FF}}}) {
+    Receiver receiver;
     receiver.Read(SampleFrame(5, 2, test.words, {.mask = test.mask}));
     EXPECT_TRUE(receiver.decoder.SampleDecoded());
+    std::vector<int> read;
     for (int s = 1; s <= 2; ++s) {
-      const auto row = static_cast<std::size_t>(s - 1);
-      std::array<int, 6> analog{};
-      for (int i = 1; i <= 6; ++i) {
-        analog[static_cast<std::size_t>(i - 1)] = receiver.decoder.AnalogSample(s, i);
-      }
-      EXPECT_EQ(analog, test.analog[row]);
-      int digital = 0;
-      for (int i = 1; i <= 9; ++i) digital |= receiver.decoder.DigitalSample(s, i) << (i - 1);
-      EXPECT_EQ(digital, test.digital[row]);
+      for (int i = 1; i <= 6; ++i) read.push_back(receiver.decoder.AnalogSample(s, i));
+      int lines = 0;
+      for (int i = 1; i <= 9; ++i) lines |= receiver.decoder.DigitalSample(s, i) << (i - 1);
+      read.push_back(lines);
     }
+    EXPECT_EQ(read, test.read) << test.mask;
   }
 }
 
@@ -180,72 +167,20 @@ TEST(clsXBee, FailsDecodingOfFramesTooShortForWhatTheyAnnounce) {
 TEST(clsXBee, CompletesFramesOfOtherKindsWithoutDecodingThem) {
   Receiver receiver;
   for (const Bytes& data : {Bytes{0x88, 1, 2}, Bytes{0x82}, Bytes{}}) {
-    EXPECT_TRUE(receiver.Read(WrapFrame(data)));
+    // As the last of a read, they hide what is before them.
+    EXPECT_TRUE(receiver.Read(Join({TwoSampleFrame(5), WrapFrame(data)})));
     EXPECT_TRUE(receiver.decoder.FrameReceived());
     EXPECT_FALSE(receiver.decoder.SampleDecoded());
     EXPECT_EQ(receiver.decoder.ApiIdentifier(), data.empty() ? 0xFF : data[0]);
   }
-  EXPECT_EQ(receiver.Completed(), 3U);
+  EXPECT_EQ(receiver.Completed(), 6U);
   EXPECT_TRUE(receiver.Read({}));
   EXPECT_FALSE(receiver.decoder.FrameReceived());
 }
 
-// How frames are found in a stream of bytes.
+// How frames are found in a stream of bytes: besides, as the plain decoder below finds them.
 
-// Garbage, a delimiter inside a frame, damage, a frame inside a damaged one and one behind it.
-const Bytes& TrickyStream() {
-  static const Bytes stream = Join({{1, 2, 0xFF},
-                                    TwoSampleFrame(0x7E),
-                                    MeterFrame(6, {0x7E, 0x017E}, {0x7E7E, 498}),
-                                    MeterFrame(7, {700, 300}, {498, 529}, {.wrongChecksum = true}),
-                                    {0x7E, 0x00, 0x30},
-                                    TwoSampleFrame(8),
-                                    TwoSampleFrame(9),
-                                    TwoSampleFrame(10),
-                                    {0x7E, 0x00, 0x00, 0x00},
-                                    {0x44, 0x7E, 0x00, 0x02},
-                                    TwoSampleFrame(11),
-                                    Repeated(TwoSampleFrame(12), 3)});
-  return stream;
-}
-
-TEST(clsXBeeStream, DecodesTheSameHoweverAStreamIsSplit) {
-  Receiver whole;
-  whole.Read(TrickyStream());
-  EXPECT_EQ(whole.Completed(), 9U);
-  for (std::size_t split = 0; split <= TrickyStream().size(); ++split) {
-    Receiver other;
-    other.Read(Slice(TrickyStream(), 0, split));
-    other.Read(Slice(TrickyStream(), split, TrickyStream().size()));
-    EXPECT_EQ(other.Completed(), whole.Completed()) << split;
-    EXPECT_EQ(other.Decoded(), whole.Decoded()) << split;
-    EXPECT_EQ(other.Dropped(), whole.Dropped()) << split;
-    EXPECT_EQ(other.decoder.SourceAddress(), 12) << split;
-    EXPECT_EQ(other.decoder.AnalogSample(2, 5), 529) << split;
-  }
-}
-
-TEST(clsXBeeStream, KeepsTheLastFrameOfARead) {
-  Receiver receiver;
-  EXPECT_TRUE(receiver.Read(Join({TwoSampleFrame(5), {9, 9}, TwoSampleFrame(6)})));
-  EXPECT_EQ(receiver.Decoded(), 2U);
-  EXPECT_EQ(receiver.decoder.SourceAddress(), 6);
-  // A last frame that is none of samples hides the one before it.
-  receiver.Read(Join({TwoSampleFrame(5), WrapFrame({0x88, 0})}));
-  EXPECT_FALSE(receiver.decoder.SampleDecoded());
-}
-
-TEST(clsXBeeStream, StampsAFrameWithTheMomentItWasCompleted) {
-  Receiver receiver;
-  const Bytes frame = TwoSampleFrame(5);
-  receiver.Read(Slice(frame, 0, 6));
-  receiver.clock.Advance(1500);
-  receiver.Read(Slice(frame, 6, frame.size()));
-  EXPECT_EQ(receiver.decoder.FrameTime(), At("2026-11-16T20:10:01.500"));
-  EXPECT_EQ(receiver.decoder.FrameTicks(), 2500U);
-}
-
-TEST(clsXBeeStream, LosesNoIntactFrameBehindOneThatWasCutShortOrDamaged) {
+TEST(clsXBeeStream, LosesNoIntactFrameBehindOneThatWasCutShort) {
   // A cut within the length field makes a length of up to 0x7E00 of what follows.
   const Bytes intact = Repeated(TwoSampleFrame(6), 1700);
   for (std::size_t size = 0; size < TwoSampleFrame(5).size(); ++size) {
@@ -257,35 +192,6 @@ TEST(clsXBeeStream, LosesNoIntactFrameBehindOneThatWasCutShortOrDamaged) {
     Receiver bytewise;
     bytewise.ReadEachByte(stream);
     EXPECT_EQ(bytewise.Decoded(), 1700U) << size;
-    // The high byte of the length is tested below: it can reach far ahead, or end the read.
-    for (const int flip : {0x01, 0x10, 0x40}) {
-      if (size == 1) continue;
-      Bytes damaged = Join({TwoSampleFrame(5), Repeated(TwoSampleFrame(6), 10)});
-      damaged[size] = static_cast<std::uint8_t>(damaged[size] ^ flip);
-      Receiver receiver;
-      receiver.Read(damaged);
-      EXPECT_EQ(receiver.Decoded(), 10U) << size << ' ' << flip;
-    }
-  }
-}
-
-TEST(clsXBeeStream, FindsTheFramesInsideALengthThatLied) {
-  // Within what a false start claims: one that ends in there, one of a length that overflows, one
-  // that reaches beyond the claim, and frames.
-  const Bytes inside = Join({{0x7E, 0x00, 0x01, 0x55, 0x55},
-                             {0x7E, 0x90, 0x11},
-                             TwoSampleFrame(6),
-                             {0x7E, 0x00, 0x60},
-                             TwoSampleFrame(7)});
-  const auto length = static_cast<std::uint8_t>(inside.size());
-  for (const std::size_t size : {std::size_t{1}, std::size_t{1000}}) {
-    Receiver receiver;
-    const Bytes stream =
-        Join({{0x7E, 0x00, length}, inside, {0x00}, Repeated(TwoSampleFrame(8), 5)});
-    for (std::size_t at = 0; at < stream.size(); at += size) {
-      receiver.Read(Slice(stream, at, std::min(stream.size(), at + size)));
-    }
-    EXPECT_EQ(receiver.Decoded(), 7U) << size;
   }
 }
 
@@ -313,30 +219,6 @@ TEST(clsXBeeStream, TakesTheLongestFrame) {
   EXPECT_EQ(receiver.Completed(), 1U);
   receiver.ReadEachByte(WrapFrame(data));
   EXPECT_EQ(receiver.Completed(), 2U);
-  // Whole at last, it counts though a length behind it overflows.
-  const Bytes frame = WrapFrame(Bytes(0x1000, 0x11));
-  receiver.Read(Slice(frame, 0, 100));
-  EXPECT_TRUE(receiver.Read(Join({Slice(frame, 100, frame.size()), {0x7E, 0x90}})));
-  EXPECT_EQ(receiver.Completed(), 3U);
-}
-
-TEST(clsXBeeStream, DropsTheRestOfAReadWhoseLengthOverflows) {
-  for (const Bytes& start : {Bytes{0x7E, 0x7F, 0xFC}, Bytes{0x7E, 0x7F, 0xFF}, Bytes{0x7E, 0x80},
-                             Bytes{0x7E, 0x80, 0x00}, Bytes{0x7E, 0xFF, 0xFF}}) {
-    SCOPED_TRACE(testing::PrintToString(start));
-    Receiver receiver;
-    EXPECT_FALSE(receiver.Read(Join({start, TwoSampleFrame(5)})));
-    EXPECT_FALSE(receiver.decoder.FrameReceived());
-    // Only the rest of that read is lost, and a frame that was complete before it is not.
-    EXPECT_TRUE(receiver.Read(Join({TwoSampleFrame(6), start, TwoSampleFrame(5)})));
-    EXPECT_TRUE(receiver.decoder.FrameReceived());
-    EXPECT_EQ(receiver.decoder.SourceAddress(), 6);
-    EXPECT_TRUE(receiver.Read({0x7E}));
-    EXPECT_FALSE(receiver.Read(Join({Slice(start, 1, start.size()), TwoSampleFrame(5)})));
-    EXPECT_TRUE(receiver.Read(TwoSampleFrame(7)));
-    EXPECT_EQ(receiver.Completed(), 2U);
-    EXPECT_EQ(receiver.Dropped(), 0U);
-  }
 }
 
 // The rules of the stream in their plainest form: everything is kept, every sum is taken anew.
@@ -418,7 +300,7 @@ TEST(clsXBeeStream, AgreesWithAPlainDecoderOnRandomStreams) {
         part[below(static_cast<unsigned>(part.size()))] ^= Bytes{1, 8, 64, 128}[below(4)];
       if (kind == 2) {
         part.resize(below(30));
-        for (auto& byte : part) byte = Bytes{0x7E, 0, 1, 0x83, 0xFF, 0x7F, 0xFB, 0xFC}[below(8)];
+        for (auto& byte : part) byte = Bytes{0x7E, 0, 1, 0x80, 0xFF, 0x7F, 0xFB, 0xFC}[below(8)];
       }
       stream = Join({stream, part});
     }
