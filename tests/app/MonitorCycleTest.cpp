@@ -115,53 +115,33 @@ TEST_F(MonitorTest, TellsWhatCouldNotBeLoaded) {
 }
 
 struct MonitorAlarmTest : MonitorTest {
-  void StartWithAlarms() {
-    for (const auto& [name, address] : {std::pair("A", 5), std::pair("B", 6)}) {
-      PutMeter(name, address);
-      Put(std::string("KillAWatts\\") + name, "AlarmActive", "True");
-    }
+  MonitorAlarmTest() {
+    PutMeterWithAlarm("A", 5);
+    PutMeterWithAlarm("B", 6);
     Start();
     Use(0, 600, 1);
   }
-  /// One reading a second of both meters, each followed by a tick.
-  void Use(int seconds, double wattsOfA, double wattsOfB) {
-    for (int i = 0; i <= seconds; ++i) {
-      if (i > 0) clock.Advance(1000);
-      Meter(0).AddReading(120, 1, wattsOfA, clock.now, clock.ticks);
-      Meter(1).AddReading(120, 1, wattsOfB, clock.now, clock.ticks);
-      if (i > 0) monitor->UpdateCycle();
-    }
-  }
 };
 
-TEST_F(MonitorAlarmTest, RaisesNoticesAfterTheDurationAndAtTheInterval) {
-  StartWithAlarms();
-  Use(60, 600, 100);
-  EXPECT_THAT(listener.notices, IsEmpty());
-  Use(1, 600, 100);
-  EXPECT_THAT(listener.notices, ElementsAre(FieldsAre(clock.now, "A", "A: Using 600.0 Watts",
-                                                      "A: Using 600.0 Watts\r\n")));
-  EXPECT_THAT(desktop.waves, ElementsAre("notice.wav"));
-  Use(600, 600, 100);
-  EXPECT_EQ(listener.notices.size(), 1U);
-  Use(1, 600, 100);
-  EXPECT_EQ(listener.notices.size(), 2U);
-}
-
-TEST_F(MonitorAlarmTest, ANoticeHoldsTheLinesOfItsTickTheTotalsFirst) {
-  StartWithAlarms();
+TEST_F(MonitorAlarmTest, NoticesHoldTheLinesOfTheirTickTheTotalsFirstAndComeAgainAtTheInterval) {
   monitor->Profile().Total().Alarm().SetAlarmActive(true);
-  Use(61, 600, 700.04);
+  Use(60, 600, 700.04);
+  EXPECT_THAT(listener.notices, IsEmpty());
+  Use(1, 600, 700.04);
   ASSERT_EQ(listener.notices.size(), 3U);
-  EXPECT_EQ(listener.notices[0].meter, "Total");
+  EXPECT_THAT(listener.notices[0], FieldsAre(clock.now, "Total", "Total: Using 1,300.0 Watts",
+                                             "Total: Using 1,300.0 Watts\r\n"));
   EXPECT_EQ(listener.notices[2].line, "B: Using 700.0 Watts");
   EXPECT_EQ(listener.notices[2].text,
             "Total: Using 1,300.0 Watts\r\nA: Using 600.0 Watts\r\nB: Using 700.0 Watts\r\n");
-  EXPECT_EQ(desktop.waves.size(), 3U);
+  EXPECT_THAT(desktop.waves, ElementsAre("notice.wav", "notice.wav", "notice.wav"));
+  Use(600, 600, 700.04);
+  EXPECT_EQ(listener.notices.size(), 3U);
+  Use(1, 600, 700.04);
+  EXPECT_EQ(listener.notices.size(), 6U);
 }
 
 TEST_F(MonitorAlarmTest, HoldsANoticeBackWhileAnotherWindowIsOpenOrNothingFlows) {
-  StartWithAlarms();
   port.opens = false;
   port.Close();
   Use(100, 600, 100);
@@ -175,8 +155,7 @@ TEST_F(MonitorAlarmTest, HoldsANoticeBackWhileAnotherWindowIsOpenOrNothingFlows)
   EXPECT_THAT(listener.notices, IsEmpty()) << "it counts as given";
 }
 
-// A log without a name fails whenever it is due, so that the errors tell when that was.
-TEST_F(MonitorTest, LogsWhatIsDueAndWaitsForTheNextSlot) {
+TEST_F(MonitorTest, LogsWhatIsDueOnceThereAreAMeterAndAPort) {
   Put("Settings", "LogToCSV", "True");
   clock.now = At("2026-11-16T20:07:30.500");
   Start();
@@ -193,14 +172,95 @@ TEST_F(MonitorTest, LogsWhatIsDueAndWaitsForTheNextSlot) {
   EXPECT_THAT(listener.errors, ElementsAre(StartsWith("Error Writing Log File - ")));
   EXPECT_EQ(listener.infoTexts.back(), "Click here to view errors...");
   EXPECT_THAT(prompts.asked, IsEmpty());
-  while (clock.now < At("2026-11-16T20:14:59")) Tick();
-  EXPECT_EQ(listener.errors.size(), 1U);
+}
+
+const char* const kFile = "2.9\r\n27 August 2010\r\nhttp://maker.example/setup.exe\r\n";
+
+constexpr std::int64_t kHour = 3600000;  // ms
+
+struct MonitorUpdateTest : WebMonitorTest {
+  MonitorUpdateTest() {
+    Put("ServiceEndpoints", "VersionFileURL", "http://maker.example/version.txt");
+  }
+  /// A tick more than an hour after the last check.
+  void TickWhenDue() {
+    clock.Advance(kHour);
+    Tick();
+  }
+};
+
+TEST_F(MonitorUpdateTest, ChecksEveryHourWhenTheSettingSaysSo) {
+  Start();
+  clock.Advance(kHour - 1000);
   Tick();
-  EXPECT_EQ(listener.errors.size(), 2U);
-  // The computer sleeps for hours.
-  clock.Advance(std::int64_t{3} * 3600000);
-  Tick(2);
-  EXPECT_EQ(listener.errors.size(), 3U);
+  EXPECT_EQ(versionAlert.requests.size(), 0U) << "the hour is not over";
+  Tick();
+  EXPECT_EQ(versionAlert.requests.size(), 1U);
+  clock.Advance(kHour - 1000);
+  Tick();
+  monitor->Profile().Settings().AutoUpdate = false;
+  TickWhenDue();
+  monitor->CheckForUpdates(false);
+  EXPECT_EQ(versionAlert.requests.size(), 1U);
+  monitor->Profile().Settings().AutoUpdate = true;
+  Tick();
+  EXPECT_EQ(versionAlert.requests.size(), 2U);
+  // A clock that was set back delays it by no more than that hour.
+  clock.now = clock.now.PlusDays(-400);
+  Tick();
+  TickWhenDue();
+  EXPECT_EQ(versionAlert.requests.size(), 3U);
+}
+
+TEST_F(MonitorUpdateTest, ATickPublishesThenChecksThenShowsTheStatus) {
+  Put("Settings", "LogToPachube", "True");
+  PutMeter("Kitchen", 5);
+  Start();
+  std::vector<std::string> order;
+  pump.onRound = [&](int) {
+    if (pachube.IsBusy()) order.emplace_back("publish");
+    if (versionAlert.IsBusy()) order.emplace_back("check");
+  };
+  listener.duringStatusUpdate = [&] { order.emplace_back("status"); };
+  TickWhenDue();
+  EXPECT_THAT(order, ElementsAre("publish", "check", "status"));
+}
+
+TEST_F(MonitorUpdateTest, ReadingsGoOnWhileTheUserThinks) {
+  PutMeter("Kitchen", 5);
+  Start();
+  versionAlert.answers = {{kFile}};
+  prompts.updateAnswers = {UpdateAnswer::Download};
+  prompts.duringOffer = [this] {
+    EXPECT_TRUE(monitor->IsUpdateTimerEnabled());
+    Arrive(Frame120W(5));
+    TickWhenDue();
+  };
+  TickWhenDue();
+  EXPECT_THAT(listener.readings, ElementsAre("Kitchen"));
+  EXPECT_EQ(prompts.offers.size(), 1U);
+  EXPECT_THAT(desktop.addresses, ElementsAre("http://maker.example/setup.exe"));
+  EXPECT_EQ(listener.exits, 1);
+}
+
+TEST_F(MonitorUpdateTest, AnOfferWaitsUntilNoOtherWindowIsOpen) {
+  Start();
+  versionAlert.answers = {{kFile}};
+  listener.showsNotices = false;
+  TickWhenDue();
+  Tick();
+  EXPECT_THAT(prompts.offers, IsEmpty());
+  listener.showsNotices = true;
+  Tick();
+  EXPECT_EQ(prompts.offers.size(), 1U);
+  EXPECT_EQ(versionAlert.requests.size(), 1U);
+  EXPECT_EQ(listener.exits, 0);
+  // Nothing is told once the program ends.
+  versionAlert.answers = {{kFile}};
+  pump.onRound = [this](int) { monitor->StopRunning(); };
+  TickWhenDue();
+  EXPECT_EQ(prompts.offers.size(), 1U);
+  EXPECT_FALSE(monitor->IsUpdateTimerEnabled());
 }
 
 }  // namespace

@@ -36,6 +36,19 @@ struct MonitorTest : testing::Test {
   void PutMeter(const std::string& name, int address) {
     Put("KillAWatts\\" + name, "XBeeAddress", std::to_string(address));
   }
+  void PutMeterWithAlarm(const std::string& name, int address) {
+    PutMeter(name, address);
+    Put("KillAWatts\\" + name, "AlarmActive", "True");
+  }
+  /// One reading a second of two meters, each followed by a tick.
+  void Use(int seconds, double wattsOfFirst, double wattsOfSecond) {
+    for (int i = 0; i <= seconds; ++i) {
+      if (i > 0) clock.Advance(1000);
+      Meter(0).AddReading(120, 1, wattsOfFirst, clock.now, clock.ticks);
+      Meter(1).AddReading(120, 1, wattsOfSecond, clock.now, clock.ticks);
+      if (i > 0) monitor->UpdateCycle();
+    }
+  }
   Monitor& Start(std::optional<bool> demoMode = {}) {
     Monitor::Options options;
     options.noticeSoundFile = "notice.wav";

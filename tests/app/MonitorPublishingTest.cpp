@@ -162,21 +162,10 @@ TEST_F(MonitorPublishingTest, KeepsOffTheWebWithoutPorts) {
 
 struct MonitorTwitterAlarmTest : MonitorPublishingTest {
   MonitorTwitterAlarmTest() {
-    PutMeter("Office", 6);
+    PutMeterWithAlarm("Kitchen", 5);
+    PutMeterWithAlarm("Office", 6);
     Enable({"AlarmsToTwitter"});
     Put("Settings", "TwitterAlarmMessage", "%N!");
-    for (const char* name : {"Kitchen", "Office"}) {
-      Put(std::string("KillAWatts\\") + name, "AlarmActive", "True");
-    }
-  }
-  /// Both meters use too much for longer than the alarm's duration, by one tick.
-  void Alarm() {
-    for (int i = 0; i <= 61; ++i) {
-      if (i > 0) clock.Advance(1000);
-      Meter(0).AddReading(120, 1, 600, clock.now, clock.ticks);
-      Meter(1).AddReading(120, 1, 700, clock.now, clock.ticks);
-    }
-    monitor->UpdateCycle();
   }
 };
 
@@ -184,7 +173,7 @@ TEST_F(MonitorTwitterAlarmTest, PostsEveryAlarmQuietlyEvenOnesThatNoNoticeShows)
   twitter.answers = {{kTweeted}, {"no"}};
   listener.showsNotices = false;
   Start();
-  Alarm();
+  Use(61, 600, 700);
   ASSERT_EQ(twitter.requests.size(), 2U);
   EXPECT_EQ(twitter.requests[0].body, "status=Kitchen!");
   EXPECT_EQ(twitter.requests[1].body, "status=Office!");
@@ -196,7 +185,7 @@ TEST_F(MonitorTwitterAlarmTest, PostsEveryAlarmQuietlyEvenOnesThatNoNoticeShows)
   Put("Settings", "AlarmsToTwitter", "False");
   listener.showsNotices = true;
   Start();
-  Alarm();
+  Use(61, 600, 700);
   EXPECT_EQ(twitter.requests.size(), 2U);
   EXPECT_EQ(listener.notices.size(), 2U);
 }
@@ -207,7 +196,7 @@ TEST_F(MonitorTwitterAlarmTest, SkipsAMeterThatIsRemovedMeanwhile) {
     if (round > 1) return;
     while (!monitor->Profile().Meters().IsEmpty()) monitor->Profile().Meters().Remove(Meter(0));
   };
-  Alarm();
+  Use(61, 600, 700);
   EXPECT_EQ(twitter.requests.size(), 1U);
 }
 

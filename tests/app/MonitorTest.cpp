@@ -116,43 +116,34 @@ TEST_F(MonitorTest, LeavesBytesInThePortWhileBusy) {
   EXPECT_FALSE(port.IsOpen());
 }
 
-TEST_F(MonitorTest, ReportsCommunicationErrorsAndGoesOn) {
+TEST_F(MonitorTest, ReportsErrorsWithTheirMomentInABoxWhenAskedAndEndsNothing) {
   PutMeter("Kitchen", 5);
   Start();
   port.readFailure = "cable pulled";
   Arrive({});
-  EXPECT_THAT(listener.errors, ElementsAre("Communications Error - cable pulled"));
-  EXPECT_EQ(monitor->Errors().Text(),
-            "11/16/2026 8:10:00 PM: Communications Error - cable pulled\r\n");
-  EXPECT_THAT(prompts.asked, IsEmpty());
   port.readFailure.clear();
+  monitor->ReportError("first", At("2026-01-02T03:04:05"));
+  EXPECT_THAT(prompts.asked, IsEmpty());
+  monitor->ReportError("second", DateTime(), false);
+  EXPECT_THAT(prompts.asked,
+              ElementsAre(FieldsAre("second", "Error!", PromptIcon::Exclamation, _, _)));
+  EXPECT_EQ(monitor->Errors().Text(),
+            "11/16/2026 8:10:00 PM: Communications Error - cable pulled\r\n"
+            "1/2/2026 3:04:05 AM: first\r\n11/16/2026 8:10:00 PM: second\r\n");
   listener.duringReading = [] { throw std::runtime_error("bad meter"); };
   Arrive(Frame120W(5));
   EXPECT_EQ(listener.errors.back(), "Communications Error - bad meter");
   listener.duringReading = nullptr;
-  Arrive(Frame120W(5));
-  EXPECT_EQ(monitor->Frames().delivered, 2U) << "busy no longer";
-  monitor->ClearErrors();
-  EXPECT_TRUE(monitor->Errors().IsEmpty());
-  EXPECT_EQ(listener.infoTexts.back(), "");
-}
-
-TEST_F(MonitorTest, ReportsErrorsWithTheirMomentInABoxWhenAskedAndEndsNothing) {
-  PutMeter("Kitchen", 5);
-  Start();
-  monitor->ReportError("first", At("2026-01-02T03:04:05"));
-  monitor->ReportError("second", DateTime(), false);
-  EXPECT_EQ(monitor->Errors().Text(),
-            "1/2/2026 3:04:05 AM: first\r\n11/16/2026 8:10:00 PM: second\r\n");
-  EXPECT_THAT(prompts.asked,
-              ElementsAre(FieldsAre("second", "Error!", PromptIcon::Exclamation, _, _)));
   listener.duringStatusUpdate = [] { throw std::runtime_error("no face"); };
   Tick();
   EXPECT_EQ(listener.errors.back(), "no face");
   EXPECT_TRUE(monitor->IsUpdateTimerEnabled());
   listener.duringStatusUpdate = nullptr;
   Arrive(Frame120W(5));
-  EXPECT_THAT(listener.readings, ElementsAre("Kitchen"));
+  EXPECT_EQ(monitor->Frames().delivered, 2U) << "busy no longer";
+  monitor->ClearErrors();
+  EXPECT_TRUE(monitor->Errors().IsEmpty());
+  EXPECT_EQ(listener.infoTexts.back(), "");
 }
 
 TEST(ErrorList, KeepsTheNewestThousandAndMebibyte) {

@@ -35,16 +35,6 @@ struct Stored : MonitorTest {
   std::unique_ptr<ProfileData> profile;
 };
 
-TEST_F(Stored, AFreshProfileHasDefaultsAndNoMeters) {
-  Load();
-  EXPECT_TRUE(profile->Meters().IsEmpty());
-  EXPECT_EQ(profile->Settings().PortNum, 3);
-  EXPECT_EQ(profile->Settings().CSVFilename, "/profile/wattlark.csv");
-  EXPECT_EQ(profile->Total().Name(), "Total");
-  EXPECT_EQ(profile->Total().Timestamp(), At("2026-11-16T20:10:00"));
-  EXPECT_THAT(profile->Problems(), IsEmpty());
-}
-
 TEST_F(Stored, MetersKeepTheirOrderAndRemovedAndRenamedOnesLeaveNoKey) {
   PutMeter("Washer", "9");
   PutMeter("Kitchen", "5");
@@ -156,6 +146,7 @@ TEST_F(Stored, LoadsOnPastEverythingThatIsWrongAndKeepsTextsItCannotRead) {
   Put("TotalKillAWatt", "PeakToday", "more");
   EXPECT_THAT(LoadedNames(), ElementsAre("A", "B"));
   EXPECT_EQ(profile->Settings().PortNum, 3);
+  EXPECT_EQ(profile->Settings().CSVFilename, "/profile/wattlark.csv");
   EXPECT_EQ(profile->Settings().CSVInterval, 60);
   EXPECT_EQ(profile->Meters()[1].Statistics().Usage(ToDate), 0);
   EXPECT_THAT(profile->Problems(), ElementsAre(HasSubstr("PortNum"), HasSubstr("many"),
@@ -237,15 +228,6 @@ TEST_F(TotalKillAWatt, LeavesOutVoltsThatAreMissing) {
   EXPECT_EQ(total.Volts(), 118);
   EXPECT_EQ(total.Amps(), 2);
   EXPECT_EQ(total.Watts(), 600);
-}
-
-TEST_F(TotalKillAWatt, RecordsZeroWattsWithoutReceivingMeters) {
-  Add(1, 120, 2, 500);
-  Update("2026-11-16T20:10:05");
-  EXPECT_EQ(total.Watts(), 0);
-  EXPECT_EQ(total.Volts(), NoValue);
-  EXPECT_EQ(total.Amps(), NoValue);
-  EXPECT_EQ(total.Timestamp(), At("2026-11-16T20:10:05"));
 }
 
 }  // namespace

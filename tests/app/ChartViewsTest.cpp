@@ -1,14 +1,24 @@
 #include <gmock/gmock.h>
 
+#include <cmath>
 #include <cstdint>
 #include <limits>
 
+#include "acquisition/MeterStatistics.h"
+#include "acquisition/clsXBee.h"
+#include "app/ChartScale.h"
+#include "app/PacketChartView.h"
 #include "app/RecentChartView.h"
 #include "support/RegionalForms.h"
+#include "twins/Frames.h"
 #include "twins/HandClock.h"
 
 namespace wattlark {
 namespace {
+
+using testing::DoubleEq;
+using testing::ElementsAre;
+using testing::IsEmpty;
 
 const RegionalSettings kUnitedStates = RegionalSettings::UnitedStates();
 
@@ -141,6 +151,84 @@ TEST_F(RecentChart, ShadesTheAlarmZonesOfPower) {
   EXPECT_EQ(zones->lower, 100);
   EXPECT_EQ(zones->upper, 1500);
   for (const int unit : {1, 2, 3}) EXPECT_FALSE(View(unit, Minute).zones) << unit;
+}
+
+TEST(PacketChart, ShowsThePacketOrWhenThereWasOne) {
+  RegionalSettings regional = RegionalSettings::UnitedStates();
+  clsKillAWatt meter;
+  const auto view = [&] { return MakePacketChartView(meter, regional); };
+  EXPECT_EQ(view().header, "No Data");
+  EXPECT_THAT(view().amps, IsEmpty());
+  // The time is that of the packet before the start.
+  meter.Statistics().SetTimestamp(At("2026-11-15T08:05:01"));
+  EXPECT_EQ(view().header, "Sampled @ 8:05:01 AM");
+  EXPECT_THAT(view().volts, IsEmpty());
+  HandClock clock;
+  clsXBee decoder(clock);
+  decoder.ParseBytes(MeterFrame(5, {512, 612, 412}, {498, 529, 467}));
+  ASSERT_TRUE(decoder.SampleDecoded());
+  meter.ProcessPacket(decoder);
+  // 0.6 V a count from the middle of 412 and 612; 1/15.5 A a count from 498.
+  EXPECT_THAT(view().volts, ElementsAre(DoubleEq(0), DoubleEq(60), DoubleEq(-60)));
+  EXPECT_THAT(view().amps, ElementsAre(DoubleEq(0), DoubleEq(2), DoubleEq(-2)));
+  EXPECT_EQ(view().header, "Sampled @ 8:10:00 PM");
+  regional = France();
+  EXPECT_EQ(view().header, "Sampled @ 20:10:00");
+}
+
+void ExpectScale(const ValueScale& scale, const ValueScale& expected) {
+  EXPECT_DOUBLE_EQ(scale.lower, expected.lower);
+  EXPECT_DOUBLE_EQ(scale.upper, expected.upper);
+  EXPECT_DOUBLE_EQ(scale.step, expected.step);
+}
+
+TEST(ChartScale, CoversTheValuesWithRoundNumbers) {
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  constexpr double kLargest = std::numeric_limits<double>::max();
+  using Row = std::tuple<double, double, int, ValueScale>;
+  for (const auto& [minimum, maximum, steps, scale] :
+       {Row{400, 980, 4, {0, 1000, 250}}, Row{0, 1000, 4, {0, 1000, 250}},
+        Row{0, 1001, 4, {0, 1500, 500}}, Row{0, 0.3, 3, {0, 0.3, 0.1}},
+        Row{-120, 90, 4, {-200, 100, 100}}, Row{-80, -20, 4, {-80, 0, 20}},
+        Row{0, 7e-7, 4, {0, 8e-7, 2e-7}},
+        // Nothing to cover.
+        Row{0, 0, 4, {0, 1, 0.25}}, Row{kInfinity, NAN, 4, {0, 1, 0.25}},
+        Row{-kLargest, kLargest, 4, {0, 1, 0.25}}}) {
+    SCOPED_TRACE(maximum);
+    ExpectScale(MakeValueScale(minimum, maximum, steps), scale);
+  }
+  ExpectScale(MakeCentredScale(170, 2), {-200, 200, 100});
+}
+
+TEST(ChartScale, LabelsSayOnlyWhatTheStepNeeds) {
+  using Row = std::tuple<ValueScale, double, const char*>;
+  for (const auto& [scale, value, text] :
+       {Row{{0, 1000, 250}, 1000, "1,000"}, Row{{0, 10, 2.5}, 5, "5.0"},
+        Row{{0, 0.1, 0.025}, 0.05, "0.050"}, Row{{-0.3, 0.3, 0.1}, -0.3 + 3 * 0.1, "0"},
+        Row{{0, 2e6, 5e5}, 1.5e6, "1.5M"}, Row{{0, 2e6, 5e5}, 0, "0"},
+        Row{{0, 4e9, 1e9}, 3e9, "3G"}, Row{{0, 4e12, 1e12}, -3e12, "-3T"},
+        Row{{0, 4e16, 1e16}, 3e16, "3e+16"}}) {
+    EXPECT_EQ(ValueLabel(RegionalSettings::UnitedStates(), scale, value), text);
+  }
+  EXPECT_EQ(ValueLabel(Germany(), {0, 10, 2.5}, 7.5), "7,5");
+  EXPECT_EQ(ValueLabel(Germany(), {0, 1000, 250}, 1000), "1.000");
+}
+
+TEST(ChartScale, TimeTicksAreFewAndRound) {
+  using Row = std::tuple<int, std::int64_t, std::int64_t, int, std::vector<std::int64_t>>;
+  for (const auto& [interval, first, last, most, ticks] :
+       {Row{Minute, 6002, 6061, 4, {6015, 6030, 6045, 6060}},
+        Row{Minute, 6002, 6061, 3, {6020, 6040, 6060}}, Row{Minute, 6002, 6061, 1, {6060}},
+        // Before 1980 slots are negative.
+        Row{Hour, -61, -2, 4, {-60, -45, -30, -15}}, Row{Day, 482, 505, 4, {486, 492, 498, 504}},
+        Row{Week, 100, 106, 7, {100, 101, 102, 103, 104, 105, 106}},
+        Row{Week, 100, 106, 4, {100, 102, 104, 106}},
+        Row{Month, 100, 130, 5, {102, 109, 116, 123, 130}},
+        Row{Year, 551, 562, 4, {552, 555, 558, 561}},
+        // An interval that does not exist is the first one.
+        Row{7, 6002, 6061, 4, {6015, 6030, 6045, 6060}}}) {
+    EXPECT_EQ(TimeTicks(interval, first, last, most), ticks) << interval << ' ' << most;
+  }
 }
 
 }  // namespace
