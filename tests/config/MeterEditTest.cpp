@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "config/MeterCalibration.h"
 #include "config/MeterEdit.h"
 #include "support/NoValue.h"
 #include "support/RegionalForms.h"
@@ -11,6 +12,8 @@
 
 namespace wattlark {
 namespace {
+
+using enum CalibrationStep;
 
 const RegionalSettings kUnitedStates = RegionalSettings::UnitedStates();
 
@@ -29,29 +32,6 @@ struct MeterEditTest : testing::Test {
 
   MeterCollection meters;
 };
-
-TEST_F(MeterEditTest, ShowsTheMeter) {
-  Kitchen().SetNominalVoltage(239.6);
-  Kitchen().SetNominalFrequency(50);
-  Kitchen().SetKillAWattType(GeneratorMeter);
-  Alarm().SetAlarmActive(true);
-  Alarm().SetAlarmUpperLimit(1500);
-  Alarm().SetAlarmLowerLimit(98.7);
-  Alarm().SetAlarmDuration(0);
-  Alarm().SetAlarmInterval(30);
-  const MeterEdit edit = Filled();
-  EXPECT_EQ(edit.name, "Kitchen");
-  EXPECT_EQ(edit.xbeeAddress, "5");
-  EXPECT_EQ(edit.voltage, 1);
-  EXPECT_EQ(edit.frequency, 0);
-  EXPECT_EQ(edit.killAWattType, 1);
-  EXPECT_TRUE(edit.alarmActive);
-  EXPECT_EQ(edit.upperLimit, "1,500.0");
-  EXPECT_EQ(edit.lowerLimit, "98.70");
-  EXPECT_EQ(edit.alarmDuration, 0) << "the first entry that carries 0";
-  EXPECT_EQ(edit.alarmInterval, 1) << "\"5 minutes\" carries 30";
-  EXPECT_EQ(MakeMeterEdit(Kitchen(), Germany()).upperLimit, "1.500,0");
-}
 
 TEST_F(MeterEditTest, NamesTheFirstFieldThatDoesNotFit) {
   constexpr const char* kAddressText = "XBee Address: Enter a whole number from 0 to 32767.";
@@ -108,7 +88,7 @@ TEST_F(MeterEditTest, ANewMeterNeedsAFreeAddressAndIsLeftOutOfTheCollection) {
   EXPECT_EQ(meters.FindAddress(77), nullptr);
 }
 
-TEST_F(MeterEditTest, WritesEveryField) {
+TEST_F(MeterEditTest, WritesAndShowsEveryField) {
   const MeterEdit edit{"Solar", "77", 1, 0, 1, true, "2,500", "-10.5", 3, 2};
   ASSERT_FALSE(CheckMeterEdit(edit, meters, Kitchen(), kUnitedStates));
   EXPECT_FALSE(Apply(edit));
@@ -123,6 +103,18 @@ TEST_F(MeterEditTest, WritesEveryField) {
   EXPECT_EQ(Alarm().AlarmLowerLimit(), -10.5);
   EXPECT_EQ(Alarm().AlarmDuration(), 15);
   EXPECT_EQ(Alarm().AlarmInterval(), 600);
+  Kitchen().SetNominalVoltage(239.6);  // shown by the entry beside it
+  const auto [name, address, voltage, frequency, type, active, upper, lower, duration, interval] =
+      Filled();
+  EXPECT_EQ(name + ' ' + address + ' ' + upper + ' ' + lower, "Solar 77 2,500.0 -10.500");
+  EXPECT_EQ((std::vector{voltage, frequency, type, duration, interval}),
+            (std::vector{1, 0, 1, 3, 2}));
+  EXPECT_TRUE(active);
+  EXPECT_EQ(MakeMeterEdit(Kitchen(), Germany()).upperLimit, "2.500,0");
+  Alarm().SetAlarmDuration(0);
+  Alarm().SetAlarmInterval(30);
+  EXPECT_EQ(Filled().alarmDuration, 0) << "the first entry that carries 0";
+  EXPECT_EQ(Filled().alarmInterval, 1) << "\"5 minutes\" carries 30";
 }
 
 TEST_F(MeterEditTest, ScalesTheCalibrationWithTheVoltage) {
@@ -199,6 +191,73 @@ TEST(IsLimitCharacter, LetsOnlyNumbersThrough) {
     }
     EXPECT_EQ(passed, c.passed);
   }
+}
+
+// From 0.6 volts/bit, 498 counts and 0.0625 amps/bit; the scales are limited to 0.75 and 1.25 times
+// 0.6 and 1 / 15.5, the offset to 0 and 1023.
+constexpr struct {
+  CalibrationStep step;
+  int position;
+  double value;
+  const char* text;
+  bool isLimited;
+} kAdjustments[] = {
+    {VoltageScaler, 0, 0.6, "0.6 volts/bit", false},
+    {VoltageScaler, 10, 0.54, "0.54 volts/bit", false},
+    {VoltageScaler, -10, 0.66, "0.66 volts/bit", false},
+    {VoltageScaler, 100, 0.45, "0.45 volts/bit", true},
+    {VoltageScaler, -100, 0.75, "0.75 volts/bit", true},
+    {CurrentOffset, 1, 499, "499 counts", false},
+    {CurrentOffset, -100, 398, "398 counts", false},
+    {CurrentScaler, 20, 0.05, "0.05 amps/bit", false},
+    {CurrentScaler, -20, 0.075, "0.075 amps/bit", false},
+    {CurrentScaler, 100, 0.75 / 15.5, "0.0483870967741935 amps/bit", true},
+    {CurrentScaler, -100, 1.25 / 15.5, "0.0806451612903226 amps/bit", true},
+};
+
+double ValueOf(const clsKillAWatt& meter, CalibrationStep step) {
+  if (step == VoltageScaler) return meter.VoltageScaler();
+  return step == CurrentOffset ? meter.CurrentOffset() : meter.CurrentScaler();
+}
+
+TEST(MeterCalibrationTest, AdjustsFromTheStartingValuesWithinTheLimits) {
+  clsKillAWatt meter;
+  meter.SetCurrentScaler(0.0625);
+  MeterCalibration calibration(meter);
+  for (const auto& test : kAdjustments) {
+    calibration.Adjust(test.step, test.position);
+    EXPECT_NEAR(ValueOf(meter, test.step), test.value, 1e-15) << test.text;
+    EXPECT_EQ(calibration.ValueText(test.step, RegionalSettings::UnitedStates()), test.text);
+    EXPECT_EQ(calibration.IsLimited(test.step), test.isLimited) << test.text;
+  }
+  calibration.Adjust(CurrentScaler, 0);
+  EXPECT_EQ(calibration.ValueText(CurrentScaler, Germany()), "0,0625 amps/bit");
+}
+
+TEST(MeterCalibrationTest, BackAtZeroAndRestoredTheValuesAreTheSameToTheLastBit) {
+  clsKillAWatt meter;
+  meter.SetVoltageScaler(0.6123456789012345);
+  meter.SetCurrentOffset(1000);
+  meter.SetCurrentScaler(0.0712345678901234);
+  MeterCalibration calibration(meter);
+  const auto isAsBefore = [&] {
+    return meter.VoltageScaler() == 0.6123456789012345 && meter.CurrentOffset() == 1000 &&
+           meter.CurrentScaler() == 0.0712345678901234;
+  };
+  for (const int position : {3, 0}) {
+    for (const auto step : {VoltageScaler, CurrentOffset, CurrentScaler}) {
+      for (int back = 100; back >= position; --back) calibration.Adjust(step, back);
+    }
+    EXPECT_EQ(isAsBefore(), position == 0);
+  }
+  for (const auto step : {VoltageScaler, CurrentOffset, CurrentScaler}) {
+    calibration.Adjust(step, 50);
+    EXPECT_TRUE(calibration.IsLimited(step));
+  }
+  EXPECT_EQ(meter.CurrentOffset(), 1023);
+  calibration.Restore();
+  EXPECT_TRUE(isAsBefore());
+  EXPECT_FALSE(calibration.IsLimited(CurrentOffset));
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <array>
-
+#include "RegionalForms.h"
+#include "support/RegionalSettings.h"
 #include "twins/HandClock.h"
 
 namespace wattlark {
@@ -57,33 +57,6 @@ TEST(DateTime, RefusesOtherForms) {
   }
 }
 
-TEST(DateTime, CountsBoundaries) {
-  using Counts =
-      std::array<std::int64_t, 7>;  // seconds, minutes, hours, days, weeks, months, years
-  using Row = std::tuple<const char*, const char*, Counts>;
-  const auto between = [](DateTime from, DateTime to, int sign) {
-    Counts counts{from.SecondsTo(to), from.MinutesTo(to), from.HoursTo(to), from.DaysTo(to),
-                  from.WeeksTo(to),   from.MonthsTo(to),  from.YearsTo(to)};
-    for (std::int64_t& count : counts) count *= sign;
-    return counts;
-  };
-  for (const auto& [from, to, counts] :
-       {Row{"2010-01-01T10:00:00.999", "2010-01-01T10:00:01", {1, 0, 0, 0, 0, 0, 0}},
-        Row{"2010-01-01T10:00:00", "2010-01-01T10:00:00.999", {0, 0, 0, 0, 0, 0, 0}},
-        Row{"2010-01-01T23:59:00", "2010-01-02T00:01:00", {120, 2, 1, 1, 0, 0, 0}},
-        // Saturday to Sunday, Sunday to Saturday, and Friday to Monday.
-        Row{"2010-01-02T23:59:59", "2010-01-03T00:00:00", {1, 1, 1, 1, 1, 0, 0}},
-        Row{"2010-01-03T00:00:00", "2010-01-09T00:00:00", {518400, 8640, 144, 6, 0, 0, 0}},
-        Row{"2010-01-08T12:00:00", "2010-01-11T12:00:00", {259200, 4320, 72, 3, 1, 0, 0}},
-        Row{"1969-12-31T23:59:59.500", "1970-01-01T00:00:00.500", {1, 1, 1, 1, 0, 1, 1}},
-        Row{"2008-02-28T00:00:00",
-            "2010-03-01T00:00:00",
-            {63244800, 1054080, 17568, 732, 105, 25, 2}}}) {
-    EXPECT_EQ(between(At(from), At(to), 1), counts) << from;
-    EXPECT_EQ(between(At(to), At(from), -1), counts) << from;
-  }
-}
-
 TEST(DateTime, StartsOfHourAndDay) {
   EXPECT_EQ(At("2010-05-06T17:59:59.999").StartOfHour(), At("2010-05-06T17:00:00"));
   EXPECT_EQ(At("2010-05-06T17:59:59.999").StartOfDay(), At("2010-05-06T00:00:00"));
@@ -104,6 +77,92 @@ TEST(DateTime, AddsEveryUnit) {
   EXPECT_EQ(start.PlusMinutes(1).ToIso(), "2008-02-29T00:00:59.500");
   EXPECT_EQ(start.PlusHours(48).ToIso(), "2008-03-01T23:59:59.500");
   EXPECT_EQ(start.PlusDays(-59).ToIso(), "2007-12-31T23:59:59.500");
+}
+
+TEST(FormatDateTime, WritesThePattern) {
+  using Row = std::tuple<const char*, const char*, const char*>;
+  for (const auto& [pattern, moment, text] :
+       {Row{"h:mm:ss AP", "2010-03-07T00:05:09", "12:05:09 AM"},
+        Row{"h:mm:ss AP", "2010-03-07T12:05:09", "12:05:09 PM"},
+        Row{"hh AP", "2010-03-07T13:00:00", "01 PM"}, Row{"H:mm", "2010-03-07T03:04:05", "3:04"},
+        Row{"yyyy-MM-ddTHH:mm:ss'.000Z'", "2010-03-07T03:04:05", "2010-03-07T03:04:05.000Z"},
+        Row{"ddd MMM d, yyyy", "2010-03-07T03:04:05", "Sun Mar 7, 2010"},
+        Row{"dddd MMMM", "2010-12-04T03:04:05", "Saturday December"},
+        Row{"d'd' H'h'", "2010-12-06T03:04:05", "6d 3h"},
+        Row{"h 'o''clock'", "2010-12-06T03:04:05", "3 o'clock"},
+        Row{"''yyyy", "0099-12-06T03:04:05", "'0099"},
+        Row{"d 'never closed yyyy", "2010-12-06T03:04:05", "6 never closed yyyy"}}) {
+    EXPECT_EQ(FormatDateTime(RegionalSettings::UnitedStates(), At(moment), pattern), text);
+  }
+  EXPECT_EQ(FormatDateTime(RegionalSettings::UnitedStates(), DateTime(), "'text'"), "");
+  EXPECT_EQ(FormatDateAndTime(RegionalSettings::UnitedStates(), DateTime()), "");
+}
+
+// Besides, every moment that tells hours, halves of the day and months apart comes back.
+TEST(FormatDateAndTime, IsWrittenInEachRegionsFormAndReadBack) {
+  using Row = std::tuple<RegionalSettings, const char*, const char*>;
+  for (const auto& [regional, moment, text] :
+       {Row{RegionalSettings::UnitedStates(), "2010-03-07T15:04:05", "3/7/2010 3:04:05 PM"},
+        Row{Germany(), "2010-03-07T15:04:05", "07.03.2010 15:04:05"},
+        Row{WithPatterns("ddMMyyyy", "HHmmss"), "2010-11-12T15:04:05", "12112010 150405"},
+        Row{WithPatterns("d. M. yyyy ", "H:mm:ss"), "2010-11-12T05:04:05", "12. 11. 2010  5:04:05"},
+        Row{WithPatterns("d.MM.yyyy 'г'.", "H:mm:ss 'ч'."), "2010-11-02T05:04:05",
+            "2.11.2010 г. 5:04:05 ч."},
+        Row{WithPatterns("yyyy'年'M'月'd'日'", "AP h:mm:ss", "오전", "오후"), "2010-11-02T15:04:05",
+            "2010年11月2日 오후 3:04:05"},
+        Row{WithPatterns("d/M/yyyy", "h:mm:ss AP", "π.μ.", "μ.μ."), "2010-11-02T00:04:05",
+            "2/11/2010 12:04:05 π.μ."},
+        Row{WithPatterns("dddd, d MMMM yyyy", "HH:mm:ss"), "2010-05-31T00:00:00",
+            "Monday, 31 May 2010 00:00:00"},
+        Row{WithPatterns("ddd, d-MMM-yyyy", "hh:mm:ss\u202FAP"), "2010-05-31T12:00:00",
+            "Mon, 31-May-2010 12:00:00\u202FPM"},
+        Row{WithPatterns("yyyy-MM-dd", "h:mm:ss AP", "M", "MM"), "2010-05-31T13:00:00",
+            "2010-05-31 1:00:00 MM"},
+        Row{WithPatterns("M/d/yyyy", "h:mm:ss AP", "", "p.m."), "2010-05-31T13:00:00",
+            "5/31/2010 1:00:00 p.m."}}) {
+    EXPECT_EQ(FormatDateAndTime(regional, At(moment)), text);
+    EXPECT_EQ(ParseDateAndTime(regional, text), At(moment)) << text;
+    for (int hours = 0; hours < 366 * 24; hours += 5) {
+      const DateTime other = At("2008-01-01T00:59:07").PlusHours(hours);
+      const std::string written = FormatDateAndTime(regional, other);
+      ASSERT_EQ(ParseDateAndTime(regional, written), other) << written;
+    }
+  }
+}
+
+TEST(ParseDateAndTime, AcceptsWhatPeopleAndSystemsVary) {
+  const RegionalSettings regional = RegionalSettings::UnitedStates();
+  for (const char* text :
+       {" 3/7/2010 3:04:05 PM\r\n", "3/7/2010 3:04:05 pm", "03/07/2010 03:04:05 PM",
+        "3/7/2010 3:04:05\u202FPM", "3/7/2010\u00A03:04:05 Pm\t"}) {
+    EXPECT_EQ(ParseDateAndTime(regional, text), At("2010-03-07T15:04:05")) << text;
+  }
+  // A missing time is midnight.
+  EXPECT_EQ(ParseDateAndTime(regional, "3/7/2010"), At("2010-03-07T00:00:00"));
+  EXPECT_EQ(ParseDateAndTime(WithPatterns("d. M. yyyy. ", "HH:mm"), " 7. 3. 2010. "),
+            At("2010-03-07T00:00:00"));
+}
+
+TEST(ParseDateAndTime, RefusesWhatIsNone) {
+  for (const char* text :
+       {"", " ", "0", "garbage", "3/7", "3/7/", "3/7/10", "3/7/10 3:04:05 PM", "3/7/20100",
+        "13/7/2010", "2/29/2010", "0/7/2010", "-3/7/2010", "3/7/-201", "3.7.2010", "3//2010"}) {
+    EXPECT_FALSE(ParseDateAndTime(RegionalSettings::UnitedStates(), text)) << text;
+  }
+  for (const char* time :
+       {" 3:04:05", " 3:04:05 XM", " 13:04:05 PM", " 0:04:05 AM", " 3:60:05 AM", " 3:04:60 AM",
+        " 3:04 AM", " 3:04:05 PM x", "x3:04:05 PM", " 99999999999:04:05 PM", " \xFF\xC3"}) {
+    const std::string text = std::string("3/7/2010") + time;
+    EXPECT_FALSE(ParseDateAndTime(RegionalSettings::UnitedStates(), text)) << text;
+  }
+  const RegionalSettings regional = WithPatterns("dddd d MMM M yyyy", "HH:mm:ss");
+  EXPECT_TRUE(ParseDateAndTime(regional, "Sunday 7 Mar 3 2010 00:00:00"));
+  for (const char* contradiction :
+       {"Monday 7 Mar 3 2010", "Sunday 7 Mar 4 2010", "Someday 7 Mar 3 2010"}) {
+    EXPECT_FALSE(ParseDateAndTime(regional, contradiction)) << contradiction;
+  }
+  EXPECT_FALSE(ParseDateAndTime(WithPatterns("M/yyyy", "HH:mm:ss"), "3/2010 00:00:00"));
+  EXPECT_FALSE(ParseDateAndTime(WithPatterns("", ""), "3/2010"));
 }
 
 }  // namespace

@@ -1,10 +1,15 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <string>
 
 #include "config/OptionsActions.h"
+#include "config/OptionsEdit.h"
 #include "config/OptionsLists.h"
+#include "config/ServiceStates.h"
 #include "config/modRegistry.h"
+#include "support/CompactPath.h"
+#include "support/RegionalForms.h"
 #include "twins/MemoryRegistry.h"
 #include "twins/ScriptedPrompts.h"
 
@@ -12,6 +17,92 @@ namespace wattlark {
 namespace {
 
 using testing::IsEmpty;
+
+// The numbers, each times its place in the list, add up to these.
+TEST(OptionsEdit, EveryStateFillsTheElectricityFields) {
+  const RegionalSettings us = RegionalSettings::UnitedStates();
+  std::string mils;
+  std::string co2;
+  std::string codes;
+  double milsSum = 0;
+  double co2Sum = 0;
+  int index = 0;
+  for (const auto& state : ServiceStates()) {
+    EXPECT_TRUE(FillElectricity(index++, us, mils, co2));
+    codes += state.code;
+    milsSum += index * ReadMils(us, mils).value();
+    co2Sum += index * ReadCO2(us, co2).value();
+  }
+  EXPECT_EQ(
+      codes,
+      "AKALARAZCACOCTDCDEFLGAHIIAIDILINKSKYLAMAMDMEMIMNMOMSMTNCNDNENHNJNMNVNYOHOKORPARISCSDTNTX"
+      "UTVAVTWAWIWVWY");
+  EXPECT_NEAR(milsSum, 1819.82, 1e-6);
+  EXPECT_NEAR(co2Sum, 122.2005, 1e-6);
+  for (const int outside : {-1, 51}) {
+    EXPECT_FALSE(FillElectricity(outside, us, mils, co2));
+    EXPECT_EQ(mils, "$2.2780");
+    EXPECT_EQ(co2, "0.0748");
+  }
+}
+
+TEST(OptionsEdit, ListsCarryTheirNumbers) {
+  const auto entries = [](std::span<const ListEntry> list) {
+    std::string found;
+    for (const ListEntry& entry : list) {
+      found += std::string(entry.text) + '=' + std::to_string(entry.number) + ' ';
+    }
+    return found;
+  };
+  const std::string upToAnHour = "10 minutes=600 15 minutes=900 30 minutes=1800 1 hour=3600 ";
+  EXPECT_EQ(entries(LogIntervalEntries()), "1 minute=60 5 minutes=300 " + upToAnHour);
+  EXPECT_EQ(entries(PowerMeterIntervalEntries()), upToAnHour);
+  EXPECT_EQ(entries(TwitterIntervalEntries()),
+            "1 hour=1 2 hours=2 3 hours=3 4 hours=4 6 hours=6 8 hours=8 12 hours=12 24 hours=24 ");
+  EXPECT_EQ(entries(PortNumEntries()),
+            "COM1:=1 COM2:=2 COM3:=3 COM4:=4 COM5:=5 COM6:=6 COM7:=7 COM8:=8 COM9:=9 COM10:=10 "
+            "COM11:=11 ");
+  const auto texts = [](std::span<const char* const> list) {
+    std::string joined;
+    for (const char* text : list) joined += std::string(text) + '|';
+    return joined;
+  };
+  EXPECT_EQ(texts(BaudRateEntries()),
+            "256000|128000|115200|57600|56000|38400|28800|19200|9600|4800|2400|1200|600|300|110|");
+  EXPECT_EQ(texts(ParityEntries()), " E| M| N| O| S|");
+  EXPECT_EQ(texts(DataBitsEntries()), " 4| 5| 6| 7| 8|");
+  EXPECT_EQ(texts(StopBitsEntries()), " 1|1.5| 2|");
+}
+
+TEST(OptionsEdit, ReadsMoneyWithFourDecimals) {
+  const RegionalSettings us = RegionalSettings::UnitedStates();
+  EXPECT_EQ(ReadMils(us, "0.123456"), 0.1235);
+  EXPECT_EQ(ReadMils(us, "$1,234.5"), 1234.5);
+  EXPECT_EQ(ReadMils(us, "-$0.00004"), 0);
+  EXPECT_EQ(ReadMils(us, "900000000000000"), 9e14);
+  EXPECT_EQ(ReadMils(Germany(), "0,10605 \u20AC"), 0.1061);
+  for (const char* wrong : {"", "abc", "0.1 per kWh", "1000000000000000"}) {
+    EXPECT_EQ(ReadMils(us, wrong), std::nullopt) << wrong;
+  }
+  EXPECT_EQ(ReadCO2(us, "0.123456"), 0.123456);
+  EXPECT_EQ(ReadCO2(us, "lots"), std::nullopt);
+}
+
+TEST(OptionsEdit, ShowsALongPathShortened) {
+  const auto path = [](std::size_t length) {
+    return "/data/anna/" + std::string(length - 24, 'x') + "/wattlark.csv";
+  };
+  EXPECT_EQ(ShownCSVFilename(path(55)), path(55));
+  EXPECT_EQ(ShownCSVFilename(path(56)), "/data/anna/.../wattlark.csv");
+  EXPECT_EQ(ShownCSVFilename("C:\\Users\\" + std::string(60, 'x') + "\\a.csv"),
+            "C:\\Users\\...\\a.csv");
+  // Characters count, not bytes; a name that is too long by itself is cut.
+  std::string wide;
+  for (int i = 0; i < 55; ++i) wide += "\u00E4";
+  EXPECT_EQ(ShownCSVFilename(wide), wide);
+  EXPECT_EQ(ShownCSVFilename("/x/" + wide), std::string(".../") + wide.substr(0, 94) + "...");
+  EXPECT_EQ(CountCharacters(ShownCSVFilename("/x/" + wide)), 54u);
+}
 
 struct OptionsActions : testing::Test {
   OptionsActions() {
@@ -101,7 +192,6 @@ TEST_F(OptionsActions, DoesWhatAChangeNeedsBesideStoringIt) {
       {"no path", [](OptionsEdit& e) { e.general.portDevices[5] = "ttyS0"; }},
       {"device", [](OptionsEdit& e) { e.general.portDevices[5] = "/dev/x"; }, "port "},
       {"CSV file", [](OptionsEdit& e) { e.csv.csvFilename = "/logs/Wattlark.csv"; }, "csv "},
-      {"CSV interval", [](OptionsEdit& e) { e.csv.csvInterval = 0; }},
       {"Google user", [](OptionsEdit& e) { e.google.googleUsername = "bob"; }, "token "},
       {"Google password", [](OptionsEdit& e) { e.google.googlePassword = "Secret"; }, "token "},
       {"document", [](OptionsEdit& e) { e.google.googleDocName = "Wattlark"; }, "worksheets "},
@@ -149,20 +239,18 @@ TEST_F(OptionsActions, DemoModeIsConfirmedAndNotStored) {
   EXPECT_EQ(Stored("TwitterMessage"), "x") << "the other changes are kept";
   OK(edit);
   EXPECT_TRUE(settings.DemoMode);
-  EXPECT_EQ(restarts, 1);
-  ASSERT_EQ(prompts.asked.size(), 2u);
-  EXPECT_EQ(prompts.asked[0].caption, "Consider yourself warned!");
-  EXPECT_EQ(prompts.asked[0].icon, PromptIcon::Information);
-  EXPECT_EQ(prompts.asked[0].buttons, PromptButtons::OKCancel);
-  EXPECT_EQ(prompts.asked[0].text,
-            "Running in 'Demo Mode' will ignore all real device inputs, even if they are "
-            "connnected and communicating.\r\nWattlark will display entirely fictitious data for "
-            "each channel until this mode is switched off.");
   edit.general.demoMode = false;
   OK(edit);
   EXPECT_FALSE(settings.DemoMode);
   EXPECT_EQ(restarts, 2);
-  EXPECT_EQ(prompts.asked.size(), 2u);
+  ASSERT_EQ(prompts.asked.size(), 2u);
+  EXPECT_THAT(prompts.asked[0],
+              testing::FieldsAre(
+                  "Running in 'Demo Mode' will ignore all real device inputs, even if they are "
+                  "connnected and communicating.\r\nWattlark will display entirely fictitious data "
+                  "for each channel until this mode is switched off.",
+                  "Consider yourself warned!", PromptIcon::Information, PromptButtons::OKCancel,
+                  testing::_));
   EXPECT_EQ(Stored("DemoMode"), "");
 }
 
@@ -201,10 +289,9 @@ TEST_F(OptionsActions, AStoredValueOutsideItsListBecomesNothing) {
 TEST_F(OptionsActions, SettingsAreInForceThoughTheStoreFails) {
   OptionsEdit edit = Shown();
   edit.general.portNum = 0;
-  edit.general.mils = "2";
   registry.failsWrites = true;
   EXPECT_FALSE(OK(edit));
-  EXPECT_EQ(settings.Mils, 2);
+  EXPECT_EQ(settings.PortNum, 1);
   EXPECT_EQ(restarts, 1);
   EXPECT_EQ(StoredNames(), "");
 }
