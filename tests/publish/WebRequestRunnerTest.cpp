@@ -2,6 +2,8 @@
 
 #include "publish/PublishResult.h"
 #include "publish/WebRequestRunner.h"
+#include "publish/WebText.h"
+#include "support/RegionalForms.h"
 #include "twins/ScriptedHttp.h"
 
 namespace wattlark {
@@ -34,14 +36,12 @@ struct WebRequestRunnerTest : testing::Test {
 
 TEST_F(WebRequestRunnerTest, ShowsEveryStateWithThePrefix) {
   http.answers = {
-      {"answer",
-       0,
-       "OK",
-       HttpState::ResponseCompleted,
-       {HttpState::None, HttpState::ResolvingHost, HttpState::HostResolved, HttpState::Connecting,
-        HttpState::Connected, HttpState::Requesting, HttpState::RequestSent,
-        HttpState::ReceivingResponse, HttpState::ResponseReceived, HttpState::Disconnecting,
-        HttpState::Disconnected}}};
+      {.body = "answer",
+       .info = "OK",
+       .states = {HttpState::None, HttpState::ResolvingHost, HttpState::HostResolved,
+                  HttpState::Connecting, HttpState::Connected, HttpState::Requesting,
+                  HttpState::RequestSent, HttpState::ReceivingResponse, HttpState::ResponseReceived,
+                  HttpState::Disconnecting, HttpState::Disconnected}}};
   const WebRequestState state =
       runner.ExecuteAndWait({"http://host/path", "POST", "body", "A: b\r\nC: d", {}});
   EXPECT_THAT(http.requests, ElementsAre(ScriptedHttp::Request{"http://host/path", "POST", "body",
@@ -57,9 +57,8 @@ TEST_F(WebRequestRunnerTest, ShowsEveryStateWithThePrefix) {
 }
 
 TEST_F(WebRequestRunnerTest, ShowsTheProgressTextWhileReceiving) {
-  const std::vector<HttpState> receiving{HttpState::ReceivingResponse};
-  http.answers = {{"", 0, "", HttpState::ResponseCompleted, receiving},
-                  {"", 0, "", HttpState::ResponseCompleted, receiving}};
+  http.answers = {{.states = {HttpState::ReceivingResponse}},
+                  {.states = {HttpState::ReceivingResponse}}};
   Get("Posting data...");
   // A request without a text of its own keeps the one before.
   Get();
@@ -104,11 +103,8 @@ TEST_F(WebRequestRunnerTest, RefusesAResponseWithoutEnd) {
 }
 
 TEST_F(WebRequestRunnerTest, RefusesASecondRequestOfABusyClient) {
-  http.answers = {{"first",
-                   0,
-                   "",
-                   HttpState::ResponseCompleted,
-                   {HttpState::Connecting, HttpState::ReceivingResponse}}};
+  http.answers = {
+      {.body = "first", .states = {HttpState::Connecting, HttpState::ReceivingResponse}}};
   std::string refusal;
   pump.onRound = [&](int round) {
     if (round == 1) refusal = Refusal("Second...");
@@ -133,7 +129,7 @@ TEST_F(WebRequestRunnerTest, GivesEveryRequestItsOwnResponse) {
 }
 
 TEST_F(WebRequestRunnerTest, EndsTheWaitWhenTheProgramIsToldToExit) {
-  http.answers = {{"", 0, "", HttpState::ResponseCompleted, {}, true}, {"later"}};
+  http.answers = {{.never = true}, {"later"}};
   pump.onRound = [&](int round) { pump.isEnding = round == 3; };
   EXPECT_THROW(Get(), PublishStopped);
   EXPECT_EQ(pump.rounds, 3);
@@ -145,7 +141,7 @@ TEST_F(WebRequestRunnerTest, EndsTheWaitWhenTheProgramIsToldToExit) {
 }
 
 TEST_F(WebRequestRunnerTest, IsNotLeftWaitingByAnEventThatThrows) {
-  http.answers = {{"", 0, "", HttpState::ResponseCompleted, {}, true}, {"in time"}};
+  http.answers = {{.never = true}, {"in time"}};
   pump.onRound = [](int) { throw std::runtime_error("an event handler failed"); };
   EXPECT_THROW(Get(), std::runtime_error);
   EXPECT_FALSE(http.IsBusy());
@@ -163,6 +159,57 @@ TEST(RunPublisher, TellsWhatEndedARun) {
   EXPECT_EQ(result(std::runtime_error("still busy")).text, "Google: still busy");
   EXPECT_EQ(result(PublishStopped()).text, "");
   EXPECT_FALSE(result(PublishStopped()).success);
+}
+
+TEST(QuoteResponse, ShowsControlCharactersAsBlanks) {
+  using std::string_literals::operator""s;
+  const std::pair<std::string, std::string> cases[] = {
+      {"", ""},
+      {"line 1\r\nline 2\n", "line 1\r\nline 2\n"},
+      {"a\tb\0c\x1B[2Jd\x7F"s, "a b c [2Jd "},
+      {"\xC2\x85\xC2\x9F\xC2\xA0|", "  \xC2\xA0|"},  // C1 controls, and a no-break space
+      {"Zürich €", "Zürich €"},
+      {"\xC2", "\xC2"}};
+  for (const auto& [response, quote] : cases) EXPECT_EQ(QuoteResponse(response), quote);
+}
+
+TEST(QuoteResponse, CutsAboveTheBoundAtAWholeCharacter) {
+  const std::string full(65536, 'x');
+  EXPECT_EQ(QuoteResponse(full), full);
+  EXPECT_EQ(QuoteResponse(full + "more"), full);
+  EXPECT_EQ(QuoteResponse(full.substr(1) + "é"), full.substr(1));
+  EXPECT_EQ(QuoteResponse(full.substr(3) + "€|").size(), 65536U);
+  EXPECT_EQ(QuoteResponse(full.substr(2) + "€|"), full.substr(2));
+  EXPECT_EQ(QuoteResponse(std::string(70000, '\x80')).size(), 65533U);
+}
+
+TEST(QuoteResponse, MasksSecrets) {
+  EXPECT_EQ(QuoteResponse("key=secret&again=secret.", {"secret"}), "key=****&again=****.");
+  EXPECT_EQ(QuoteResponse("token and key", {"key", "", "token"}), "**** and ****");
+  EXPECT_EQ(QuoteResponse("5%25 or 5%", {"%"}), "5**** or 5****") << "the longer form first";
+  EXPECT_EQ(QuoteResponse("a&b é, a&amp;b é, a%26b%20%C3%A9, a%26b+%c3%a9", {"a&b é"}),
+            "****, ****, ****, ****");
+  // Also one that the bound would cut in two.
+  const std::string filler(65533, 'x');
+  EXPECT_EQ(QuoteResponse(filler + "secret", {"secret"}), filler + "***");
+}
+
+TEST(EscapeXml, LeavesTheDocumentWhole) {
+  EXPECT_EQ(EscapeXml("11/16/2026 8:10:00 PM"), "11/16/2026 8:10:00 PM");
+  EXPECT_EQ(EscapeXml("<a href='x' b=\"y\">&"),
+            "&lt;a href=&apos;x&apos; b=&quot;y&quot;&gt;&amp;");
+  EXPECT_EQ(EscapeXml("\x01\tü\x7F"), " \tü ");
+}
+
+TEST(PlainNumberText, HasFifteenDigitsAtMost) {
+  const RegionalSettings us = RegionalSettings::UnitedStates();
+  const std::pair<double, const char*> cases[] = {{0, "0"},
+                                                  {-12.25, "-12.25"},
+                                                  {0.1 + 0.2, "0.3"},
+                                                  {200.0 / 3, "66.6666666666667"},
+                                                  {1234567, "1234567"}};
+  for (const auto& [value, text] : cases) EXPECT_EQ(PlainNumberText(us, value), text);
+  EXPECT_EQ(PlainNumberText(Germany(), 1234567.5), "1234567,5");
 }
 
 }  // namespace
