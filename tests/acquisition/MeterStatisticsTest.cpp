@@ -125,6 +125,11 @@ TEST(MeterStatistics, RepeatsAReadingIntoShortGaps) {
   EXPECT_THAT(read.UsageRecent(Minute).last(5), ElementsAre(None, 0.02, 0.02, 0.04, 0.04));
   EXPECT_NEAR(NewestUsage(meter, Hour), 0.06, 1e-12) << "the energy itself only once a reading";
   for (const int i : {Hour, Day, Year}) EXPECT_EQ(NewestDemand(meter, i), 54);
+  // Into one of four seconds, but not into one of five.
+  meter.AddReading(10, At("2026-11-16T20:10:08"), 9000);
+  EXPECT_THAT(read.DemandRecent(Minute).last(5), ElementsAre(72, 10, 10, 10, 10));
+  meter.AddReading(20, At("2026-11-16T20:10:13"), 14000);
+  EXPECT_THAT(read.DemandRecent(Minute).last(6), ElementsAre(10, None, None, None, None, 20));
 }
 
 TEST(MeterStatistics, AveragesTheNewestPartOfASeries) {
@@ -187,9 +192,8 @@ TEST(MeterStatistics, RollsPeriodsOverAtCalendarBoundaries) {
        {Row{"2026-11-16T00:00:00", "2026-11-16T23:59:59.999", 10, {}},
         Row{"2026-11-16T23:59:59.999", "2026-11-17T00:00:00", 20, {Today}},
         Row{"2026-11-16T23:59:59", "2026-11-18T00:00:00", None, {Today}},
-        // Into a Sunday, over one, and from one to the next Saturday.
+        // Into a Sunday, and from one to the next Saturday.
         Row{"2026-11-21T23:59:59", "2026-11-22T00:00:00", 20, {Today, ThisWeek}},
-        Row{"2026-11-20T18:00:00", "2026-11-23T07:00:00", None, {Today, ThisWeek}},
         Row{"2026-11-15T00:00:00", "2026-11-21T23:59:59", None, {Today}},
         Row{"2028-02-29T12:00:00", "2028-03-01T12:00:00", 20, {Today, ThisMonth}},
         Row{"2022-12-31T23:59:59",

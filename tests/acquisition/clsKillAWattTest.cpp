@@ -85,6 +85,9 @@ TEST(clsKillAWatt, ConvertsSamplesIntoAReading) {
     EXPECT_NEAR(meter.Amps(), test.amps, 1e-12);
     EXPECT_NEAR(meter.Watts(), test.watts, 1e-9);
     EXPECT_EQ(meter.ShownWatts(), meter.Watts());
+    std::vector<double> volts;
+    std::vector<double> amps;
+    EXPECT_EQ(meter.GetSamples(volts, amps), !test.voltage.empty());
     EXPECT_EQ(meter.Timestamp(), At("2026-11-16T20:10:00"));
   }
 }

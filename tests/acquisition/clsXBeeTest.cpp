@@ -59,8 +59,8 @@ std::vector<int> Channel(const clsXBee& decoder, int channel) {
 TEST(clsXBee, DecodesEveryField) {
   Receiver receiver;
   const Bytes bytes = MeterFrame(0x7FFF, {700, 300, 512}, {498, 0, 1023}, {.options = 2});
-  receiver.Read(Slice(bytes, 0, 6));
-  receiver.clock.Advance(1500);  // the frame's moment is that of its last byte
+  receiver.Read(Join({TwoSampleFrame(5), Slice(bytes, 0, 6)}));
+  receiver.clock.Advance(1500);  // a frame's moment is that of its last byte
   EXPECT_TRUE(receiver.Read(Slice(bytes, 6, bytes.size())));
   const clsXBee& frame = receiver.decoder;
   EXPECT_TRUE(frame.FrameReceived());
