@@ -3,7 +3,6 @@
 #include <sstream>
 
 #include "app/CaptureReader.h"
-#include "twins/HandClock.h"
 
 namespace wattlark {
 namespace {

@@ -105,7 +105,7 @@ TEST(RecentHoverText, TellsValueAndTime) {
   EXPECT_EQ(RecentHoverText(2, 3, 17121, 1234.5, Germany()), "1.234,5\u00A0€ (total) for Montag");
 }
 
-TEST_F(RecentChart, DrawsPowerAsALine) {
+TEST_F(RecentChart, DrawsPowerAsALineWithItsAlarmZones) {
   const std::array<double, 7> demand{NoValue, NoValue, 100, NoValue, 300, 50.4, NoValue};
   meter.Statistics().SetDemandRecent(Week, demand);
   const RecentChartView view = View(0, Week);
@@ -116,6 +116,16 @@ TEST_F(RecentChart, DrawsPowerAsALine) {
   // A choice that is none is the first.
   EXPECT_EQ(View(7, 99).x.size(), 60U);
   EXPECT_EQ(View(7, 99).axisTitle, "W");
+  MeterAlarm& alarm = meter.Alarm();
+  alarm.SetAlarmLowerLimit(100);
+  alarm.SetAlarmUpperLimit(1500);
+  EXPECT_FALSE(View(0, Minute).zones);
+  alarm.SetAlarmActive(true);
+  const auto zones = View(0, Minute).zones;
+  ASSERT_TRUE(zones);
+  EXPECT_EQ(zones->lower, 100);
+  EXPECT_EQ(zones->upper, 1500);
+  for (const int unit : {1, 2, 3}) EXPECT_FALSE(View(unit, Minute).zones) << unit;
 }
 
 TEST_F(RecentChart, SumsUsage) {
@@ -138,19 +148,6 @@ TEST_F(RecentChart, SumsUsage) {
     EXPECT_DOUBLE_EQ(view.y[6], 1500 * perWattHour);
   }
   EXPECT_EQ(Header(2, Germany()), "0,26500\u00A0€ (total)");
-}
-
-TEST_F(RecentChart, ShadesTheAlarmZonesOfPower) {
-  MeterAlarm& alarm = meter.Alarm();
-  alarm.SetAlarmLowerLimit(100);
-  alarm.SetAlarmUpperLimit(1500);
-  EXPECT_FALSE(View(0, Minute).zones);
-  alarm.SetAlarmActive(true);
-  const auto zones = View(0, Minute).zones;
-  ASSERT_TRUE(zones);
-  EXPECT_EQ(zones->lower, 100);
-  EXPECT_EQ(zones->upper, 1500);
-  for (const int unit : {1, 2, 3}) EXPECT_FALSE(View(unit, Minute).zones) << unit;
 }
 
 TEST(PacketChart, ShowsThePacketOrWhenThereWasOne) {

@@ -173,7 +173,7 @@ TEST_F(TotalsGrid, LabelsRowsAndColumn) {
   EXPECT_EQ(View(4).header, "Peak Power Demand");
 }
 
-TEST_F(TotalsGrid, ShowsPeaksAndTheirTimes) {
+TEST_F(TotalsGrid, ShowsPeaksAndTheirTimesWithAShortWeekdayOnThePresentDateAlone) {
   EXPECT_THAT(Values(0), Each("0.00 W"));
   meter.Statistics().SetPeak(Yesterday, NoValue);
   EXPECT_EQ(Values(0)[Yesterday], "--- W");
@@ -184,9 +184,6 @@ TEST_F(TotalsGrid, ShowsPeaksAndTheirTimes) {
                                      dated, dated));
   EXPECT_EQ(Values(0, Germany())[ThisWeek], "812,5 W @ 08:05:00 last Sonntag");
   EXPECT_EQ(Values(0, Germany())[ThisMonth], "812,5 W @ 08:05:00 on 15.11.2026");
-}
-
-TEST_F(TotalsGrid, TheWeekdayIsShortOnThePresentDateAlone) {
   using Row = std::array<const char*, 3>;
   for (const auto& [peak, now, ending] :
        {Row{"2026-11-16T12:00:00", "2026-11-16T23:59:59", " on Mon"},

@@ -104,7 +104,7 @@ std::string Restored(const char* stored) {
   return WindowPlacementText(RestoredPlacement(stored, MaximizedWindow, kScreen, kPresent));
 }
 
-TEST(RestoredPlacement, LiesWithinReach) {
+TEST(RestoredPlacement, LiesWithinReachAndStaysSmall) {
   using Row = std::pair<const char*, const char*>;
   for (const auto& [stored, restored] :
        {Row{"1200,900,4815,6630,0", "1200,900,4815,6630,0"},
@@ -125,6 +125,9 @@ TEST(RestoredPlacement, LiesWithinReach) {
         Row{"20000,15000,30000,30000,0", "0,0,19200,14400,0"}}) {
     EXPECT_EQ(Restored(stored), restored) << stored;
   }
+  const WindowPlacement small{0, 0, 1500, 1200, NormalWindow};
+  EXPECT_EQ(WindowPlacementText(RestoredPlacement("200,300,15,0,0", 0, kScreen, small)),
+            "200,300,1500,1200,0");
 }
 
 TEST(RestoredPlacement, FallsBackForAMalformedText) {
@@ -136,12 +139,6 @@ TEST(RestoredPlacement, FallsBackForAMalformedText) {
         "-1e30,900,4815,6630,0", "1200,1e30,4815,6630,0"}) {
     EXPECT_EQ(Restored(stored), "7192.5,3885,4815,6630,2") << stored;
   }
-}
-
-TEST(RestoredPlacement, KeepsASmallWindowSmall) {
-  const WindowPlacement small{0, 0, 1500, 1200, NormalWindow};
-  EXPECT_EQ(WindowPlacementText(RestoredPlacement("200,300,15,0,0", 0, kScreen, small)),
-            "200,300,1500,1200,0");
 }
 
 TEST(SavedPlacement, KeepsTheBoundsOfTheNormalState) {

@@ -111,7 +111,7 @@ TEST(RegistryText, NamesThatNoLineCanHoldComeBack) {
   }
 }
 
-TEST(RegistryText, ReadsWhatOthersWrite) {
+TEST(RegistryText, ReadsWhatOthersWriteAndSaysWhatCannotBeStored) {
   const struct {
     const char* lines;
     RegistryType type;
@@ -135,6 +135,9 @@ TEST(RegistryText, ReadsWhatOthersWrite) {
     EXPECT_EQ(entry.value, (RegistryValue{c.type, Bytes(c.bytes.begin(), c.bytes.end())}))
         << c.lines;
   }
+  EXPECT_EQ(ReadValue("\"n\"=hex(b):01").problem, "values of the type hex(b) cannot be stored");
+  EXPECT_EQ(ReadValue("\"n\"=hex(1):78").problem, "the last character of the text is cut off");
+  EXPECT_NE(ReadValue(R"("n"="C:\temp")").problem, "");
 }
 
 TEST(RegistryText, KeysAndDeletions) {
@@ -153,12 +156,6 @@ TEST(RegistryText, KeysAndDeletions) {
                                      {Kind::ValueDeletion, kUser, "A\\b]c", "", 6},
                                      {Kind::KeyDeletion, Hive::LocalMachine, "Gone", "", 8},
                                      {Kind::Key, std::nullopt, ".x", "", 9}}));
-}
-
-TEST(RegistryText, SaysWhichValuesCannotBeStored) {
-  EXPECT_EQ(ReadValue("\"n\"=hex(b):01").problem, "values of the type hex(b) cannot be stored");
-  EXPECT_EQ(ReadValue("\"n\"=hex(1):78").problem, "the last character of the text is cut off");
-  EXPECT_NE(ReadValue(R"("n"="C:\temp")").problem, "");
 }
 
 TEST(RegistryText, MalformedLinesAreToldWithTheirNumber) {
