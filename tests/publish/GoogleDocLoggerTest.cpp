@@ -27,7 +27,7 @@ struct GoogleLogin : WebLoggerTest {
   }
 };
 
-TEST_F(GoogleLogin, PostsTheCredentialsAndKeepsTheToken) {
+TEST_F(GoogleLogin, PostsTheCredentialsAndKeepsTheLastToken) {
   http.answers = {{"SID=abc\nLSID=def\nAuth=thetoken\n"}};
   EXPECT_EQ(SignIn(), "");
   EXPECT_EQ(settings.GoogleAuthToken, "thetoken");
@@ -38,9 +38,6 @@ TEST_F(GoogleLogin, PostsTheCredentialsAndKeepsTheToken) {
                   "&service=wise",
                   "Content-Type:application/x-www-form-urlencoded"}));
   EXPECT_EQ(runner.State().ProgressText, "Authenticating...");
-}
-
-TEST_F(GoogleLogin, TakesTheLastToken) {
   EXPECT_EQ(ParseAuthToken("Auth=one\nAuth=two\r\n"), "two");
   EXPECT_EQ(ParseAuthToken("Auth= blanks around \r\n\r\n"), "blanks around");
   for (const char* response : {"Auth=", "Auth=one\nAuth=\n", "Auth=one\r\nSet-Cookie: two",
@@ -168,7 +165,7 @@ TEST_F(GoogleDocLoggerTest, SignsInFindsTheWorksheetAndPosts) {
   EXPECT_EQ(http.requests[4].url, "http://g/list");
 }
 
-TEST_F(GoogleDocLoggerTest, LooksAgainForWhatIsNotKnown) {
+TEST_F(GoogleDocLoggerTest, LooksAgainForWhatIsNotKnownOrWasRefused) {
   for (std::string AppSettings::*unknown :
        {&AppSettings::GoogleListFeed, &AppSettings::GoogleWorksheetsFeed}) {
     KnowTheWorksheet();
@@ -184,15 +181,12 @@ TEST_F(GoogleDocLoggerTest, LooksAgainForWhatIsNotKnown) {
   EXPECT_FALSE(Log().success);
   EXPECT_TRUE(Log().success);
   EXPECT_EQ(http.requests.size(), 11U);
-}
-
-TEST_F(GoogleDocLoggerTest, ForgetsWhatARefusedRowWasSentWith) {
   KnowTheWorksheet();
   http.answers = {{"Token thetoken expired"}};
   EXPECT_EQ(Log().text, "Google: Invalid response >> Token **** expired");
   http.answers = {{"Auth=new"}, {kSheets}, {kWorksheets}, {kPosted}};
   EXPECT_TRUE(Log().success);
-  EXPECT_EQ(http.requests.size(), 5U);
+  EXPECT_EQ(http.requests.size(), 16U);
   EXPECT_THAT(http.requests.back().headers, HasSubstr("auth=new"));
 }
 

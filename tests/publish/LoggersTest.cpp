@@ -123,20 +123,16 @@ TEST_F(PachubeLogger, PutsOneStreamForEveryMeter) {
   EXPECT_EQ(runner.State().ProgressText, "Posting data...");
 }
 
-TEST_F(PachubeLogger, SendsAveragesOverItsInterval) {
-  AddWithReading("A", 7, 1).Statistics().SetDemandRecent(Hour, Entries(60, 200.25));
-  settings.PachubeInterval = 300;
-  EXPECT_EQ(PachubeDocument(settings, meters, region, true), kStart + Data("7", "200.25") + kEnd);
-}
-
-TEST_F(PachubeLogger, LeavesOutMetersWithoutAValue) {
+TEST_F(PachubeLogger, LeavesOutMetersWithoutAValueOrAnAverageOverItsInterval) {
   EXPECT_EQ(PachubeDocument(settings, meters, region, false), std::string(kStart) + kEnd);
   Add("silent", 3);
   AddWithReading("B", 2, 0);
   EXPECT_EQ(PachubeDocument(settings, meters, region, false), kStart + Data("2", "0") + kEnd);
-  AddWithReading("A", 4, 1250.5);
+  AddWithReading("A", 4, 1250.5).Statistics().SetDemandRecent(Hour, Entries(60, 200.25));
   EXPECT_EQ(PachubeDocument(settings, meters, Germany(), false),
             kStart + Data("2", "0") + Data("4", "1250,5") + kEnd);
+  settings.PachubeInterval = 300;
+  EXPECT_EQ(PachubeDocument(settings, meters, region, true), kStart + Data("4", "200.25") + kEnd);
 }
 
 TEST_F(PachubeLogger, NamesTheFirstInvalidSetting) {

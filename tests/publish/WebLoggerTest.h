@@ -7,7 +7,6 @@
 
 #include "config/AppSettings.h"
 #include "config/ServiceEndpoints.h"
-#include "publish/PublishResult.h"
 #include "publish/WebRequestRunner.h"
 #include "support/RegionalSettings.h"
 #include "twins/HandClock.h"

@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
 #include "config/modRegistry.h"
-#include "twins/HandClock.h"
 #include "twins/MemoryRegistry.h"
 #include "twins/RecordingDesktop.h"
 #include "twins/ScriptedHttp.h"
