@@ -68,21 +68,18 @@ TEST(MeterStatistics, HasSeriesOfTheirLengthsWithoutValues) {
 }
 
 TEST(MeterStatistics, TakesEnergyFromTicksAtTheNewPower) {
-  struct Row {
-    const char* what;
-    std::uint32_t before, after;
-    double milliseconds;
-  };
-  for (const auto& test : {Row{"an hour", 1000, 3601000, 3600000}, Row{"none", 1000, 1000, 0},
-                           Row{"wrap", 0xFFFFFC18, 1000, 2000}, Row{"backwards", 3000, 1000, 0},
-                           Row{"the longest interval", 1000, 1000 + 0x7FFFFFFFU, 2147483647},
-                           Row{"half the count is backwards", 1000, 1000 + 0x80000000U, 0},
-                           Row{"no ticks yet", 0, 5000, 0}}) {
-    SCOPED_TRACE(test.what);
+  using Row = std::tuple<const char*, std::uint32_t, std::uint32_t, double>;
+  for (const auto& [what, before, after, milliseconds] :
+       {Row{"an hour", 1000, 3601000, 3600000}, Row{"none", 1000, 1000, 0},
+        Row{"wrap", 0xFFFFFC18, 1000, 2000}, Row{"backwards", 3000, 1000, 0},
+        Row{"the longest interval", 1000, 1000 + 0x7FFFFFFFU, 2147483647},
+        Row{"half the count is backwards", 1000, 1000 + 0x80000000U, 0},
+        Row{"no ticks yet", 0, 5000, 0}}) {
+    SCOPED_TRACE(what);
     MeterStatistics meter;
-    meter.AddReading(1000, At("2026-11-16T20:10:00"), test.before);
-    meter.AddReading(36, At("2026-11-16T20:10:02"), test.after);
-    const double energy = test.milliseconds / 100000;  // 36 W for 1/3600000 h a millisecond
+    meter.AddReading(1000, At("2026-11-16T20:10:00"), before);
+    meter.AddReading(36, At("2026-11-16T20:10:02"), after);
+    const double energy = milliseconds / 100000;  // 36 W for 1/3600000 h a millisecond
     for (int i = Today; i < PeriodCount; ++i) {
       EXPECT_NEAR(meter.Usage(i), energy, 1e-9 * (1 + energy));
     }

@@ -36,29 +36,26 @@ TEST(CaptureReader, ReadsReadsAndTicksWhoseTimesMayGoBackwards) {
 }
 
 TEST(CaptureReader, ABadLineIsNamedAndAddsNothing) {
-  using Row = std::pair<const char*, const char*>;  // a line, and a part of the message
+  using Row = std::pair<std::string, const char*>;  // a line, and a part of the message
+  const std::string time = "2026-11-16T20:10:01";
   for (const auto& [line, part] :
        {Row{"nonsense", "a date-time, a tick count and"},
-        Row{" 2026-11-16T20:10:01 1 tick", "\"\" is not a date-time"},
+        Row{" " + time + " 1 tick", "\"\" is not a date-time"},
         Row{"2026-11-16 20:10:01 1 tick", "\"2026-11-16\" is not a date-time"},
-        Row{"\xEF\xBB\xBF"
-            "2026-11-16T20:10:01 1 tick",
-            "???2026"},
-        Row{"2026-11-16T20:10:01 1", "is missing"},
-        Row{"2026-11-16T20:10:01  1 tick", "\"\" is not a tick count"},
-        Row{"2026-11-16T20:10:01 -1 tick", "\"-1\" is not a tick count"},
-        Row{"2026-11-16T20:10:01 4294967296 tick", "is not a tick count"},
-        Row{"2026-11-16T20:10:01 1 tock", "\"tock\" is not"},
-        Row{"2026-11-16T20:10:01 1 tick ", "there is text behind \"tick\""},
-        Row{"2026-11-16T20:10:01 1 tick\r\r", "\"tick?\" is not"},
-        Row{"2026-11-16T20:10:01 1 rx", "the bytes behind \"rx\" are missing"},
-        Row{"2026-11-16T20:10:01 1 rx ", "has no bytes"},
-        Row{"2026-11-16T20:10:01 1 rx 7E0", "odd number"},
-        Row{"2026-11-16T20:10:01 1 rx 7G", "\"G\" is not a hexadecimal digit"},
-        Row{"2026-11-16T20:10:01 1 rx  7E", "\" 7E\" is not a hexadecimal digit"},
-        Row{"2026-11-16T20:10:01 1 rx 7E\x01", "\"?\" is not a hexadecimal digit"}}) {
+        Row{"\xEF\xBB\xBF" + time + " 1 tick", "???2026"}, Row{time + " 1", "is missing"},
+        Row{time + "  1 tick", "\"\" is not a tick count"},
+        Row{time + " -1 tick", "\"-1\" is not a tick count"},
+        Row{time + " 4294967296 tick", "is not a tick count"},
+        Row{time + " 1 tock", "\"tock\" is not"},
+        Row{time + " 1 tick ", "there is text behind \"tick\""},
+        Row{time + " 1 tick\r\r", "\"tick?\" is not"},
+        Row{time + " 1 rx", "the bytes behind \"rx\" are missing"},
+        Row{time + " 1 rx ", "has no bytes"}, Row{time + " 1 rx 7E0", "odd number"},
+        Row{time + " 1 rx 7G", "\"G\" is not a hexadecimal digit"},
+        Row{time + " 1 rx  7E", "\" 7E\" is not a hexadecimal digit"},
+        Row{time + " 1 rx 7E\x01", "\"?\" is not a hexadecimal digit"}}) {
     Capture capture;
-    const std::string good = "2026-11-16T20:10:01 1750 tick\n";
+    const std::string good = time + " 1750 tick\n";
     const std::string problem = Read("# a comment\n" + good + line + "\n" + good, capture);
     EXPECT_TRUE(problem.starts_with("a.cap:3: ")) << problem;
     EXPECT_NE(problem.find(part), std::string::npos) << problem;

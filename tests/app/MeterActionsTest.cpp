@@ -88,24 +88,20 @@ struct MeterSelectionTest : testing::Test {
   MeterSelection selection{profile};
 };
 
-TEST_F(MeterSelectionTest, ShowsNoTotalOfNoMeterOrOne) {
+TEST_F(MeterSelectionTest, ShowsATotalOfTwoAndFollowsTheTabsUntilTheirMeterGoes) {
   selection.RefreshTabs();
   EXPECT_EQ(selection.SelectedKillAWatt(false), nullptr);
   EXPECT_EQ(selection.SelectedKillAWatt(true), nullptr);
   ASSERT_EQ(selection.Tabs().size(), 1U);
   EXPECT_FALSE(selection.Tabs()[0].visible);
   // Nor the total of one.
-  Add("Kitchen", 5);
+  Add("Office", 300);
   EXPECT_EQ(selection.SelectedTab(), 1);
   EXPECT_EQ(selection.SelectedKillAWatt(false), &profile.Meters()[0]);
   EXPECT_EQ(selection.SelectedKillAWatt(true), &profile.Meters()[0]);
   EXPECT_FALSE(selection.Tabs()[0].visible);
   selection.SelectTab(0);
   EXPECT_EQ(selection.SelectedTab(), 1);
-}
-
-TEST_F(MeterSelectionTest, NamesAndFollowsTheTabsInOrderUntilTheirMeterGoes) {
-  Add("Office", 300);
   Add("Kitchen", 5);
   const auto tabs = selection.Tabs();
   std::string shown;

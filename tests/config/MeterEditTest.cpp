@@ -37,39 +37,34 @@ TEST_F(MeterEditTest, NamesTheFirstFieldThatDoesNotFit) {
   constexpr const char* kAddressText = "XBee Address: Enter a whole number from 0 to 32767.";
   constexpr const char* kUpperText = "Upper Limit: Enter a number of watts.";
   using E = MeterEdit;
-  const struct {
+  struct Row {
     std::string E::*entry;
     std::string typed;
     std::string text = {};  ///< empty when it fits; begins with the field's name
-  } cases[] = {
-      {&E::name, "KITCHEN"},
-      {&E::name, " ", "Name: The name must not be empty."},
-      {&E::name, "a\\b", "Name: The name must not contain \"\\\"."},
-      {&E::name, "office", "Name: Another meter has the name \"office\"."},
-      {&E::name, std::string(255, 'n')},
-      {&E::name, std::string(256, 'n'), "Name: The name must not be longer than 255 bytes."},
-      {&E::xbeeAddress, "32767"},
-      {&E::xbeeAddress, " 0"},
-      {&E::xbeeAddress, "32768", kAddressText},
-      {&E::xbeeAddress, "-1", kAddressText},
-      {&E::xbeeAddress, "5.5", kAddressText},
-      {&E::xbeeAddress, "", kAddressText},
-      {&E::xbeeAddress, "6", "A Kill-A-Watt with that XBee address is already defined"},
-      {&E::upperLimit, "1,500.5"},
-      {&E::upperLimit, "", kUpperText},
-      {&E::upperLimit, "500 W", kUpperText},
-      {&E::upperLimit, "1" + std::string(308, '0'), kUpperText},
-      {&E::lowerLimit, "-", "Lower Limit: Enter a number of watts."}};
-  for (const auto& c : cases) {
+  };
+  for (const auto& [entry, typed, text] :
+       {Row{&E::name, "KITCHEN"}, Row{&E::name, " ", "Name: The name must not be empty."},
+        Row{&E::name, "a\\b", "Name: The name must not contain \"\\\"."},
+        Row{&E::name, "office", "Name: Another meter has the name \"office\"."},
+        Row{&E::name, std::string(255, 'n')},
+        Row{&E::name, std::string(256, 'n'), "Name: The name must not be longer than 255 bytes."},
+        Row{&E::xbeeAddress, "32767"}, Row{&E::xbeeAddress, " 0"},
+        Row{&E::xbeeAddress, "32768", kAddressText}, Row{&E::xbeeAddress, "-1", kAddressText},
+        Row{&E::xbeeAddress, "5.5", kAddressText}, Row{&E::xbeeAddress, "", kAddressText},
+        Row{&E::xbeeAddress, "6", "A Kill-A-Watt with that XBee address is already defined"},
+        Row{&E::upperLimit, "1,500.5"}, Row{&E::upperLimit, "", kUpperText},
+        Row{&E::upperLimit, "500 W", kUpperText},
+        Row{&E::upperLimit, "1" + std::string(308, '0'), kUpperText},
+        Row{&E::lowerLimit, "-", "Lower Limit: Enter a number of watts."}}) {
     MeterEdit edit = Filled();
-    edit.*c.entry = c.typed;
+    edit.*entry = typed;
     const auto problem = CheckMeterEdit(edit, meters, Kitchen(), kUnitedStates);
-    EXPECT_EQ(problem ? problem->text : "", c.text) << c.typed;
+    EXPECT_EQ(problem ? problem->text : "", text) << typed;
     if (!problem) continue;
-    EXPECT_EQ(problem->field, c.entry == &E::name          ? MeterField::Name
-                              : c.entry == &E::xbeeAddress ? MeterField::XBeeAddress
-                              : c.entry == &E::upperLimit  ? MeterField::UpperLimit
-                                                           : MeterField::LowerLimit);
+    EXPECT_EQ(problem->field, entry == &E::name          ? MeterField::Name
+                              : entry == &E::xbeeAddress ? MeterField::XBeeAddress
+                              : entry == &E::upperLimit  ? MeterField::UpperLimit
+                                                         : MeterField::LowerLimit);
   }
   MeterEdit edit = Filled();
   edit.lowerLimit = edit.xbeeAddress = "x";
@@ -154,81 +149,66 @@ int IndexOf(std::span<const ListEntry> entries, const std::string& text) {
 }
 
 TEST_F(MeterEditTest, RaisesTheIntervalToTheDuration) {
-  struct Row {
-    const char *duration, *interval;
-    std::int32_t durationSeconds, intervalSeconds;
-    bool raised;
-  };
-  for (const auto& row :
+  using Row = std::tuple<const char*, const char*, std::int32_t, std::int32_t, bool>;
+  for (const auto& [duration, interval, durationSeconds, intervalSeconds, raised] :
        {Row{"1 hour", "1 minute", 3600, 3600, true}, Row{"30 seconds", "5 minutes", 30, 30, false},
         Row{"5 minutes", "5 minutes", 300, 300, true}, Row{"1 second", "1 minute", 0, 60, false},
         Row{"5 seconds", "10 minutes", 0, 600, false},
         Row{"10 minutes", "30 minutes", 600, 1800, false},
         Row{"1 hour", "1 hour", 3600, 3600, false}}) {
     MeterEdit edit = Filled();
-    edit.alarmDuration = IndexOf(AlarmDurationEntries(), row.duration);
-    edit.alarmInterval = IndexOf(AlarmIntervalEntries(), row.interval);
-    EXPECT_EQ(Apply(edit), row.raised) << row.duration;
-    EXPECT_EQ(Alarm().AlarmDuration(), row.durationSeconds) << row.duration;
-    EXPECT_EQ(Alarm().AlarmInterval(), row.intervalSeconds) << row.duration;
+    edit.alarmDuration = IndexOf(AlarmDurationEntries(), duration);
+    edit.alarmInterval = IndexOf(AlarmIntervalEntries(), interval);
+    EXPECT_EQ(Apply(edit), raised) << duration;
+    EXPECT_EQ(Alarm().AlarmDuration(), durationSeconds) << duration;
+    EXPECT_EQ(Alarm().AlarmInterval(), intervalSeconds) << duration;
   }
 }
 
 TEST(IsLimitCharacter, LetsOnlyNumbersThrough) {
   RegionalSettings arabic = kUnitedStates;
   arabic.decimalSeparator = "\u066B";
-  const struct {
-    RegionalSettings regional;
-    std::u32string typed, passed;
-  } cases[] = {{kUnitedStates, U"12a.5,3", U"12.53"},
-               {kUnitedStates, U"+-0987\b\r\tDE e$\u0663", U"+-0987\b"},
-               {Germany(), U"-1,5.0 €", U"-1,5.0"},
-               {arabic, U"1\u066B5,", U"1\u066B5"}};
-  for (const auto& c : cases) {
-    std::u32string passed;
-    for (const char32_t character : c.typed) {
-      if (IsLimitCharacter(character, c.regional)) passed += character;
+  using Row = std::tuple<RegionalSettings, std::u32string, std::u32string>;
+  for (const auto& [regional, typed, passed] :
+       {Row{kUnitedStates, U"12a.5,3", U"12.53"},
+        Row{kUnitedStates, U"+-0987\b\r\tDE e$\u0663", U"+-0987\b"},
+        Row{Germany(), U"-1,5.0 €", U"-1,5.0"}, Row{arabic, U"1\u066B5,", U"1\u066B5"}}) {
+    std::u32string found;
+    for (const char32_t character : typed) {
+      if (IsLimitCharacter(character, regional)) found += character;
     }
-    EXPECT_EQ(passed, c.passed);
+    EXPECT_EQ(found, passed);
   }
 }
-
-// From 0.6 volts/bit, 498 counts and 0.0625 amps/bit; the scales are limited to 0.75 and 1.25 times
-// 0.6 and 1 / 15.5, the offset to 0 and 1023.
-constexpr struct {
-  CalibrationStep step;
-  int position;
-  double value;
-  const char* text;
-  bool isLimited;
-} kAdjustments[] = {
-    {VoltageScaler, 0, 0.6, "0.6 volts/bit", false},
-    {VoltageScaler, 10, 0.54, "0.54 volts/bit", false},
-    {VoltageScaler, -10, 0.66, "0.66 volts/bit", false},
-    {VoltageScaler, 100, 0.45, "0.45 volts/bit", true},
-    {VoltageScaler, -100, 0.75, "0.75 volts/bit", true},
-    {CurrentOffset, 1, 499, "499 counts", false},
-    {CurrentOffset, -100, 398, "398 counts", false},
-    {CurrentScaler, 20, 0.05, "0.05 amps/bit", false},
-    {CurrentScaler, -20, 0.075, "0.075 amps/bit", false},
-    {CurrentScaler, 100, 0.75 / 15.5, "0.0483870967741935 amps/bit", true},
-    {CurrentScaler, -100, 1.25 / 15.5, "0.0806451612903226 amps/bit", true},
-};
 
 double ValueOf(const clsKillAWatt& meter, CalibrationStep step) {
   if (step == VoltageScaler) return meter.VoltageScaler();
   return step == CurrentOffset ? meter.CurrentOffset() : meter.CurrentScaler();
 }
 
+// From 0.6 volts/bit, 498 counts and 0.0625 amps/bit; the scales are limited to 0.75 and 1.25 times
+// 0.6 and 1 / 15.5, the offset to 0 and 1023.
 TEST(MeterCalibrationTest, AdjustsFromTheStartingValuesWithinTheLimits) {
   clsKillAWatt meter;
   meter.SetCurrentScaler(0.0625);
   MeterCalibration calibration(meter);
-  for (const auto& test : kAdjustments) {
-    calibration.Adjust(test.step, test.position);
-    EXPECT_NEAR(ValueOf(meter, test.step), test.value, 1e-15) << test.text;
-    EXPECT_EQ(calibration.ValueText(test.step, RegionalSettings::UnitedStates()), test.text);
-    EXPECT_EQ(calibration.IsLimited(test.step), test.isLimited) << test.text;
+  using Row = std::tuple<CalibrationStep, int, double, const char*, bool>;
+  for (const auto& [step, position, value, text, isLimited] :
+       {Row{VoltageScaler, 0, 0.6, "0.6 volts/bit", false},
+        Row{VoltageScaler, 10, 0.54, "0.54 volts/bit", false},
+        Row{VoltageScaler, -10, 0.66, "0.66 volts/bit", false},
+        Row{VoltageScaler, 100, 0.45, "0.45 volts/bit", true},
+        Row{VoltageScaler, -100, 0.75, "0.75 volts/bit", true},
+        Row{CurrentOffset, 1, 499, "499 counts", false},
+        Row{CurrentOffset, -100, 398, "398 counts", false},
+        Row{CurrentScaler, 20, 0.05, "0.05 amps/bit", false},
+        Row{CurrentScaler, -20, 0.075, "0.075 amps/bit", false},
+        Row{CurrentScaler, 100, 0.75 / 15.5, "0.0483870967741935 amps/bit", true},
+        Row{CurrentScaler, -100, 1.25 / 15.5, "0.0806451612903226 amps/bit", true}}) {
+    calibration.Adjust(step, position);
+    EXPECT_NEAR(ValueOf(meter, step), value, 1e-15) << text;
+    EXPECT_EQ(calibration.ValueText(step, RegionalSettings::UnitedStates()), text);
+    EXPECT_EQ(calibration.IsLimited(step), isLimited) << text;
   }
   calibration.Adjust(CurrentScaler, 0);
   EXPECT_EQ(calibration.ValueText(CurrentScaler, Germany()), "0,0625 amps/bit");

@@ -142,11 +142,7 @@ TEST(RestoredPlacement, FallsBackForAMalformedText) {
 }
 
 TEST(SavedPlacement, KeepsTheBoundsOfTheNormalState) {
-  struct Row {
-    const char* stored;
-    int state;
-    const char* saved;
-  };
+  using Row = std::tuple<const char*, int, const char*>;
   for (const auto& [stored, state, saved] :
        {Row{"1200,900,4815,6630,2", NormalWindow, "150,300,4815,6630,0"},
         Row{"1200,900,4800,6600,0", MinimizedWindow, "1200,900,4800,6600,1"},

@@ -54,10 +54,8 @@ std::string Write(const NamedRegistryValue& value) {
 }
 
 TEST(RegistryText, EveryFormIsWrittenSoAndReadBack) {
-  const struct {
-    NamedRegistryValue value;
-    std::string lines;  ///< as written, ASCII
-  } cases[] = {
+  const std::pair<NamedRegistryValue, std::string> cases[] = {
+      // Values, and the lines as which they are written.
       {{"a", TextValue("b\0"s)}, "\"a\"=\"b\""},
       {{"a", TextValue("\0"s)}, "\"a\"=\"\""},
       {{"", TextValue("b\0"s)}, "@=\"b\""},
@@ -112,11 +110,7 @@ TEST(RegistryText, NamesThatNoLineCanHoldComeBack) {
 }
 
 TEST(RegistryText, ReadsWhatOthersWriteAndSaysWhatCannotBeStored) {
-  const struct {
-    const char* lines;
-    RegistryType type;
-    std::string bytes;
-  } cases[] = {
+  const std::tuple<const char*, RegistryType, std::string> cases[] = {
       {"  \"n\" = \"x\" ; remark \n", RegistryType::String, "x\0"s},
       {"\"n\"=\"one \r\ntwo\nthree\"\r\n", RegistryType::String, "one \r\ntwo\nthree\0"s},
       {"\"n\"=\"Küche\"", RegistryType::String, "Küche\0"s},
@@ -128,12 +122,11 @@ TEST(RegistryText, ReadsWhatOthersWriteAndSaysWhatCannotBeStored) {
       // A high surrogate alone is kept as the three bytes of its number.
       {"\"n\"=hex(1):00,d8,41,00", RegistryType::String, "\xED\xA0\x80\x41"},
   };
-  for (const auto& c : cases) {
-    const RegistryTextEntry entry = ReadValue(c.lines);
+  for (const auto& [lines, type, bytes] : cases) {
+    const RegistryTextEntry entry = ReadValue(lines);
     EXPECT_EQ(entry.name, "n");
     EXPECT_EQ(entry.problem, "");
-    EXPECT_EQ(entry.value, (RegistryValue{c.type, Bytes(c.bytes.begin(), c.bytes.end())}))
-        << c.lines;
+    EXPECT_EQ(entry.value, (RegistryValue{type, Bytes(bytes.begin(), bytes.end())})) << lines;
   }
   EXPECT_EQ(ReadValue("\"n\"=hex(b):01").problem, "values of the type hex(b) cannot be stored");
   EXPECT_EQ(ReadValue("\"n\"=hex(1):78").problem, "the last character of the text is cut off");

@@ -29,21 +29,24 @@ class ModRegistryTest : public testing::Test {
   modRegistry store_{registry_};
 };
 
-TEST_F(ModRegistryTest, SavesTextWithItsNulUnderTheApplication) {
+TEST_F(ModRegistryTest, SavesTextWithItsNulUnderTheApplicationAndAStarForNoName) {
   EXPECT_EQ(modRegistry::AppKeyPath("Other", ""), "Software\\Fennick Labs\\Other");
   ASSERT_TRUE(store_.SaveAppSetting("", "Settings", "PortNum", "5"));
   EXPECT_EQ(registry_.Read(kUser, settings_, "PortNum"), TextValue(std::string("5\0", 2)));
   EXPECT_EQ(store_.GetAppSetting("", "settings", "portnum", "3"), "5");
   ASSERT_TRUE(store_.SetStringValue(Hive::LocalMachine, "Run", "Wattlark", "x"));
   EXPECT_EQ(registry_.Read(Hive::LocalMachine, "Run", "Wattlark"), TextValue("x"));
+  ASSERT_TRUE(store_.SaveAppSetting("", "S", "*", "unnamed"));
+  EXPECT_EQ(store_.GetAppSetting("", "S", "*", ""), "unnamed");
+  EXPECT_EQ(store_.GetAppSetting("", "S", "", ""), "unnamed");
+  EXPECT_TRUE(store_.DeleteAppSetting("", "S", "*"));
+  EXPECT_FALSE(store_.DeleteAppSetting("", "S", "*"));
+  EXPECT_TRUE(store_.AppSectionExists("", "S"));
 }
 
 TEST_F(ModRegistryTest, GetAppSettingOfEveryStoredForm) {
-  struct Row {
-    RegistryValue stored;
-    const char* expected;
-  };
-  for (const auto& test :
+  using Row = std::pair<RegistryValue, const char*>;
+  for (const auto& [stored, expected] :
        {Row{TextValue(std::string("text\0", 5)), "text"},
         Row{TextValue("without NUL"), "without NUL"},
         Row{TextValue(std::string("before\0after\0", 13)), "before"},
@@ -51,20 +54,11 @@ TEST_F(ModRegistryTest, GetAppSettingOfEveryStoredForm) {
         Row{TextValue(""), "default"}, Row{TextValue(std::string("\0", 1)), "default"},
         Row{TextValue(std::string("\0hidden", 7)), "default"},
         Row{Bytes(RegistryType::Binary, "bytes"), "default"}}) {
-    registry_.Write(kUser, settings_, "v", test.stored);
-    EXPECT_EQ(store_.GetAppSetting("", "Settings", "v", "default"), test.expected);
+    registry_.Write(kUser, settings_, "v", stored);
+    EXPECT_EQ(store_.GetAppSetting("", "Settings", "v", "default"), expected);
   }
   EXPECT_EQ(store_.GetAppSetting("", "Settings", "missing", "default"), "default");
   EXPECT_EQ(store_.GetAppSetting("", "Missing", "v", "default"), "default");
-}
-
-TEST_F(ModRegistryTest, AStarMeansTheUnnamedValue) {
-  ASSERT_TRUE(store_.SaveAppSetting("", "S", "*", "unnamed"));
-  EXPECT_EQ(store_.GetAppSetting("", "S", "*", ""), "unnamed");
-  EXPECT_EQ(store_.GetAppSetting("", "S", "", ""), "unnamed");
-  EXPECT_TRUE(store_.DeleteAppSetting("", "S", "*"));
-  EXPECT_FALSE(store_.DeleteAppSetting("", "S", "*"));
-  EXPECT_TRUE(store_.AppSectionExists("", "S"));
 }
 
 TEST_F(ModRegistryTest, DeleteAppSectionReachesThreeLevelsDown) {
@@ -109,21 +103,17 @@ TEST_F(ModRegistryTest, EnumeratesKeysAndStrings) {
 }
 
 TEST_F(ModRegistryTest, QueryValueTakesOneNulFromTextsOnly) {
-  struct Row {
-    RegistryType type;
-    std::string stored;
-    std::string expected;
-  };
-  for (const auto& test :
+  using Row = std::tuple<RegistryType, std::string, std::string>;
+  for (const auto& [type, stored, expected] :
        {Row{RegistryType::String, std::string("a\0", 2), "a"}, Row{RegistryType::String, "a", "a"},
         Row{RegistryType::String, "", ""},
         Row{RegistryType::ExpandString, std::string("%a%\0", 4), "%a%"},
         Row{RegistryType::MultiString, std::string("a\0b\0", 4), std::string("a\0b", 3)},
         Row{RegistryType::Binary, std::string("\1\0", 2), std::string("\1\0", 2)}}) {
-    registry_.Write(kUser, "K", "v", Bytes(test.type, test.stored));
+    registry_.Write(kUser, "K", "v", Bytes(type, stored));
     RegistryValue value;
     ASSERT_TRUE(store_.QueryValue(kUser, "K", "v", value));
-    EXPECT_EQ(value, Bytes(test.type, test.expected));
+    EXPECT_EQ(value, Bytes(type, expected));
   }
   RegistryValue value = Bytes(RegistryType::Binary, "kept");
   EXPECT_FALSE(store_.QueryValue(kUser, "K", "missing", value));

@@ -255,11 +255,8 @@ TEST(GoogleColumn, IsTheNameInLowerCaseWithoutBlanks) {
 
 TEST(GoogleFeeds, FindTheLinkOfTheFirstEntryThatHoldsTheName) {
   const std::string links = "<link rel='x#worksheetsfeed' href='http://a/'/>";
-  struct Case {
-    std::string feed;
-    const char *name, *found;
-  };
-  for (const Case& c :
+  using Case = std::tuple<std::string, const char*, const char*>;
+  for (const auto& [feed, name, found] :
        {Case{kSheets, "wattlark", "http://g/sheets"}, Case{kSheets, "other", "http://g/other"},
         Case{kSheets, "Wattlark", ""}, Case{kSheets, "", "http://g/other"},
         // The name inside another entry's text selects that entry.
@@ -275,7 +272,7 @@ TEST(GoogleFeeds, FindTheLinkOfTheFirstEntryThatHoldsTheName) {
         Case{"<entry>doc worksheetsfeed href=''</entry>", "doc", ""},
         Case{"<entry>doc href='http://before/' worksheetsfeed href='http://behind/'</entry>", "doc",
              "http://behind/"}}) {
-    EXPECT_EQ(FindWorksheetsFeed(c.feed, c.name), c.found) << c.feed;
+    EXPECT_EQ(FindWorksheetsFeed(feed, name), found) << feed;
   }
   EXPECT_EQ(FindListFeed(kWorksheets, "Sheet1"), "http://g/list");
   EXPECT_EQ(FindListFeed(kSheets, "wattlark"), "");

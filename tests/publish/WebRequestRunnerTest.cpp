@@ -199,13 +199,11 @@ TEST(EscapeXml, LeavesTheDocumentWhole) {
 }
 
 TEST(PlainNumberText, HasFifteenDigitsAtMost) {
-  const RegionalSettings us = RegionalSettings::UnitedStates();
-  const std::pair<double, const char*> cases[] = {{0, "0"},
-                                                  {-12.25, "-12.25"},
-                                                  {0.1 + 0.2, "0.3"},
-                                                  {200.0 / 3, "66.6666666666667"},
-                                                  {1234567, "1234567"}};
-  for (const auto& [value, text] : cases) EXPECT_EQ(PlainNumberText(us, value), text);
+  using Row = std::pair<double, const char*>;
+  for (const auto& [value, text] : {Row{0, "0"}, Row{-12.25, "-12.25"}, Row{0.1 + 0.2, "0.3"},
+                                    Row{200.0 / 3, "66.6666666666667"}, Row{1234567, "1234567"}}) {
+    EXPECT_EQ(PlainNumberText(RegionalSettings::UnitedStates(), value), text);
+  }
   EXPECT_EQ(PlainNumberText(Germany(), 1234567.5), "1234567,5");
 }
 

@@ -134,12 +134,8 @@ void ExpectRight(const ZoneOffsets& zone, int firstYear, int lastYear, DateTime 
 }
 
 TEST(TimeZoneRules, OfWholeYearsAreRightWheneverTheyWereMade) {
-  const struct {
-    const char* name;
-    ZoneOffsets zone;
-    int firstYear;  ///< right from here
-    int lastYear;   ///< to the end of this year
-  } cases[] = {
+  // The years from whose first to whose last they are right.
+  const std::tuple<const char*, ZoneOffsets, int, int> cases[] = {
       {"constant", Zone(345, {}), 2025, 2027},
       {"northern summer",
        Zone(-300, {{"2025-03-09T07:00:00", -240},

@@ -19,34 +19,27 @@ clsTimeZone ZoneOf(const clsTimeZoneInformation& rule) {
 }
 
 TEST(TransitionDate, IsAsInTheCalendar) {
-  const struct {
-    clsSystemTime rule;
-    int year;
-    const char* expected;  ///< empty for "never"
-  } cases[] = {{Relative(3, 0, 2, 2), 2026, "2026-03-08T02:00:00"},
-               {Relative(11, 0, 1, 2), 2026, "2026-11-01T02:00:00"},  // the month begins on the day
-               {Relative(11, 6, 1, 0), 2026, "2026-11-07T00:00:00"},
-               {Relative(3, 0, 5, 1), 2026, "2026-03-29T01:00:00"},   // the last of five
-               {Relative(10, 0, 5, 1), 2026, "2026-10-25T01:00:00"},  // the last of four
-               {Relative(3, 0, 4, 1), 2026, "2026-03-22T01:00:00"},
-               {Relative(2, 0, 5, 0), 2004, "2004-02-29T00:00:00"},
-               {Relative(12, 4, 5, 0), 2026, "2026-12-31T00:00:00"},
-               {{0, 3, 0, 2, 23, 59, 58, 999}, 2026, "2026-03-08T23:59:58"},
-               {Relative(3, 0, 2, 24), 2026, "2026-03-09T00:00:00"},
-               {{2024, 2, 99, 29, 4, 5, 6, 7}, 2026, "2024-02-29T04:05:06"},
-               {{2026, 0, 0, 1, 0, 0, 0, 0}, 2026, ""},
-               {Relative(13, 0, 1, 0), 2026, ""},
-               {Relative(3, 7, 1, 0), 2026, ""},
-               {Relative(3, 0, 0, 0), 2026, ""},
-               {Relative(3, 0, 6, 0), 2026, ""},
-               {Absolute(2026, 2, 29), 2026, ""},
-               {Absolute(10000, 1, 1), 2026, ""},
-               {Relative(3, 0, 1, 0), 10000, ""},
-               {{65535, 65535, 65535, 65535, 65535, 65535, 65535, 65535}, 2026, ""}};
-  for (const auto& [rule, year, expected] : cases) {
-    EXPECT_EQ(TransitionDate(year, rule).ToIso(), expected)
+  using Row = std::pair<clsSystemTime, const char*>;
+  for (const auto& [rule, expected] :
+       {Row{Relative(3, 0, 2, 2), "2026-03-08T02:00:00"},
+        Row{Relative(11, 0, 1, 2), "2026-11-01T02:00:00"},  // the month begins on the day
+        Row{Relative(11, 6, 1, 0), "2026-11-07T00:00:00"},
+        Row{Relative(3, 0, 5, 1), "2026-03-29T01:00:00"},   // the last of five
+        Row{Relative(10, 0, 5, 1), "2026-10-25T01:00:00"},  // the last of four
+        Row{Relative(3, 0, 4, 1), "2026-03-22T01:00:00"},
+        Row{Relative(12, 4, 5, 0), "2026-12-31T00:00:00"},
+        Row{{0, 3, 0, 2, 23, 59, 58, 999}, "2026-03-08T23:59:58"},
+        Row{Relative(3, 0, 2, 24), "2026-03-09T00:00:00"},
+        Row{{2024, 2, 99, 29, 4, 5, 6, 7}, "2024-02-29T04:05:06"},
+        // None.
+        Row{{2026, 0, 0, 1, 0, 0, 0, 0}, ""}, Row{Relative(13, 0, 1, 0), ""},
+        Row{Relative(3, 7, 1, 0), ""}, Row{Relative(3, 0, 0, 0), ""}, Row{Relative(3, 0, 6, 0), ""},
+        Row{Absolute(2026, 2, 29), ""}, Row{Absolute(10000, 1, 1), ""}}) {
+    EXPECT_EQ(TransitionDate(2026, rule).ToIso(), expected)
         << rule.wYear << ' ' << rule.wMonth << ' ' << rule.wDayOfWeek << ' ' << rule.wDay;
   }
+  EXPECT_EQ(TransitionDate(2004, Relative(2, 0, 5, 0)).ToIso(), "2004-02-29T00:00:00");
+  EXPECT_TRUE(TransitionDate(10000, Relative(3, 0, 1, 0)).IsNever());
 }
 
 TEST(LocalToUTC, TakesDaylightTimeOff) {
@@ -75,16 +68,13 @@ TEST(LocalToUTC, TakesDaylightTimeOff) {
 
 TEST(IsDaylightTime, OnlyTheRepeatedHourIsInDoubt) {
   const clsTimeZone zone = ZoneOf(EasternRule());
-  struct Case {
-    const char* local;
-    bool asDaylight, asStandard;
-  };
-  for (const Case& c :
+  using Case = std::tuple<const char*, bool, bool>;
+  for (const auto& [local, asDaylight, asStandard] :
        {Case{"2026-11-01T00:59:59.136", true, true}, Case{"2026-11-01T00:59:59.137", true, false},
         Case{"2026-11-01T01:59:59.135", true, false}, Case{"2026-11-01T01:59:59.136", false, false},
         Case{"2026-07-01T00:00:00", true, true}, Case{"2026-01-01T00:00:00", false, false}}) {
-    EXPECT_EQ(IsDaylightTime(At(c.local), zone, false), c.asDaylight) << c.local;
-    EXPECT_EQ(IsDaylightTime(At(c.local), zone, true), c.asStandard) << c.local;
+    EXPECT_EQ(IsDaylightTime(At(local), zone, false), asDaylight) << local;
+    EXPECT_EQ(IsDaylightTime(At(local), zone, true), asStandard) << local;
   }
 }
 
