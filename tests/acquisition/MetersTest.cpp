@@ -235,22 +235,20 @@ TEST(MeterPersistence, KeepsFieldsWhoseValuesAreMissingOrEmpty) {
 }
 
 TEST(MeterPersistence, ClampsStoredCalibration) {
-  Store store;
-  store.Put("NominalVoltage", "240");
-  store.Put("VoltageScaler", "1.2");
-  store.Put("CurrentOffset", "5000");
-  store.Put("CurrentScaler", "1");
-  clsKillAWatt meter;
-  ASSERT_TRUE(store.Load(meter));
-  EXPECT_EQ(meter.VoltageScaler(), 1.2);
-  EXPECT_EQ(meter.CurrentOffset(), 1023);
-  EXPECT_EQ(meter.CurrentScaler(), 1.25 / 15.5);
-  // A missing scaler is bounded by the voltage that was loaded.
-  Store without;
-  without.Put("NominalVoltage", "240");
-  clsKillAWatt other;
-  ASSERT_TRUE(without.Load(other));
-  EXPECT_EQ(other.VoltageScaler(), 0.75 * 1.2);
+  // A missing scaler is bounded by the voltage that was loaded as well.
+  using Row = std::pair<const char*, double>;
+  for (const auto& [scaler, loaded] : {Row{"1.2", 1.2}, Row{"", 0.75 * 1.2}}) {
+    Store store;
+    store.Put("NominalVoltage", "240");
+    store.Put("VoltageScaler", scaler);
+    store.Put("CurrentOffset", "5000");
+    store.Put("CurrentScaler", "1");
+    clsKillAWatt meter;
+    ASSERT_TRUE(store.Load(meter));
+    EXPECT_EQ(meter.VoltageScaler(), loaded);
+    EXPECT_EQ(meter.CurrentOffset(), 1023);
+    EXPECT_EQ(meter.CurrentScaler(), 1.25 / 15.5);
+  }
 }
 
 TEST(MeterPersistence, NotesWhatItCannotRead) {

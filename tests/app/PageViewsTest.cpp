@@ -72,8 +72,11 @@ TEST(CurrentPage, HasATextForAMissingValue) {
   }
 }
 
-TEST(CurrentPage, ShowsAReadingForFiveSeconds) {
+TEST(CurrentPage, ShowsAReadingAndItsAlarmForFiveSeconds) {
   Page page;
+  page.meter.Alarm().SetAlarmActive(true);
+  page.meter.Alarm().SetAlarmUpperLimit(100);
+  page.meter.Alarm().SetAlarmDuration(0);
   page.Read(500, 500);
   page.meter.Statistics().SetPeak(SinceReset, 1000);
   CurrentPageView view = page.View(kNow.PlusSeconds(4));
@@ -96,6 +99,9 @@ TEST(CurrentPage, ShowsAReadingForFiveSeconds) {
   EXPECT_EQ(view.interval, "Sampled @ 8:10:00 PM");
   EXPECT_FALSE(view.needle);
   EXPECT_EQ(view.meterTip, "");
+  page.meter.AddReading(120, 4, 500, kNow.PlusSeconds(1), 2000);
+  EXPECT_TRUE(page.View(kNow.PlusSeconds(5)).alarm);
+  EXPECT_FALSE(page.View(kNow.PlusSeconds(6)).alarm);
 }
 
 TEST(CurrentPage, ShowsWhatAMeterWithoutReadingLacks) {
@@ -127,19 +133,6 @@ TEST(CurrentPage, KeepsTheNeedleOnTheScale) {
     page.meter.Statistics().SetPeak(SinceReset, peak);
     EXPECT_EQ(page.View().needle, needle) << watts << " of " << peak;
   }
-}
-
-TEST(CurrentPage, ShowsAnAlarmWhileReceiving) {
-  Page page;
-  MeterAlarm& alarm = page.meter.Alarm();
-  alarm.SetAlarmActive(true);
-  alarm.SetAlarmUpperLimit(100);
-  alarm.SetAlarmDuration(0);
-  page.Read(500, 500);
-  EXPECT_FALSE(page.View().alarm);
-  page.meter.AddReading(120, 4, 500, kNow.PlusSeconds(1), 2000);
-  EXPECT_TRUE(page.View(kNow.PlusSeconds(5)).alarm);
-  EXPECT_FALSE(page.View(kNow.PlusSeconds(6)).alarm);
 }
 
 const RegionalSettings kUnitedStates = RegionalSettings::UnitedStates();
