@@ -77,32 +77,28 @@ TEST_F(MeterActionsTest, AddingAndRemovingRenewTheHeaderOfTheLogUnlessTheAddress
   EXPECT_TRUE(renewed);
 }
 
-struct MeterSelectionTest : testing::Test {
-  void Add(const char* name, std::int16_t address) {
+TEST(MeterSelectionTest, ShowsATotalOfTwoAndFollowsTheTabsUntilTheirMeterGoes) {
+  const RegionalSettings regional = RegionalSettings::UnitedStates();
+  ProfileData profile(regional);
+  MeterSelection selection(profile);
+  const auto add = [&](const char* name, std::int16_t address) {
     AddMeter(profile.Meters(), name, address);
     selection.RefreshTabs();
-  }
-
-  RegionalSettings regional = RegionalSettings::UnitedStates();
-  ProfileData profile{regional};
-  MeterSelection selection{profile};
-};
-
-TEST_F(MeterSelectionTest, ShowsATotalOfTwoAndFollowsTheTabsUntilTheirMeterGoes) {
+  };
   selection.RefreshTabs();
   EXPECT_EQ(selection.SelectedKillAWatt(false), nullptr);
   EXPECT_EQ(selection.SelectedKillAWatt(true), nullptr);
   ASSERT_EQ(selection.Tabs().size(), 1U);
   EXPECT_FALSE(selection.Tabs()[0].visible);
   // Nor the total of one.
-  Add("Office", 300);
+  add("Office", 300);
   EXPECT_EQ(selection.SelectedTab(), 1);
   EXPECT_EQ(selection.SelectedKillAWatt(false), &profile.Meters()[0]);
   EXPECT_EQ(selection.SelectedKillAWatt(true), &profile.Meters()[0]);
   EXPECT_FALSE(selection.Tabs()[0].visible);
   selection.SelectTab(0);
   EXPECT_EQ(selection.SelectedTab(), 1);
-  Add("Kitchen", 5);
+  add("Kitchen", 5);
   const auto tabs = selection.Tabs();
   std::string shown;
   for (const auto& tab : tabs) shown += tab.caption + ' ' + tab.key + (tab.visible ? "; " : "- ");

@@ -181,39 +181,31 @@ TEST_F(Stored, SeedsATotalThatWasNeverStored) {
   EXPECT_EQ(Load().Total().Statistics().Usage(ToDate), 3.75) << "stored now, not seeded again";
 }
 
-struct TotalKillAWatt : testing::Test {
-  void Add(std::int16_t address, double volts, double amps, double watts,
-           const char* time = "2026-11-16T20:10:00", int type = LoadMeter) {
-    clsKillAWatt& meter = AddMeter(meters, "m", address);
-    meter.SetKillAWattType(type);
-    meter.AddReading(volts, amps, watts, At(time), 500);
-  }
-  void Update(const char* time = "2026-11-16T20:10:01", std::uint32_t ticks = 1000) {
-    UpdateTotalKillAWatt(total, meters, At(time), ticks);
-  }
-
+TEST(TotalKillAWatt, AddsLoadsLessGeneratorsAndAveragesTheRest) {
   MeterCollection meters;
   clsKillAWatt total;
-};
-
-TEST_F(TotalKillAWatt, AddsLoadsLessGeneratorsAndAveragesTheRest) {
-  Add(1, 120, 2, 500);
-  Add(2, 118, 1, 200, "2026-11-16T20:10:00", GeneratorMeter);
-  Add(3, 100, 9, 999, "2026-11-16T20:09:56");  // silent for five seconds
-  Add(4, NoValue, 3, 0);
-  Add(5, 116, NoValue, 0);
+  const auto add = [&meters](std::int16_t address, double volts, double amps, double watts,
+                             const char* time = "2026-11-16T20:10:00") {
+    AddMeter(meters, "m", address).AddReading(volts, amps, watts, At(time), 500);
+  };
+  add(1, 120, 2, 500);
+  add(2, 118, 1, 200);
+  meters[1].SetKillAWattType(GeneratorMeter);
+  add(3, 100, 9, 999, "2026-11-16T20:09:56");  // silent for five seconds
+  add(4, NoValue, 3, 0);
+  add(5, 116, NoValue, 0);
   // Loaded with a fresh time stamp, but without a reading yet.
   AddMeter(meters, "loaded", 6).Statistics().SetTimestamp(At("2026-11-16T20:10:00"));
-  Update();
+  UpdateTotalKillAWatt(total, meters, At("2026-11-16T20:10:01"), 1000);
   EXPECT_EQ(total.Watts(), 300);
   EXPECT_EQ(total.Volts(), 118);
   EXPECT_EQ(total.Amps(), 2);
-  Update("2026-11-16T20:10:02", 2000);
+  UpdateTotalKillAWatt(total, meters, At("2026-11-16T20:10:02"), 2000);
   EXPECT_NEAR(total.Statistics().Usage(ToDate), 300 / 3600.0, 1e-12);
   meters[0].AddReading(120, 0, 50, At("2026-11-16T20:10:03"), 0);
-  Update("2026-11-16T20:10:03", 3000);
+  UpdateTotalKillAWatt(total, meters, At("2026-11-16T20:10:03"), 3000);
   EXPECT_EQ(total.Watts(), -150);
-  Update("2026-11-16T20:10:08", 8000);
+  UpdateTotalKillAWatt(total, meters, At("2026-11-16T20:10:08"), 8000);
   EXPECT_EQ(total.Watts(), 0) << "all of them are silent";
   EXPECT_EQ(total.Volts(), NoValue);
   EXPECT_EQ(total.Amps(), NoValue);

@@ -190,21 +190,5 @@ TEST_F(GetTimeZoneByNameTest, WhatIsBrokenEndsTheReadingAndLeavesWhatWasBefore) 
   }
 }
 
-struct FixedSource final : TimeZoneSource {
-  explicit FixedSource(Registry& registry) : zones(registry) {}
-  std::optional<std::string> CurrentZone() override { return name; }
-  Registry& Zones() override { return zones; }
-
-  Registry& zones;
-  std::optional<std::string> name;
-};
-
-TEST_F(GetTimeZoneByNameTest, CurrentZoneIsTheOneThatTheSystemNames) {
-  FixedSource source(registry_);
-  EXPECT_FALSE(GetCurrentTimeZone(source));
-  source.name = "Eastern Standard Time";
-  EXPECT_EQ(GetCurrentTimeZone(source).value_or(clsTimeZone()).DisplayName, "(UTC-05:00) Eastern");
-}
-
 }  // namespace
 }  // namespace wattlark
