@@ -42,19 +42,13 @@ TEST_F(CSVLogger, WritesAHeaderAndOneLineARun) {
             "11/17/2026 12:05:00 AM, 123.46, 12345, \r\n");
 }
 
-TEST_F(CSVLogger, WritesAveragesOverItsInterval) {
-  Add("A", 5).Statistics().SetDemandRecent(Hour, Entries(60, 200));
+TEST_F(CSVLogger, WritesAveragesOverItsIntervalInTheFormsOfTheRegion) {
+  region = Germany();
+  Add("Küche", 5).Statistics().SetDemandRecent(Hour, Entries(60, 1234.5));
   Add("no history", 6);
   settings.CSVInterval = 300;
-  Log("2026-11-16T20:15:00", true);
-  EXPECT_EQ(File(), "Timestamp, A, no history\r\n11/16/2026 8:15:00 PM, 200.00, \r\n");
-}
-
-TEST_F(CSVLogger, WritesTheFormsOfTheRegion) {
-  region = Germany();
-  AddWithReading("Küche", 5, 1234.5);
-  EXPECT_EQ(Log().text, "CSV file: Updated 16.11.2026 20:10:00");
-  EXPECT_EQ(File(), "Timestamp, Küche\r\n16.11.2026 20:10:00, 1234,5\r\n");
+  EXPECT_EQ(Log("2026-11-16T20:15:00", true).text, "CSV file: Updated 16.11.2026 20:15:00");
+  EXPECT_EQ(File(), "Timestamp, Küche, no history\r\n16.11.2026 20:15:00, 1234,5, \r\n");
 }
 
 TEST_F(CSVLogger, WritesANewHeaderWhenTheMetersChanged) {
