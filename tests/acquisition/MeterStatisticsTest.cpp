@@ -16,10 +16,6 @@ using testing::ElementsAre;
 
 constexpr double None = NoValue;
 
-double NewestUsage(const MeterStatistics& meter, int interval) {
-  return meter.UsageRecent(interval).back();
-}
-
 double NewestDemand(const MeterStatistics& meter, int interval) {
   return meter.DemandRecent(interval).back();
 }
@@ -85,7 +81,7 @@ TEST(MeterStatistics, TakesEnergyFromTicksAtTheNewPower) {
     }
     EXPECT_EQ(meter.Usage(Yesterday), 0);
     for (const int i : {Hour, Day, Week, Month, Year}) {
-      EXPECT_NEAR(NewestUsage(meter, i), energy, 1e-9 * (1 + energy));
+      EXPECT_NEAR(meter.UsageRecent(i).back(), energy, 1e-9 * (1 + energy));
     }
   }
 }
@@ -120,7 +116,8 @@ TEST(MeterStatistics, RepeatsAReadingIntoShortGaps) {
   const MeterStatistics& read = meter;
   EXPECT_THAT(read.DemandRecent(Minute).last(5), ElementsAre(None, 36, 36, 72, 72));
   EXPECT_THAT(read.UsageRecent(Minute).last(5), ElementsAre(None, 0.02, 0.02, 0.04, 0.04));
-  EXPECT_NEAR(NewestUsage(meter, Hour), 0.06, 1e-12) << "the energy itself only once a reading";
+  EXPECT_NEAR(meter.UsageRecent(Hour).back(), 0.06, 1e-12)
+      << "the energy itself only once a reading";
   for (const int i : {Hour, Day, Year}) EXPECT_EQ(NewestDemand(meter, i), 54);
   // Into one of four seconds, but not into one of five.
   meter.AddReading(10, At("2026-11-16T20:10:08"), 9000);

@@ -70,10 +70,7 @@ TEST(FoldCase, MakesSmallLetters) {
   }
 }
 
-struct NumberText {
-  double value;
-  const char* text;
-};
+using NumberText = std::pair<double, const char*>;
 
 TEST(DoubleToText, IsWrittenShortlyAndReadBack) {
   for (const auto& [value, text] :
@@ -96,13 +93,13 @@ TEST(DoubleToText, IsWrittenShortlyAndReadBack) {
 }
 
 TEST(TextToDouble, AcceptsEveryFormOfADecimalNumber) {
-  for (const NumberText& c :
+  for (const auto& [value, text] :
        {NumberText{1.5, " \t1.5\r\n"}, NumberText{1.5, "+1.5"}, NumberText{-1.5, "-1,5"},
         NumberText{0.5, ".5"}, NumberText{5, "5."}, NumberText{1500, "1,5e3"},
         NumberText{0.15, "1.5E-1"}, NumberText{1500, "+1.5E+3"}, NumberText{7, "007"},
         NumberText{0, "1E-400"}, NumberText{0, "0E99999999"},
         NumberText{0, "-1E-99999999999999999999"}, NumberText{1E300, "0.001E303"}}) {
-    EXPECT_EQ(TextToDouble(c.text), c.value) << c.text;
+    EXPECT_EQ(TextToDouble(text), value) << text;
   }
   EXPECT_EQ(TextToDouble("0." + std::string(400, '0') + "1"), 0.0);
   EXPECT_EQ(TextToDouble("1" + std::string(400, '0') + "E-400"), 1.0);
