@@ -62,13 +62,9 @@ TEST(clsKillAWatt, ClampsCalibration) {
 }
 
 TEST(clsKillAWatt, ConvertsSamplesIntoAReading) {
-  struct Case {
-    std::vector<std::uint16_t> voltage, current;
-    int offset;
-    double volts, amps, watts;
-  };
   // 31 counts from the offset of 498 are 2 A, 200 counts from the middle 120 V.
-  const Case cases[] = {
+  using Counts = std::vector<std::uint16_t>;
+  const std::tuple<Counts, Counts, int, double, double, double> cases[] = {
       // The outer samples take part in the peaks alone, but count in the divisor.
       {{700, 300, 700, 300}, {0, 467, 529, 0}, 500, 240 / 2.82842712474619, 0, 120},
       {{795, 229, 512}, {1023, 529, 0}, 512, 566 * 0.6 / 2.82842712474619, 2.0 / 3, 0},
@@ -76,18 +72,18 @@ TEST(clsKillAWatt, ConvertsSamplesIntoAReading) {
       {{701, 300, 700}, {498, 467, 498}, 500, 401 * 0.6 / 2.82842712474619, -2.0 / 3, 80},
       {{700, 300}, {529, 467}, 500, 240 / 2.82842712474619, 0, 0},
       {{}, {}, 512, 0, 0, 0}};
-  for (const Case& test : cases) {
-    SCOPED_TRACE(testing::PrintToString(test.voltage));
+  for (const auto& [voltage, current, offset, volts, amps, watts] : cases) {
+    SCOPED_TRACE(testing::PrintToString(voltage));
     Meter meter;
-    meter.Receive(test.voltage, test.current);
-    EXPECT_EQ(meter.VoltageOffset(), test.offset);
-    EXPECT_NEAR(meter.Volts(), test.volts, 1e-9);
-    EXPECT_NEAR(meter.Amps(), test.amps, 1e-12);
-    EXPECT_NEAR(meter.Watts(), test.watts, 1e-9);
+    meter.Receive(voltage, current);
+    EXPECT_EQ(meter.VoltageOffset(), offset);
+    EXPECT_NEAR(meter.Volts(), volts, 1e-9);
+    EXPECT_NEAR(meter.Amps(), amps, 1e-12);
+    EXPECT_NEAR(meter.Watts(), watts, 1e-9);
     EXPECT_EQ(meter.ShownWatts(), meter.Watts());
-    std::vector<double> volts;
-    std::vector<double> amps;
-    EXPECT_EQ(meter.GetSamples(volts, amps), !test.voltage.empty());
+    std::vector<double> sampleVolts;
+    std::vector<double> sampleAmps;
+    EXPECT_EQ(meter.GetSamples(sampleVolts, sampleAmps), !voltage.empty());
     EXPECT_EQ(meter.Timestamp(), At("2026-11-16T20:10:00"));
   }
 }
@@ -190,17 +186,9 @@ struct Watched : MeterAlarm {
 
 // Each case: one reading a second, the watts of each stretch, and at which second a notice comes.
 TEST(MeterAlarm, RaisesNoticesAtTheRightSecond) {
-  struct Stretch {
-    double watts;
-    int seconds;
-  };
-  struct Case {
-    const char* what;
-    std::int32_t duration, interval;
-    std::vector<Stretch> stretches;
-    std::vector<int> notices;
-  };
-  for (const Case& test :
+  using Case = std::tuple<const char*, std::int32_t, std::int32_t,
+                          std::vector<std::pair<double, int>>, std::vector<int>>;
+  for (const auto& [what, duration, interval, stretches, expected] :
        {Case{"above", 60, 600, {{600, 1300}}, {61, 662, 1263}},
         Case{"below", 60, 600, {{99.9, 700}}, {61, 662}},
         Case{"the limits are in range", 1, 60, {{500, 500}, {100, 500}, {300, 100}}, {}},
@@ -211,17 +199,17 @@ TEST(MeterAlarm, RaisesNoticesAtTheRightSecond) {
         Case{"again within the interval", 60, 600, {{600, 61}, {400, 39}, {600, 600}}, {61, 662}},
         Case{"again after it", 60, 600, {{600, 61}, {400, 939}, {600, 100}}, {61, 1061}},
         Case{"an interval shorter than the duration", 60, 5, {{600, 70}}, {61, 67}}}) {
-    Watched alarm(test.duration, test.interval);
+    Watched alarm(duration, interval);
     std::vector<int> notices;
     int second = 0;
-    for (const auto& [watts, seconds] : test.stretches) {
+    for (const auto& [watts, seconds] : stretches) {
       for (int i = 0; i < seconds; ++i) {
         alarm.AddReading(watts, 1);
         ++second;
         if (alarm.Tick()) notices.push_back(second);
       }
     }
-    EXPECT_EQ(notices, test.notices) << test.what;
+    EXPECT_EQ(notices, expected) << what;
   }
 }
 
@@ -243,13 +231,9 @@ TEST(MeterAlarm, CountsTheSecondsOfTheReading) {
 }
 
 TEST(MeterAlarm, AssignmentsChangeTheCountersAsTheyMust) {
-  struct Case {
-    const char* what;
-    void (*assign)(MeterAlarm&);
-    std::int32_t outOfRange;  // from 40
-    std::int32_t interval;    // from 640
-  };
-  for (const Case& test :
+  // The seconds out of range go from 40, and those since the last notice from 640.
+  using Case = std::tuple<const char*, void (*)(MeterAlarm&), std::int32_t, std::int32_t>;
+  for (const auto& [what, assign, outOfRange, interval] :
        {Case{"on while on", [](MeterAlarm& a) { a.SetAlarmActive(true); }, 0, 640},
         Case{"off", [](MeterAlarm& a) { a.SetAlarmActive(false); }, 0, 0},
         Case{"on", [](MeterAlarm& a) { a.SetAlarmActive(false), a.SetAlarmActive(true); }, 0, 600},
@@ -262,9 +246,9 @@ TEST(MeterAlarm, AssignmentsChangeTheCountersAsTheyMust) {
         Case{"notice", [](MeterAlarm& a) { a.ResetAlarmInterval(); }, 40, 0}}) {
     Watched alarm;
     alarm.AddReading(600, 40);
-    test.assign(alarm);
-    EXPECT_EQ(alarm.OutOfRangeSeconds(), test.outOfRange) << test.what;
-    EXPECT_EQ(alarm.IntervalSeconds(), test.interval) << test.what;
+    assign(alarm);
+    EXPECT_EQ(alarm.OutOfRangeSeconds(), outOfRange) << what;
+    EXPECT_EQ(alarm.IntervalSeconds(), interval) << what;
   }
 }
 

@@ -92,12 +92,9 @@ TEST(clsXBee, RefusesSamplesAndChannelsThatDoNotExist) {
 }
 
 TEST(clsXBee, ReadsSampleTablesOfEveryMask) {
-  struct Case {
-    std::uint16_t mask;
-    std::vector<std::uint16_t> words;  // of two samples
-    std::vector<int> read;  // for each, six channels and the bits of the lines: 1 if not enabled
-  };
-  for (const Case& test :
+  // The words of two samples; for each, six channels and the bits of the lines: 1 if not enabled.
+  using Case = std::tuple<std::uint16_t, std::vector<std::uint16_t>, std::vector<int>>;
+  for (const auto& [mask, words, expected] :
        {Case{0x0200, {11, 21}, {11, -1, -1, -1, -1, -1, 0x1FF, 21, -1, -1, -1, -1, -1, 0x1FF}},
         Case{0x7E00,
              {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12},
@@ -108,7 +105,7 @@ TEST(clsXBee, ReadsSampleTablesOfEveryMask) {
              {-1, 50, -1, -1, -1, 60, 0x1FE, -1, 51, -1, -1, -1, 61, 0x1FB}},
         Case{0, {}, {-1, -1, -1, -1, -1, -1, 0x1FF, -1, -1, -1, -1, -1, -1, 0x1FF}}}) {
     Receiver receiver;
-    receiver.Read(SampleFrame(5, 2, test.words, {.mask = test.mask}));
+    receiver.Read(SampleFrame(5, 2, words, {.mask = mask}));
     EXPECT_TRUE(receiver.decoder.SampleDecoded());
     std::vector<int> read;
     for (int s = 1; s <= 2; ++s) {
@@ -117,7 +114,7 @@ TEST(clsXBee, ReadsSampleTablesOfEveryMask) {
       for (int i = 1; i <= 9; ++i) lines |= receiver.decoder.DigitalSample(s, i) << (i - 1);
       read.push_back(lines);
     }
-    EXPECT_EQ(read, test.read) << test.mask;
+    EXPECT_EQ(read, expected) << mask;
   }
 }
 

@@ -15,9 +15,7 @@ using Names = std::vector<std::string>;
 using testing::AllOf;
 using testing::HasSubstr;
 
-struct Row {
-  const char *name, *stored, *loaded;
-};
+using Row = std::tuple<const char*, const char*, const char*>;
 
 class AppSettingsTest : public testing::Test {
  protected:
@@ -69,7 +67,7 @@ TEST_F(AppSettingsTest, AFreshProfileYieldsEveryDefaultAndTheExitSaveWritesThemI
 }
 
 TEST_F(AppSettingsTest, StoredTextsLoadIntoTheirFields) {
-  for (const auto& test :
+  for (const auto& [name, stored, loaded] :
        {Row{"CSVInterval", "30", "60"}, Row{"CSVInterval", "7200", "3600"},
         Row{"CSVInterval", "61", "61"}, Row{"GoogleInterval", "-5", "60"},
         Row{"PachubeInterval", "3601", "3600"}, Row{"PowerMeterInterval", "60", "600"},
@@ -78,23 +76,24 @@ TEST_F(AppSettingsTest, StoredTextsLoadIntoTheirFields) {
         Row{"PortNum", "32767", "32767"}, Row{"Mils", "0,2", "0.2"},
         Row{"TwitterMessage", "", "Currently using %W, %D so far today, %Y yesterday."},
         Row{"Parity", "any text", "any text"}, Row{"TotalUnit", "-2147483648", "-2147483648"}}) {
-    Store(test.name, test.stored);
-    EXPECT_EQ(Load(), Names{}) << test.name;
-    EXPECT_EQ(SettingText(settings_, *FindSetting(test.name), text_), test.loaded) << test.name;
+    Store(name, stored);
+    EXPECT_EQ(Load(), Names{}) << name;
+    EXPECT_EQ(SettingText(settings_, *FindSetting(name), text_), loaded) << name;
   }
   EXPECT_EQ(SettingText(settings_, *FindSetting("Mils"), StoreText(Germany())), "0,2");
 }
 
 TEST_F(AppSettingsTest, ATextThatDoesNotConvertGivesTheDefaultAndIsKeptUntilTheSettingChanges) {
-  for (const auto& test : {Row{"PortNum", "COM5", "3"}, Row{"PortNum", "32768", "3"},
-                           Row{"CSVInterval", "99999999999", "300"},
-                           Row{"Mils", "1.000,5", "0.106"}, Row{"LogToCSV", "maybe", "True"}}) {
-    Store(test.name, test.stored);
+  for (const auto& [name, stored, loaded] :
+       {Row{"PortNum", "COM5", "3"}, Row{"PortNum", "32768", "3"},
+        Row{"CSVInterval", "99999999999", "300"}, Row{"Mils", "1.000,5", "0.106"},
+        Row{"LogToCSV", "maybe", "True"}}) {
+    Store(name, stored);
     const Names problems = Load();
-    ASSERT_EQ(problems.size(), 1U) << test.name;
-    EXPECT_THAT(problems[0], AllOf(HasSubstr(test.name), HasSubstr(test.stored)));
-    EXPECT_EQ(SettingText(settings_, *FindSetting(test.name), text_), test.loaded);
-    ASSERT_TRUE(store_.DeleteAppSetting("", "Settings", test.name));
+    ASSERT_EQ(problems.size(), 1U) << name;
+    EXPECT_THAT(problems[0], AllOf(HasSubstr(name), HasSubstr(stored)));
+    EXPECT_EQ(SettingText(settings_, *FindSetting(name), text_), loaded);
+    ASSERT_TRUE(store_.DeleteAppSetting("", "Settings", name));
   }
   Store("PortNum", "COM5");
   Load();

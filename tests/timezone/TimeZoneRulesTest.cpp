@@ -12,15 +12,12 @@
 namespace wattlark {
 namespace {
 
-struct Change {
-  const char* utc;
-  int offset;
-};
+using Change = std::pair<const char*, int>;  // at a moment in UTC, to an offset
 
 ZoneOffsets Zone(int firstOffset, const std::vector<Change>& changes) {
   ZoneOffsets zone;
   zone.firstOffset = firstOffset;
-  for (const Change& change : changes) zone.changes.push_back({At(change.utc), change.offset});
+  for (const auto& [utc, offset] : changes) zone.changes.push_back({At(utc), offset});
   return zone;
 }
 
