@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 
-
 #include "app/MonitorFixture.h"
 #include "twins/Meters.h"
 
