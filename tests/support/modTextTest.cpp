@@ -6,15 +6,12 @@
 #include <vector>
 
 #include "support/DisplayText.h"
-#include "support/NoValue.h"
-#include "support/modSeries.h"
 #include "support/modText.h"
 
 namespace wattlark {
 namespace {
 
 using namespace std::string_literals;
-using Series = std::vector<double>;
 
 TEST(Trim, TakesBlanksAndLineEndsOffBothEnds) {
   EXPECT_EQ(Trim(" \r\n a b\tc \n\r "), "a b\tc");
@@ -169,65 +166,6 @@ TEST(DisplayText, CountsColumnsAndCutsBetweenCharacters) {
         Row{"台所", 2, "…"}, Row{"e\u0301xy", 2, "e\u0301…"}}) {
     EXPECT_EQ(CutToWidth(text, columns), cut);
   }
-}
-
-TEST(ShiftSeries, MovesLeftAndFills) {
-  using Row = std::pair<std::int64_t, Series>;
-  for (const auto& [count, expected] :
-       {Row{0, {1, 2, 3, 4, 5}}, Row{-3, {1, 2, 3, 4, 5}}, Row{1, {2, 3, 4, 5, 9}},
-        Row{4, {5, 9, 9, 9, 9}}, Row{5, {9, 9, 9, 9, 9}},
-        Row{std::numeric_limits<std::int64_t>::max(), {9, 9, 9, 9, 9}}}) {
-    Series series = {1, 2, 3, 4, 5};
-    ShiftSeries(series, count, 9);
-    EXPECT_EQ(series, expected) << count;
-  }
-  Series empty;
-  ShiftSeries(empty, 1, 9);
-}
-
-TEST(AverageSeries, WeighsTheEntriesThereAndKeepsValuesBeyondNoValue) {
-  EXPECT_EQ(AverageSeries({}), NoValue);
-  EXPECT_EQ(AverageSeries(Series(60, NoValue)), NoValue);
-  EXPECT_EQ(AverageSeries(Series{NoValue, 10, NoValue, 20, -60}), -10);
-  EXPECT_EQ(AverageSeries(Series{1, NoValue, 2, 3}), 2);
-  Series series;
-  for (int value = 1; value <= 60; ++value) {
-    series.push_back(value);
-    EXPECT_EQ(AverageSeries(series), (value + 1) / 2.0);
-  }
-  const double largest = std::numeric_limits<double>::max();
-  EXPECT_EQ(AverageSeries(Series{largest}), largest);
-  EXPECT_EQ(AverageSeries(Series{largest, NoValue, largest, largest, largest}), largest);
-  EXPECT_EQ(AverageSeries(Series{-largest, -largest, -largest, -largest}), -largest);
-  EXPECT_EQ(AverageSeries(Series{largest, -largest, largest, -largest, largest, -largest}), 0);
-}
-
-TEST(SplitSeries, CopiesFromTheFirstEntry) {
-  using Row = std::pair<const char*, Series>;
-  for (const auto& [text, expected] :
-       {Row{"1,2.5,1E+308,-4", {1, 2.5, NoValue, -4}},
-        Row{"", {NoValue, NoValue, NoValue, NoValue}}, Row{"1", {1, NoValue, NoValue, NoValue}},
-        Row{"1,2,3,4,5,6", {1, 2, 3, 4}}, Row{"x,2,,4", {0, 2, 0, 4}},
-        Row{"1,", {1, 0, NoValue, NoValue}}, Row{"inf,nan,1E+309,-inf", {0, 0, 0, 0}},
-        Row{" 1 , 2\r\n", {1, 2, NoValue, NoValue}}}) {
-    Series series(4, NoValue);
-    SplitSeries(text, series);
-    EXPECT_EQ(series, expected) << text;
-  }
-  Series empty;
-  SplitSeries("1,2", empty);
-  EXPECT_EQ(JoinSeries({}), "");
-  EXPECT_EQ(JoinSeries(Series{NoValue, -0.25, 0, 1200}), "1E+308,-0.25,0,1200");
-  const Series written = {NoValue, 0.1, 1.0 / 3, -123456.789, 1E-300, 5E-324, 1E22, 0};
-  Series read(written.size(), 7);
-  SplitSeries(JoinSeries(written), read);
-  EXPECT_EQ(read, written);
-}
-
-TEST(Clamp, TakesBoundsForWhatLiesOutside) {
-  EXPECT_EQ(Clamp(-1, 0, 1023), 0);
-  EXPECT_EQ(Clamp(5000, 0, 1023), 1023);
-  EXPECT_EQ(Clamp(std::numeric_limits<double>::quiet_NaN(), 0.25, 0.75), 0.75);
 }
 
 }  // namespace

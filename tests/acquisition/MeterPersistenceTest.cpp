@@ -2,90 +2,18 @@
 
 #include <limits>
 
-#include "acquisition/HeardMeters.h"
 #include "acquisition/clsKillAWatt.h"
 #include "config/StoreText.h"
 #include "config/modRegistry.h"
 #include "support/RegionalForms.h"
 #include "twins/HandClock.h"
 #include "twins/MemoryRegistry.h"
-#include "twins/Meters.h"
 
 namespace wattlark {
 namespace {
 
 using testing::ElementsAre;
-
-std::string Names(const MeterCollection& meters) {
-  std::string names;
-  for (const auto& meter : meters) names += meter->Name() + ' ';
-  return names;
-}
-
-TEST(MeterCollection, KeepsTheOrderAndRefusesAnAddressThatIsTaken) {
-  MeterCollection meters;
-  EXPECT_TRUE(meters.IsEmpty());
-  EXPECT_TRUE(meters.Add(NewMeter("Office", 9)));
-  EXPECT_TRUE(meters.Add(NewMeter("Kitchen", 5)));
-  auto refused = NewMeter("Attic", 9);
-  EXPECT_FALSE(meters.Add(std::move(refused)));
-  ASSERT_NE(refused, nullptr) << "left with the caller";
-  EXPECT_EQ(Names(meters), "Office Kitchen ");
-  EXPECT_EQ(meters.Count(), 2U);
-  EXPECT_EQ(meters[1].Name(), "Kitchen");
-  EXPECT_EQ(MeterCollection::Key(32767), "XBEE32767");
-}
-
-TEST(MeterCollection, FindsByAddressAndByNameWithoutCase) {
-  MeterCollection meters;
-  meters.Add(NewMeter("Küche", 5));
-  meters.Add(NewMeter("", 0));
-  ASSERT_NE(meters.FindAddress(5), nullptr);
-  EXPECT_EQ(meters.FindAddress(5)->Name(), "Küche");
-  EXPECT_EQ(meters.FindAddress(6), nullptr);
-  EXPECT_EQ(meters.FindName("KÜCHE"), meters.FindAddress(5));
-  EXPECT_EQ(meters.FindName("Küch"), nullptr);
-}
-
-TEST(MeterCollection, RemovedMetersAndChangedAddressesFreeTheKey) {
-  MeterCollection meters;
-  meters.Add(NewMeter("A", 1));
-  meters.Add(NewMeter("B", 2));
-  EXPECT_FALSE(meters.ChangeAddress(meters[0], 2));
-  EXPECT_EQ(meters[0].XBeeAddress(), 1);
-  EXPECT_TRUE(meters.ChangeAddress(meters[0], 1));
-  EXPECT_TRUE(meters.ChangeAddress(meters[0], 3));
-  EXPECT_EQ(meters.FindAddress(1), nullptr);
-  EXPECT_EQ(meters.FindAddress(3)->Name(), "A");
-  EXPECT_TRUE(meters.Remove(meters[1]));
-  EXPECT_EQ(meters.FindAddress(2), nullptr);
-  EXPECT_TRUE(meters.Add(NewMeter("C", 2)));
-  EXPECT_EQ(Names(meters), "A C ");
-  EXPECT_FALSE(meters.Remove(clsKillAWatt())) << "a stranger with address 0";
-}
-
-TEST(HeardMetersTest, CountsFramesByAddress) {
-  const DateTime first = At("2026-11-16T20:10:00");
-  const DateTime second = At("2026-11-16T20:10:02");
-  HeardMeters heard;
-  heard.Note(7, first);
-  heard.Note(5, first);
-  heard.Note(7, second);
-  EXPECT_THAT(heard.All(), ElementsAre(HeardMeter{5, 1, first}, HeardMeter{7, 2, second}));
-}
-
-TEST(HeardMetersTest, NoiseDisplacesNoiseAndNoMeter) {
-  const DateTime now = At("2026-11-16T20:10:00");
-  HeardMeters heard;
-  for (int frame = 0; frame < 2; ++frame) heard.Note(5, now);
-  for (int address = 1000; address < 31000; ++address) {
-    heard.Note(static_cast<std::int16_t>(address), now);
-  }
-  const std::vector<HeardMeter> all = heard.All();
-  ASSERT_EQ(all.size(), HeardMeters::Most);
-  EXPECT_EQ(all.front(), (HeardMeter{5, 2, now}));
-  EXPECT_EQ(all[1].address, 31000 - 63);
-}
+using testing::StartsWith;
 
 const std::string kSection = "KillAWatts\\Kitchen";
 
@@ -201,8 +129,8 @@ TEST(MeterPersistence, WritesANewMetersDefaultsUnderTheAgreedNamesInOrder) {
   german.Save(meter);
   EXPECT_EQ(german.Get("NominalVoltage"), "230,5");
   EXPECT_EQ(german.Get("UsageYesterday"), "1E+308");
-  EXPECT_THAT(german.Get("Timestamp"), testing::StartsWith("16.11.2026 20:10:00"));
-  EXPECT_THAT(german.Get("DemandRecentWeek"), testing::StartsWith("5E-324,0.016666"));
+  EXPECT_THAT(german.Get("Timestamp"), StartsWith("16.11.2026 20:10:00"));
+  EXPECT_THAT(german.Get("DemandRecentWeek"), StartsWith("5E-324,0.016666"));
   german.registry.failsWrites = true;
   EXPECT_FALSE(german.Save(meter));
 }
