@@ -92,7 +92,8 @@ struct HeadlessRun : testing::Test {
   // As a capture has it.
   static std::string BurstText(std::uint16_t address) {
     const Bytes burst = Burst(address);
-    return QByteArray(reinterpret_cast<const char*>(burst.data()), burst.size())
+    return QByteArray(reinterpret_cast<const char*>(burst.data()),
+                      static_cast<qsizetype>(burst.size()))
         .toHex()
         .toUpper()
         .toStdString();
