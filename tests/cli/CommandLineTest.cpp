@@ -1,6 +1,7 @@
+#include <gmock/gmock.h>
+
 #include <cstdlib>
-#include <optional>
-#include <string>
+#include <regex>
 
 #include "cli/CommandTest.h"
 #include "cli/DefaultFiles.h"
@@ -9,6 +10,10 @@
 
 namespace wattlark {
 namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::IsSupersetOf;
 
 /// Gives an environment variable a value for as long as it lives, and none afterwards.
 class Variable {
@@ -23,16 +28,20 @@ class Variable {
 };
 
 using CommandLineTest = CommandTest;
+using Words = std::vector<std::string>;
+
+Words Of(const std::string& line) {
+  const auto words = Split(line, ' ');
+  return {words.begin(), words.end()};
+}
 
 TEST_F(CommandLineTest, VersionAndHelpAreData) {
   const CommandResult version = Run({"--version"});
   EXPECT_EQ(version.status, ExitOK);
   EXPECT_EQ(version.output, "wattlark 2.0\n");
   EXPECT_EQ(version.messages, "");
-  using Words = std::vector<std::string>;
-  for (const auto& arguments :
-       {Words{"--help"}, Words{"replay", "--help"}, Words{"meter", "add", "--help"}}) {
-    const CommandResult help = Run(arguments);
+  for (const char* line : {"--help", "replay --help", "meter add --help"}) {
+    const CommandResult help = Run(Of(line));
     EXPECT_EQ(help.status, ExitOK);
     EXPECT_NE(help.output.find("Exit status: 0 done, 1 refused"), std::string::npos);
     EXPECT_EQ(help.messages, "");
@@ -46,8 +55,7 @@ TEST_F(CommandLineTest, ABadOneIsToldAndDoesNothing) {
         "--headless meter list", "replay", "replay a.cap b.cap", "replay --csv  x.cap", "meter",
         "meter rename a", "meter add --name Kitchen", "meter add --address 5", "setting",
         "setting get", "setting set Mils", "setting set TwitterMessage -hello"}) {
-    const auto words = Split(line, ' ');
-    const CommandResult result = Run({words.begin(), words.end()});
+    const CommandResult result = Run(Of(line));
     EXPECT_NE(result.messages, "") << line;
     ExpectRefused(result, "", ExitBadInput);
   }
@@ -117,6 +125,73 @@ TEST(TextTable, AlignsByWhatATerminalShows) {
             "Küche     1\n"
             "?[2J   12.5\n"
             "short\n");
+}
+
+struct ManualTest : CommandTest {
+  Words Complete(Words words) const {
+    words.insert(words.begin(), "--complete");
+    const std::string output = Run(words).output;
+    Words found;
+    for (const std::string_view line : Split(output, '\n')) {
+      if (!line.empty()) found.emplace_back(line);
+    }
+    return found;
+  }
+  // What a help text lists, by a pattern of its lines.
+  static Words Listed(const std::string& help, const std::string& pattern) {
+    const std::regex line(pattern);
+    Words names;
+    for (std::sregex_iterator at(help.begin(), help.end(), line), end; at != end; ++at) {
+      names.push_back((*at)[1]);
+    }
+    return names;
+  }
+  /// `command` ends in a blank, or is empty.
+  void ExpectAllOf(const std::string& command) const {
+    SCOPED_TRACE(command);
+    const std::string help = Run(Of(command + "--help")).output;
+    const Words options = Listed(help, "\n  (?:-h,)?(--[a-z-]+) ");
+    ASSERT_THAT(options, testing::Contains("--help"));
+    for (const std::string& option : options) {
+      EXPECT_THAT(manual, testing::HasSubstr(" Fl Fl " + option.substr(2))) << option;
+    }
+    EXPECT_THAT(Complete(Of(command + "--")), IsSupersetOf(options));
+    const Words commands = Listed(help, "\n  ([a-z]+)  ");
+    EXPECT_THAT(Complete(Of(command)), IsSupersetOf(commands));
+    for (const std::string& name : commands) ExpectAllOf(command + name + " ");
+    if (commands.empty()) {
+      EXPECT_THAT(manual, testing::HasSubstr("\n.It Ic " + command));
+    }
+  }
+
+  const std::string manual = FileBytes(WATTLARK_MANUAL) + "\n";
+};
+
+TEST_F(ManualTest, ManualAndCompletionHaveWhatTheHelpLists) {
+  ASSERT_THAT(Listed(Run({"--help"}).output, "\n  ([a-z]+)  "),
+              IsSupersetOf({"replay", "meter", "setting", "publish"}));
+  ExpectAllOf("");
+}
+
+TEST_F(ManualTest, CompletesWhatTheProfileHas) {
+  AddKitchen();
+  ExpectDone({"meter", "add", "--name", "Living room", "--address", "6"});
+  EXPECT_THAT(Complete({"--profile", profile_, "meter", "remove", ""}),
+              ElementsAre("Kitchen", "Living room"));
+  EXPECT_THAT(Complete({"meter", "remove", "--profile=" + profile_, "K"}), ElementsAre("Kitchen"));
+  EXPECT_THAT(Complete({"--profile", profile_, "setting", "get", "Service"}),
+              IsSupersetOf({"ServiceState", "ServiceEndpoints/VersionFileURL"}));
+}
+
+TEST_F(ManualTest, CompletesAsFarAsTheWordsGo) {
+  EXPECT_THAT(Complete({"me"}), ElementsAre("meter"));
+  EXPECT_THAT(Complete({"meter", "add", "--type", ""}), ElementsAre("load", "generator"));
+  EXPECT_THAT(Complete({"meter", "add", "--name", ""}), IsEmpty());
+  EXPECT_THAT(Complete({"publish", "p"}), ElementsAre("pachube", "powermeter"));
+  EXPECT_THAT(Complete({"publish", "csv", ""}), IsEmpty());
+  EXPECT_THAT(Complete({"replay", ""}), IsEmpty());
+  EXPECT_THAT(Complete({"setting", "set", "--profile", profile_, "PortNum", "--", "-"}), IsEmpty());
+  EXPECT_FALSE(ProfileExists());
 }
 
 }  // namespace

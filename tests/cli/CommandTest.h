@@ -2,11 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <map>
 #include <nlohmann/json.hpp>
 #include <sstream>
-#include <string>
 #include <vector>
 
 #include "cli/CommandLine.h"
@@ -22,25 +19,28 @@ struct CommandResult {
   nlohmann::json Json() const { return nlohmann::json::parse(output); }
 };
 
-/// Runs commands as the program would, on a profile folder of their own that does not exist yet, in
-/// the United States form.
+/// Runs a command as the program would: `arguments` without its name, `input` is standard input.
+inline CommandResult RunCommand(std::vector<std::string> arguments, const std::string& input = "",
+                                const RegionalSettings& regional = RegionalSettings::UnitedStates(),
+                                const WindowRunner& runWindow = {}) {
+  arguments.insert(arguments.begin(), "wattlark");
+  std::vector<char*> argv;
+  for (std::string& argument : arguments) argv.push_back(argument.data());
+  int argc = static_cast<int>(argv.size());
+  argv.push_back(nullptr);
+  std::istringstream in(input);
+  std::ostringstream out;
+  std::ostringstream messages;
+  CommandEnvironment environment{in, out, messages, regional};
+  const int status = RunCommandLine(argc, argv.data(), runWindow, environment);
+  return {status, out.str(), messages.str()};
+}
+
+/// Commands on a profile folder of their own that does not exist yet, in the United States form.
 struct CommandTest : testing::Test {
-  /// `arguments` without the program's name; `input` is standard input.
-  CommandResult Run(std::vector<std::string> arguments, const std::string& input = "") const {
-    arguments.insert(arguments.begin(), "wattlark");
-    std::vector<char*> argv;
-    for (std::string& argument : arguments) argv.push_back(argument.data());
-    int argc = static_cast<int>(argv.size());
-    argv.push_back(nullptr);
-    std::istringstream in(input);
-    std::ostringstream out;
-    std::ostringstream messages;
-    CommandEnvironment environment{in, out, messages, regional_};
-    CommandResult result;
-    result.status = RunCommandLine(argc, argv.data(), runWindow_, environment);
-    result.output = out.str();
-    result.messages = messages.str();
-    return result;
+  CommandResult Run(const std::vector<std::string>& arguments,
+                    const std::string& input = "") const {
+    return RunCommand(arguments, input, regional_, runWindow_);
   }
   /// The same with the profile of this test.
   CommandResult RunHere(std::vector<std::string> arguments, const std::string& input = "") const {
@@ -63,15 +63,7 @@ struct CommandTest : testing::Test {
   std::string Setting(const std::string& name) const {
     return RunHere({"setting", "get", name}).output;
   }
-  /// The names and bytes of all files of the profile.
-  std::map<std::string, std::string> ProfileFiles() const {
-    std::map<std::string, std::string> files;
-    if (!ProfileExists()) return files;
-    for (const auto& entry : std::filesystem::directory_iterator(profile_)) {
-      files[entry.path().filename()] = FileBytes(entry.path());
-    }
-    return files;
-  }
+  std::map<std::string, std::string> ProfileFiles() const { return FilesIn(profile_); }
   bool ProfileExists() const { return std::filesystem::exists(profile_); }
 
   TemporaryFolder folder_;

@@ -1,13 +1,10 @@
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/ioctl.h>
 
 #include <array>
 #include <csignal>
-#include <cstdlib>
 #include <regex>
-#include <vector>
 
 #include "cli/Console.h"
 #include "twins/TestTerminal.h"

@@ -6,8 +6,6 @@
 namespace wattlark {
 namespace {
 
-namespace fs = std::filesystem;
-
 // Voltage 229 to 795 counts, so its midpoint is 512, the swing 566 and a sample (795 - 512) * 0.6 =
 // 169.8 V; current 498 counts is 0 A, 653 counts 155 / 15.5 = 10 A. The first and last of the four
 // samples take no part: amps = 10 / 4, watts = 10 * 169.8 / 4.
@@ -123,7 +121,7 @@ TEST_F(ReplayCommand, SaveCarriesTheTotalsOn) {
   WriteTwoReadings();
   EXPECT_EQ(Replay({"--save"}).messages, "");
   EXPECT_DOUBLE_EQ(Meters().at(0)["Usage"]["ToDate"], kEnergy);
-  fs::remove(capture_);
+  std::filesystem::remove(capture_);
   Rx("2026-11-17T08:00:00", 500, KitchenFrame());
   Rx("2026-11-17T08:00:01", 1500, KitchenFrame());
   const nlohmann::json usage = ReplayJson()["meters"].at(0)["Usage"];
@@ -151,7 +149,7 @@ TEST_F(ReplayCommand, LogsOnlyWhereItIsToldToAndStampsRowsWithTheirSlots) {
   EXPECT_EQ(Setting("CSVFilename"), own + "\n");
   ExpectDone({"setting", "set", "LogToCSV", "True"});
   EXPECT_EQ(Replay().status, ExitOK);
-  EXPECT_FALSE(fs::exists(own));
+  EXPECT_FALSE(std::filesystem::exists(own));
 }
 
 TEST_F(ReplayCommand, CsvThatCannotBeWrittenIsAnErrorOfTheReplayAndDemoModeStaysOut) {
@@ -179,7 +177,7 @@ TEST_F(ReplayCommand, ACaptureThatCannotBeReadEndsAllBeforeItBegins) {
   ExpectRefused(Replay({"--json", "--save", "--csv", folder_.File("log.csv")}),
                 capture_ + ":5: \"tock\" is not \"rx HEX\" or \"tick\"\n", ExitBadInput);
   EXPECT_EQ(ProfileFiles(), before);
-  EXPECT_FALSE(fs::exists(folder_.File("log.csv")));
+  EXPECT_FALSE(std::filesystem::exists(folder_.File("log.csv")));
 }
 
 TEST_F(ReplayCommand, DamagedStoreIsReadAsFarAsPossibleAndLeft) {

@@ -2,7 +2,6 @@
 
 #include <QCoreApplication>
 #include <QTest>
-#include <string>
 
 #include "cli/ServiceReport.h"
 #include "platform/NotifySocket.h"
@@ -12,7 +11,6 @@ namespace wattlark {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 // A program whose manager waits 800 ms for a sign of life.
 struct ServiceReportTest : testing::TestWithParam<bool> {
@@ -64,7 +62,7 @@ TEST_P(ServiceReportTest, NoSignsForAManagerThatWaitsForNone) {
     report->OnTickBegins();
     report->OnTickEnds();
   }
-  EXPECT_THAT(manager.Messages(), IsEmpty());
+  EXPECT_THAT(manager.Messages(), testing::IsEmpty());
 }
 
 }  // namespace

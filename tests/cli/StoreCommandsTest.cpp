@@ -1,15 +1,12 @@
-#include <sys/stat.h>
 
 #include "cli/CommandTest.h"
 #include "config/modRegistry.h"
-#include "platform/FileSizeLimit.h"
 #include "platform/sqlite/OpenStore.h"
 #include "platform/sqlite/SqliteDatabase.h"
 
 namespace wattlark {
 namespace {
 
-namespace fs = std::filesystem;
 using namespace std::string_literals;
 
 constexpr Hive kUser = Hive::CurrentUser;
@@ -18,10 +15,6 @@ const std::string kStart =
     "Settings]\n";
 
 struct StoreCommands : CommandTest {
-  static int Mode(const std::string& file) {
-    struct stat status {};
-    return ::stat(file.c_str(), &status) == 0 ? static_cast<int>(status.st_mode & 07777) : -1;
-  }
   /// Nothing of the profile, or of the file named, is other than before.
   void Refuse(const std::vector<std::string>& arguments, const std::string& message,
               int status = ExitRefused, const std::string& input = "") const {
@@ -55,11 +48,11 @@ TEST_F(StoreCommands, FilesAreReplacedOnlyWithForce) {
   AddKitchen();
   for (const char* command : {"export", "backup"}) {
     WriteFile(file_, "mine");
-    ::chmod(file_.c_str(), 0644);
+    std::filesystem::permissions(file_, std::filesystem::perms(0644));
     Refuse({"store", command, file_}, "is there already: --force replaces it.");
     ExpectDone({"store", command, "--force", file_});
     EXPECT_NE(FileBytes(file_), "mine");
-    EXPECT_EQ(Mode(file_), 0600);
+    EXPECT_EQ(ModeOf(file_), 0600);
     for (const char* own : {"/wattlark.db", "/wattlark.db-journal", "/../profile/lock"}) {
       Refuse({"store", command, "--force", profile_ + own}, "the profile itself uses");
     }
@@ -74,16 +67,14 @@ TEST_F(StoreCommands, FullDiskLeavesNoHalfFile) {
     const FileSizeLimit full;
     ExpectRefused(RunHere({"store", command, file_}), file_);
   }
-  std::size_t entries = 0;
-  for ([[maybe_unused]] const auto& entry : fs::directory_iterator(folder_.Path())) ++entries;
-  EXPECT_EQ(entries, 1u);
+  EXPECT_EQ(FilesIn(folder_.Path()).size(), 1u);
 }
 
 TEST_F(StoreCommands, NothingIsWrittenOfNothing) {
   Refuse({"store", "export", file_}, "has nothing to export");
   Refuse({"store", "backup", file_}, "There is no settings store");
   EXPECT_FALSE(ProfileExists());
-  EXPECT_FALSE(fs::exists(file_));
+  EXPECT_FALSE(std::filesystem::exists(file_));
 }
 
 TEST_F(StoreCommands, BadTextsChangeNothing) {
@@ -130,7 +121,7 @@ TEST_F(StoreCommands, RestoreBringsBackTheBackupAndKeepsTheStore) {
     const CommandResult result = RunHere({"store", "restore", file_});
     EXPECT_EQ(result.status, ExitOK);
     EXPECT_EQ(result.messages, "The store before is kept as \"" + profile_ + aside + "\".\n");
-    EXPECT_EQ(Mode(profile_ + aside), 0600);
+    EXPECT_EQ(ModeOf(profile_ + aside), 0600);
     EXPECT_EQ(Setting("PortNum"), "4\n");
   }
   EXPECT_EQ(FileBytes(profile_ + "/wattlark.db.replaced-1"), before);
@@ -150,7 +141,7 @@ TEST_F(StoreCommands, RestoreTakesNoOtherFile) {
   Refuse({"store", "restore", file_}, "is empty");
   WriteFile(file_, sound.substr(0, sound.size() - 4096));
   Refuse({"store", "restore", file_}, "is damaged, or is no settings store");
-  fs::remove(file_);
+  std::filesystem::remove(file_);
   {
     SqliteDatabase database;
     ASSERT_EQ(database.Open(file_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, 0), SQLITE_OK);

@@ -1,13 +1,10 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
-#include <QPlainTextEdit>
-#include <QPushButton>
 #include <QTimer>
 
 #include "app/forms/frmInfoBox.h"
 #include "forms/FormChecks.h"
-#include "platform/FileSizeLimit.h"
 #include "platform/TemporaryFolder.h"
 #include "twins/HandClock.h"
 #include "twins/ScriptedPrompts.h"

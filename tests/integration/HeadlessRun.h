@@ -3,13 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <QByteArray>
-#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <optional>
 
 #include "integration/RunningProgram.h"
 #include "platform/TemporaryFolder.h"
-#include "services/HttpServer.h"
+#include "platform/TestServers.h"
 #include "twins/Frames.h"
 #include "twins/TestTerminal.h"
 
@@ -55,11 +54,21 @@ struct HeadlessRun : testing::Test {
   std::vector<std::string> RunCommand(const char* program = WATTLARK_HEADLESS_PROGRAM) const {
     return Command({"--device", device, "--record", capture}, program);
   }
+  struct Result {
+    int status;
+    std::string output;
+    std::string messages;
+  };
+  Result Try(const std::vector<std::string>& arguments) const {
+    RunningProgram command(Command(arguments));
+    const int status = command.Wait();
+    return {status, command.Output(), command.Messages()};
+  }
   // What a command that succeeds prints.
-  std::string Run(std::vector<std::string> arguments) const {
-    RunningProgram command(Command(std::move(arguments)));
-    EXPECT_EQ(command.Wait(), 0) << command.Messages();
-    return command.Output();
+  std::string Run(const std::vector<std::string>& arguments) const {
+    const Result result = Try(arguments);
+    EXPECT_EQ(result.status, 0) << result.messages;
+    return result.output;
   }
   void AddKitchen(const std::vector<std::string>& options = {}) const {
     std::vector<std::string> arguments = {"meter", "add", "--name", "Kitchen", "--address", "5"};
@@ -80,13 +89,10 @@ struct HeadlessRun : testing::Test {
   }
   // A server of version information, to which the profile is pointed.
   std::unique_ptr<HttpServer> OfferVersion9() const {
-    auto server = std::make_unique<HttpServer>();
-    server->Handlers().Get("/version", [](const httplib::Request&, httplib::Response& response) {
+    auto server = std::make_unique<AnyServer>([](const auto&, httplib::Response& response) {
       response.set_content("9.0\r\n27 August 2010\r\nhttp://maker.example/setup\r\n", "text/plain");
     });
-    server->Start();
-    Run({"setting", "set", "ServiceEndpoints/VersionFileURL",
-         "http://" + server->Place("/version")});
+    Run({"setting", "set", "ServiceEndpoints/VersionFileURL", server->URL("/version")});
     return server;
   }
   // As a capture has it.
@@ -105,17 +111,12 @@ struct HeadlessRun : testing::Test {
     receiver->Write(Burst(5));
     ASSERT_TRUE(WaitUntil([&] { return CountOf(FileBytes(capture), frame) > before; }));
   }
-  // A program that has taken two bursts, so that there is energy.
+  // A program that has taken two bursts, so that there is energy: not in the same millisecond.
   void TakeTwoBursts(RunningProgram& program) {
     SendBurst();
-    ASSERT_TRUE(WaitUntil([&] { return !program.Output().empty(); }));
-    SendLaterBurst();
-  }
-  // Readings of the same millisecond hold no energy.
-  void SendLaterBurst() {
-    const auto from = std::chrono::steady_clock::now();
-    WaitUntil(
-        [&] { return std::chrono::steady_clock::now() - from > std::chrono::milliseconds(10); });
+    const auto later = std::chrono::steady_clock::now() + std::chrono::milliseconds(10);
+    ASSERT_TRUE(WaitUntil(
+        [&] { return !program.Output().empty() && std::chrono::steady_clock::now() > later; }));
     SendBurst();
   }
 };

@@ -3,19 +3,15 @@
 #include <sys/stat.h>
 
 #include "integration/HeadlessRun.h"
-#include "platform/FileSizeLimit.h"
 #include "platform/NotifySocket.h"
 
 namespace wattlark {
 namespace {
 
 using testing::AllOf;
-using testing::Contains;
 using testing::ContainsRegex;
+using testing::FieldsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
-using testing::StartsWith;
 
 constexpr const char* kKitchenLine =
     "[0-9-]+T[0-9:]+ Kitchen [0-9.-]+ W [0-9.]+ V [0-9.-]+ A today [0-9.]+ kWh\n";
@@ -31,14 +27,13 @@ TEST_F(HeadlessRun, PrintsTheFirstReadingAtOnceSavesWhateverEndsItAndIsBackedUpM
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
     if (signal == SIGHUP) {
       Run({"store", "backup", backup});
-      RunningProgram refused(Command({"store", "restore", backup}));
-      EXPECT_EQ(refused.Wait(), 1);
+      EXPECT_EQ(Try({"store", "restore", backup}).status, 1);
     }
     EXPECT_EQ(program.End(signal), 0);
     EXPECT_THAT(program.Output(), ContainsRegex(std::string("^") + kKitchenLine));
     // One more only when the minute happened to change.
     EXPECT_LE(CountOf(program.Output(), "\n"), 2u);
-    EXPECT_THAT(program.Messages(), IsEmpty());
+    EXPECT_THAT(program.Messages(), testing::IsEmpty());
     EXPECT_GT(KitchenEnergy(), saved.back());
     saved.push_back(KitchenEnergy());
   }
@@ -50,10 +45,8 @@ TEST_F(HeadlessRun, ASecondInstanceIsRefusedAndTheFirstHearsOfIt) {
   AddKitchen();
   RunningProgram first(RunCommand());
   TakeTwoBursts(first);
-  RunningProgram second(RunCommand());
-  EXPECT_EQ(second.Wait(), 1);
-  EXPECT_THAT(second.Output(), IsEmpty());
-  EXPECT_EQ(second.Messages(), "Wattlark is already running with the profile " + profile + "\n");
+  EXPECT_THAT(Try({"--device", device}),
+              FieldsAre(1, "", "Wattlark is already running with the profile " + profile + "\n"));
   EXPECT_TRUE(
       WaitUntil([&] { return first.Messages().find("Another start") != std::string::npos; }));
   EXPECT_EQ(first.End(SIGTERM), 0);
@@ -133,7 +126,7 @@ TEST_F(HeadlessRun, ShowsATableOnATerminal) {
     return shown.find("receiving") != std::string::npos;
   })) << shown;
   EXPECT_THAT(shown, HasSubstr("Meter "));
-  EXPECT_THAT(shown, Not(HasSubstr("kWh")));
+  EXPECT_THAT(shown, testing::Not(HasSubstr("kWh")));
   EXPECT_EQ(program.End(SIGINT), 0);
   ::close(output);
 }
@@ -149,18 +142,15 @@ TEST_F(HeadlessRun, TellsOfANewerVersion) {
 }
 
 struct DiscoverCommand : HeadlessRun {
-  std::vector<std::string> Discover() const {
-    return Command({"meter", "discover", "--device", device, "--seconds", "1"});
-  }
+  const std::vector<std::string> discover{"meter", "discover",  "--device",
+                                          device,  "--seconds", "1"};
 };
 
 TEST_F(DiscoverCommand, TellsWhoSendsAndWhatToType) {
   AddKitchen();
   Simulate({"Kitchen:5:620", "Office:6:80"});
-  RunningProgram discover(Discover());
-  EXPECT_EQ(discover.Wait(), 0) << discover.Messages();
   EXPECT_THAT(
-      discover.Output(),
+      Run(discover),
       AllOf(ContainsRegex("\n +5 +[1-9][0-9]* +Kitchen\n +6 +[1-9][0-9]* +none yet\n"),
             HasSubstr("\nwattlark-headless meter add --name 'Meter 6' --address 6 --profile " +
                       profile + "\n"),
@@ -173,20 +163,15 @@ TEST_F(DiscoverCommand, TellsWhoSendsAndWhatToType) {
 }
 
 TEST_F(DiscoverCommand, SaysWhatToLookAtWhenNoMeterIsHeard) {
-  RunningProgram silent(Discover());
-  EXPECT_EQ(silent.Wait(), 1);
-  EXPECT_THAT(silent.Messages(), HasSubstr("Nothing arrived on " + device));
-  EXPECT_EQ(silent.Output(), "");
+  EXPECT_THAT(Try(discover), FieldsAre(1, "", HasSubstr("Nothing arrived on " + device)));
   receiver->Write(Bytes(200, 0x55));
-  RunningProgram garbled(Discover());
+  RunningProgram garbled(Command(discover));
   ASSERT_TRUE(WaitUntil([&] { return garbled.Messages().find("Listening") != std::string::npos; }));
   receiver->Write(Bytes(200, 0x55));
   EXPECT_EQ(garbled.Wait(), 1);
   EXPECT_THAT(garbled.Messages(), HasSubstr("but no whole frame"));
   Unplug();
-  RunningProgram missing(Discover());
-  EXPECT_EQ(missing.Wait(), 1);
-  EXPECT_THAT(missing.Messages(), HasSubstr("No such device: " + device));
+  EXPECT_THAT(Try(discover), FieldsAre(1, "", HasSubstr("No such device: " + device)));
   EXPECT_FALSE(std::filesystem::exists(profile));
 }
 
@@ -195,12 +180,10 @@ TEST_F(DiscoverCommand, LeavesTheDeviceToARunningProgram) {
   Simulate({"Kitchen:5:620", "Office:6:80"});
   RunningProgram program(RunCommand());
   ASSERT_TRUE(WaitUntil([&] { return !program.Output().empty(); })) << program.Messages();
-  RunningProgram taken(Discover());
-  EXPECT_EQ(taken.Wait(), 1);
-  EXPECT_THAT(taken.Messages(), HasSubstr("In use: another program has " + device + " open"));
-  RunningProgram own(Command({"meter", "discover"}));
-  EXPECT_EQ(own.Wait(), 1);
-  EXPECT_THAT(own.Messages(), HasSubstr("Wattlark is running with the profile"));
+  EXPECT_THAT(Try(discover),
+              FieldsAre(1, "", HasSubstr("In use: another program has " + device + " open")));
+  EXPECT_THAT(Try({"meter", "discover"}),
+              FieldsAre(1, "", HasSubstr("Wattlark is running with the profile")));
   EXPECT_TRUE(program.IsRunning());
   EXPECT_EQ(program.End(SIGTERM), 0);
 }
@@ -220,9 +203,9 @@ TEST_F(Service, TellsThatItIsReadyWhatIsWrongThatItLivesAndThatItStops) {
   Unplug();
   RunningProgram program(RunCommand());
   ASSERT_TRUE(WaitUntil([&] { return manager.Count("READY=1") == 1; })) << program.Messages();
-  EXPECT_THAT(
-      manager.Messages(),
-      Contains(AllOf(StartsWith("STATUS=Unable to communicate on COM3: "), HasSubstr(device))));
+  EXPECT_THAT(manager.Messages(),
+              testing::Contains(AllOf(testing::StartsWith("STATUS=Unable to communicate on COM3: "),
+                                      HasSubstr(device))));
   PlugIn();
   ASSERT_TRUE(WaitUntil([&] { return manager.Count("STATUS=0 of 1 meter sends") == 1; }));
   SendBurst();
@@ -236,8 +219,7 @@ TEST_F(Service, TellsThatItIsReadyWhatIsWrongThatItLivesAndThatItStops) {
 
 TEST_F(Service, RefusedIsNeverReady) {
   AddKitchen();
-  RunningProgram program(Command({"--record", folder.File("none/capture")}));
-  EXPECT_EQ(program.Wait(), 1);
+  EXPECT_EQ(Try({"--record", folder.File("none/capture")}).status, 1);
   EXPECT_EQ(manager.Count("READY=1"), 0);
 }
 
@@ -253,7 +235,7 @@ TEST_F(Service, LeavesTheTimeOfItsLinesToTheJournal) {
   SendBurst();
   EXPECT_TRUE(WaitUntil([&] { return !FileBytes(journal).empty(); }));
   EXPECT_EQ(program.End(SIGTERM), 0);
-  EXPECT_THAT(FileBytes(journal), StartsWith("Kitchen "));
+  EXPECT_THAT(FileBytes(journal), testing::StartsWith("Kitchen "));
   ::close(output);
 }
 

@@ -10,11 +10,8 @@
 namespace wattlark {
 namespace {
 
-namespace fs = std::filesystem;
+using testing::FieldsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
-using testing::StartsWith;
 
 /// A program over a profile that publishes to the test's own services.
 struct PublishCommand : HeadlessRun {
@@ -57,16 +54,7 @@ struct PublishCommand : HeadlessRun {
     SendBurst();
     ASSERT_TRUE(WaitUntil([&] { return !program.Output().empty(); })) << program.Messages();
   }
-  struct Result {
-    int status;
-    std::string output;
-    std::string messages;
-  };
-  Result Publish(const std::string& destination) const {
-    RunningProgram command(Command({"publish", destination}));
-    const int status = command.Wait();
-    return {status, command.Output(), command.Messages()};
-  }
+  Result Publish(const std::string& destination) const { return Try({"publish", destination}); }
 };
 
 struct PublishingProgram : PublishCommand, testing::WithParamInterface<const char*> {};
@@ -85,12 +73,10 @@ TEST_P(PublishingProgram, PublishesToEachDestination) {
        {Row{"csv", "CSV file: Updated "}, Row{"pachube", "Pachube: Updated "},
         Row{"google", "Google Docs: Updated "}, Row{"powermeter", "Google PowerMeter: Updated "},
         Row{"twitter", "Twitter: Status updated "}}) {
-    const Result result = Publish(destination);
-    EXPECT_EQ(result.status, 0) << destination << ": " << result.messages << program.Messages();
-    EXPECT_THAT(result.output, StartsWith(output));
-    EXPECT_THAT(result.messages, IsEmpty());
+    EXPECT_THAT(Publish(destination), FieldsAre(0, testing::StartsWith(output), ""))
+        << destination << ": " << program.Messages();
   }
-  EXPECT_THAT(FileBytes(folder.File("log.csv")), StartsWith("Timestamp, Kitchen\r\n"));
+  EXPECT_THAT(FileBytes(folder.File("log.csv")), testing::StartsWith("Timestamp, Kitchen\r\n"));
   std::string body;
   for (const ServiceRequest& request : services.Requests()) {
     EXPECT_EQ(request.problem, "") << request.target;
@@ -119,7 +105,7 @@ TEST_P(PublishingProgram, EndsAtOnceWhenItIsToldToWhileAServerStalls) {
   EXPECT_EQ(program.End(SIGTERM), 0);
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
   EXPECT_EQ(command.Wait(), 1);
-  EXPECT_THAT(command.Messages(), Not(IsEmpty()));
+  EXPECT_THAT(command.Messages(), testing::Not(testing::IsEmpty()));
 }
 
 INSTANTIATE_TEST_SUITE_P(Both, PublishingProgram,
@@ -127,16 +113,13 @@ INSTANTIATE_TEST_SUITE_P(Both, PublishingProgram,
                          [](const auto& test) { return test.index == 0 ? "Headless" : "Window"; });
 
 TEST_F(PublishCommand, SaysWhyNothingWasPublished) {
-  Result result = Publish("pachube");
-  EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.messages, "No program that runs with the profile \"" + profile +
-                                 "\" answers. Start one first.\n");
+  EXPECT_THAT(Publish("pachube"), FieldsAre(1, "",
+                                            "No program that runs with the profile \"" + profile +
+                                                "\" answers. Start one first.\n"));
   AddKitchen();
   RunningProgram program(RunCommand());
   WaitForReading(program);
-  result = Publish("twitter");
-  EXPECT_EQ(result.status, 1);
-  EXPECT_THAT(result.messages, HasSubstr("user name or password is missing"));
+  EXPECT_THAT(Publish("twitter"), FieldsAre(1, "", HasSubstr("user name or password is missing")));
   EXPECT_EQ(Publish("powermeter").messages,
             "Wattlark: Invalid Google PowerMeter authentication info\n");
   EXPECT_EQ(Publish("fax").status, 2);
@@ -170,15 +153,15 @@ TEST_F(PublishCommand, KeepsSecretsToItself) {
     shown += FileBytes("/proc/" + std::to_string(program.Process()) + file);
   }
   std::string store;
-  for (const auto& entry : fs::recursive_directory_iterator(folder.Path())) {
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder.Path())) {
     if (entry.is_symlink() || !entry.is_regular_file()) continue;
     const bool isStore = entry.path().filename().string().starts_with("wattlark.db");
     (isStore ? store : shown) += FileBytes(entry.path());
   }
   for (const std::string& file : {profile + "/wattlark.db", capture}) {
-    EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_EQ(ModeOf(file), 0600);
   }
-  EXPECT_EQ(fs::status(profile).permissions(), fs::perms::owner_all);
+  EXPECT_EQ(ModeOf(profile), 0700);
   // It is found where it belongs.
   EXPECT_THAT(store, HasSubstr(Services::Password));
   const QByteArray credentials = QByteArray(Services::UserName) + ":" + Services::Password;
@@ -186,7 +169,7 @@ TEST_F(PublishCommand, KeepsSecretsToItself) {
        {std::string(Services::Password), std::string(Services::FeedKey),
         std::string(Services::DeviceToken), std::string(Services::SessionToken),
         credentials.toBase64().toStdString()}) {
-    EXPECT_THAT(shown, Not(HasSubstr(secret)));
+    EXPECT_THAT(shown, testing::Not(HasSubstr(secret)));
   }
   EXPECT_EQ(program.End(SIGTERM), 0) << program.Messages();
 }

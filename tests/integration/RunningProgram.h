@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <functional>
@@ -70,20 +69,17 @@ class RunningProgram {
   }
 
   pid_t Process() const { return process_; }
-  /// Nothing once it has ended: -1 would mean every process there is.
-  void Signal(int signal) const {
-    if (process_ > 0) ::kill(process_, signal);
-  }
-  bool IsRunning() { return process_ > 0 && !Reap(WNOHANG); }
+  bool IsRunning() { return process_ > 0 && !Reap(); }
   /// The exit status; 128 and the signal when one ended the program, -1 when it does not end.
   int Wait() {
-    if (process_ > 0 && !WaitUntil([this] { return Reap(WNOHANG); })) return -1;
+    if (process_ > 0 && !WaitUntil([this] { return Reap(); })) return -1;
     Messages();
     if (output_ >= 0) Output();
     return status_;
   }
   int End(int signal) {
-    Signal(signal);
+    // Once it has ended, -1 would mean every process there is.
+    if (process_ > 0) ::kill(process_, signal);
     return Wait();
   }
 
@@ -102,9 +98,9 @@ class RunningProgram {
       text.append(buffer.data(), static_cast<std::size_t>(count));
     }
   }
-  bool Reap(int options) {
+  bool Reap() {
     int status = 0;
-    if (::waitpid(process_, &status, options) != process_) return false;
+    if (::waitpid(process_, &status, WNOHANG) != process_) return false;
     process_ = -1;
     status_ = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
     return true;

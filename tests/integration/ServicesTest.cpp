@@ -2,7 +2,6 @@
 #include <malloc.h>
 
 #include "app/MonitorFixture.h"
-#include "app/WebPublishers.h"
 #include "platform/TemporaryFolder.h"
 #include "platform/qt/QtEventPump.h"
 #include "platform/qt/QtHttpClient.h"
@@ -10,8 +9,6 @@
 
 namespace wattlark {
 namespace {
-
-constexpr std::chrono::seconds kLimit{20};
 
 // A monitor whose posts to a service over real connections all fail.
 struct FailedPosts : MonitorTest {
@@ -36,13 +33,10 @@ struct FailedPosts : MonitorTest {
     }
   }
 
-  QtEventPump pump;
-  QtHttpClient pachube{kLimit};
-  QtHttpClient google{kLimit};
-  QtHttpClient twitter{kLimit};
-  QtHttpClient versionAlert{kLimit};
-  WebPorts ports{pachube,      google, twitter,
-                 versionAlert, pump,   [](DateTime local) { return local; }};
+  QtEventPump realPump;
+  QtHttpClient client{std::chrono::seconds(20)};
+  WebPorts ports{client,       google,   twitter,
+                 versionAlert, realPump, [](DateTime local) { return local; }};
 };
 
 TEST_F(FailedPosts, ToNobodyTakeNoMemory) {

@@ -1,11 +1,6 @@
 #pragma once
 
-#include <cstdlib>
-#include <filesystem>
 #include <memory>
-#include <stdexcept>
-#include <string>
-#include <vector>
 
 #include "integration/RunningProgram.h"
 #include "platform/TemporaryFolder.h"

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <QByteArray>
-#include <filesystem>
 
 #include "TemporaryFolder.h"
 #include "config/modRegistry.h"

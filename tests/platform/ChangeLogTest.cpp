@@ -1,9 +1,8 @@
-#include <cstdint>
+#include <gtest/gtest.h>
+
 #include <memory>
 #include <numeric>
 #include <random>
-#include <span>
-#include <string>
 
 #include "platform/OpenStoreFixture.h"
 #include "platform/sqlite/ChangeLog.h"
@@ -17,7 +16,7 @@ std::span<const std::uint8_t> Bytes(const std::string& text) {
   return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
 }
 
-struct ChangeLogTest : OpenStoreTest {
+struct ChangeLogTest : OpenedStoreTest {
   static std::string Series(int first) {
     std::string text;
     for (int i = 0; i < 60; ++i) text += (i == 0 ? "" : ",") + std::to_string(first + i) + ".25";
@@ -35,12 +34,6 @@ struct ChangeLogTest : OpenStoreTest {
     ASSERT_FALSE(values.empty());
     EXPECT_EQ(values.front().value, TextValue(Series(first)));
   }
-  void Reopen() {
-    store_.reset();
-    StoreOpening opening = Open();
-    EXPECT_EQ(opening.message, "");
-    store_ = std::move(opening.registry);
-  }
   void OpenDamaged() {
     StoreOpening opening = Open();
     EXPECT_THAT(opening.message, testing::HasSubstr("is damaged"));
@@ -48,15 +41,12 @@ struct ChangeLogTest : OpenStoreTest {
   }
   /// The first column of a query's one row, as the file has it.
   std::int64_t Ask(const char* sql) const {
-    SqliteDatabase database;
-    EXPECT_EQ(database.Open(File(), SQLITE_OPEN_READWRITE, 0), SQLITE_OK);
+    const SqliteDatabase database = RunSql("");
     SqliteStatement row(database, sql);
     EXPECT_EQ(row.Step(), SQLITE_ROW);
     return row.Integer(0);
   }
   std::int64_t Records() const { return Ask("SELECT count(*) FROM change"); }
-
-  std::unique_ptr<Registry> store_ = Open().registry;
 };
 
 TEST_F(ChangeLogTest, HoldsHalfADayOfSavesEveryFiveMinutes) {
@@ -117,12 +107,10 @@ TEST_F(ChangeLogTest, ASalvageTakesNothingOfALogThatIsOver) {
     ASSERT_TRUE(store_->Write(kUser, "A", "hour", TextValue("1")));
     store_.reset();
     {
-      SqliteDatabase database;
-      ASSERT_EQ(database.Open(File(), SQLITE_OPEN_READWRITE, 0), SQLITE_OK);
+      const SqliteDatabase database = RunSql("PRAGMA application_id = 7");
       SqliteStatement insert(database, "INSERT INTO change VALUES(1, ?1, ?2)");
       insert.Bind(1, generation).Bind(2, Bytes(record));
       ASSERT_EQ(insert.Step(), SQLITE_DONE);
-      ASSERT_EQ(database.Execute("PRAGMA application_id = 7"), SQLITE_OK);
     }
     store_ = Open().registry;
     EXPECT_EQ(store_->Read(kUser, "A", "hour"), TextValue(generation == 0 ? "1" : "2"));
@@ -215,6 +203,52 @@ TEST_F(ChangeLogTest, AnySequenceOfChangesGivesWhatAStoreInMemoryGives) {
     if (below(2) == 0) compare(*other, step);
   }
   EXPECT_EQ(Ask("SELECT count(*) FROM value WHERE key NOT IN (SELECT id FROM key)"), 0);
+}
+
+struct Pair {
+  const char* what;
+  std::string before;
+  std::string after;
+  std::size_t longest;  ///< bytes of the change, those of the value's row, lengths and sum included
+};
+
+TEST(ValueChangeTest, IsShortAndGivesTheNewBytesOfTheOldOnesAlone) {
+  const std::string hour = "101.5,102.5,103.5,104.5,105.5,106.5,107.5,108.5,109.5,110.5";
+  const Pair pairs[] = {
+      {"equal", hour, hour, 8},
+      {"newest entry", hour, hour.substr(0, hour.size() - 1) + "75", 10},
+      {"moved on", hour, hour.substr(12) + ",111.5,112.5", 20},
+      {"no data", "-1,-1,-1,-1,-1,-1,-1,-1,-1,-1", "-1,-1,-1,-1,-1,-1,-1,-1,-1,230.25", 14},
+      {"from nothing", "", "230", 11},
+      {"to nothing", hour, "", 8},
+      {"other", "0", std::string(300, '\xFF'), 310},
+  };
+  for (const Pair& pair : pairs) {
+    SCOPED_TRACE(pair.what);
+    std::string record;
+    AppendChange(70'000, Bytes(pair.before), Bytes(pair.after), record);
+    EXPECT_LE(record.size(), pair.longest);
+    std::string packed = PackChanges(record);
+    EXPECT_EQ(UnpackChanges(packed), record);
+    for (char& byte : packed) {
+      byte = static_cast<char>(byte ^ 1);
+      EXPECT_NE(UnpackChanges(packed), record);
+      byte = static_cast<char>(byte ^ 1);
+    }
+    for (std::size_t size = 0; size < record.size(); ++size) {
+      std::string_view part = std::string_view(record).substr(0, size);
+      EXPECT_FALSE(TakeChange(part)) << size;
+    }
+    std::string_view rest = record;
+    const auto change = TakeChange(rest);
+    ASSERT_TRUE(change);
+    EXPECT_TRUE(rest.empty());
+    EXPECT_EQ(change->value, 70'000);
+    const auto after = change->Apply(Bytes(pair.before));
+    ASSERT_TRUE(after);
+    EXPECT_EQ(std::string(after->begin(), after->end()), pair.after);
+    EXPECT_FALSE(change->Apply(Bytes("x" + pair.before)));
+  }
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>

@@ -1,7 +1,3 @@
-#include <filesystem>
-#include <map>
-#include <string>
-
 #include "platform/OpenStoreFixture.h"
 #include "platform/sqlite/OpenStoreCopy.h"
 
@@ -13,36 +9,26 @@ using testing::HasSubstr;
 
 struct OpenStoreCopyTest : OpenStoreTest {
   StoreOpening Copy() const { return OpenStoreCopy(profile_, 0); }
-  /// The names and bytes of everything in the profile's folder.
-  std::map<std::string, std::string> Everything() const {
-    std::map<std::string, std::string> files;
-    for (const auto& entry : fs::directory_iterator(profile_)) {
-      files[entry.path().filename()] = entry.is_regular_file() ? FileBytes(entry.path()) : "";
-    }
-    return files;
-  }
   /// Looks at a copy, and expects that the profile stays as it is.
-  void ExpectCopy(const char* message, const std::optional<RegistryValue>& value) const {
-    const auto before = Everything();
-    const StoreOpening copy = Copy();
+  StoreOpening Look(const std::string& message) const {
+    const auto before = FilesIn(profile_);
+    StoreOpening copy = Copy();
     EXPECT_THAT(copy.message, HasSubstr(message));
-    EXPECT_EQ(copy.message.empty(), *message == 0);
+    EXPECT_EQ(copy.message.empty(), message.empty());
+    EXPECT_EQ(FilesIn(profile_), before);
+    return copy;
+  }
+  void ExpectCopy(const std::string& message, const std::optional<RegistryValue>& value) const {
+    const StoreOpening copy = Look(message);
     ASSERT_NE(copy.registry, nullptr);
     EXPECT_EQ(copy.registry->Read(kUser, "A\\B", "v"), value);
-    EXPECT_EQ(Everything(), before);
   }
-  void ExpectRefused(const std::string& reason) const {
-    const auto before = Everything();
-    const StoreOpening copy = Copy();
-    EXPECT_EQ(copy.registry, nullptr);
-    EXPECT_THAT(copy.message, HasSubstr(reason));
-    EXPECT_EQ(Everything(), before);
-  }
+  void ExpectRefused(const std::string& reason) const { EXPECT_EQ(Look(reason).registry, nullptr); }
 };
 
 TEST_F(OpenStoreCopyTest, ChangesStayInTheCopy) {
   WriteOne("stored");
-  const auto before = Everything();
+  const auto before = FilesIn(profile_);
   const StoreOpening copy = Copy();
   EXPECT_EQ(copy.message, "");
   ASSERT_NE(copy.registry, nullptr);
@@ -52,7 +38,7 @@ TEST_F(OpenStoreCopyTest, ChangesStayInTheCopy) {
   EXPECT_TRUE(copy.registry->Write(kUser, "A\\B", "v", TextValue("changed")));
   EXPECT_TRUE(copy.registry->Commit());
   EXPECT_EQ(copy.registry->Read(kUser, "A\\B", "v"), TextValue("changed"));
-  EXPECT_EQ(Everything(), before);
+  EXPECT_EQ(FilesIn(profile_), before);
   EXPECT_EQ(Copy().registry->Read(kUser, "A\\B", "v"), TextValue("stored"));
 }
 
@@ -71,15 +57,12 @@ TEST_F(OpenStoreCopyTest, HalfMadeChangeIsUndoneInTheCopyAlone) {
   WriteOne("stored");
   const std::string crashed = folder_.File("crashed");
   {
-    SqliteDatabase writer;
-    ASSERT_EQ(writer.Open(File(), SQLITE_OPEN_READWRITE, 0), SQLITE_OK);
     // Pages that do not fit into a cache this small reach the file before the commit.
-    ASSERT_EQ(writer.Execute("PRAGMA cache_size = 1; BEGIN; UPDATE value SET data = 'broken';"
-                             "INSERT INTO value(key, folded, name, type, data)"
-                             " WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n"
-                             " WHERE i < 500) SELECT 1, i, i, 1, zeroblob(500) FROM n;"),
-              SQLITE_OK)
-        << writer.Problem();
+    const SqliteDatabase writer = RunSql(
+        "PRAGMA cache_size = 1; BEGIN; UPDATE value SET data = 'broken';"
+        "INSERT INTO value(key, folded, name, type, data)"
+        " WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n"
+        " WHERE i < 500) SELECT 1, i, i, 1, zeroblob(500) FROM n;");
     fs::copy(profile_, crashed);
   }
   profile_ = crashed;
@@ -115,9 +98,7 @@ TEST_F(OpenStoreCopyTest, RefusesWhatIsNotItsStore) {
 TEST_F(OpenStoreCopyTest, RefusesWhatItMayNotReadAndWhatStaysLocked) {
   WriteOne("stored");
   {
-    SqliteDatabase other;
-    ASSERT_EQ(other.Open(File(), SQLITE_OPEN_READWRITE, 0), SQLITE_OK);
-    ASSERT_EQ(other.Execute("BEGIN EXCLUSIVE"), SQLITE_OK);
+    const SqliteDatabase other = RunSql("BEGIN EXCLUSIVE");
     ExpectRefused("in use");
   }
   SetModes(0777, 0);

@@ -1,11 +1,6 @@
 #pragma once
 
 #include <gmock/gmock.h>
-#include <sys/stat.h>
-
-#include <filesystem>
-#include <string>
-#include <system_error>
 
 #include "platform/TemporaryFolder.h"
 #include "platform/sqlite/OpenStore.h"
@@ -18,11 +13,6 @@ namespace wattlark {
 struct OpenStoreTest : testing::Test {
   static constexpr Hive kUser = Hive::CurrentUser;
 
-  static int ModeOf(const std::string& path) {
-    struct stat status {};
-    return ::stat(path.c_str(), &status) == 0 ? static_cast<int>(status.st_mode & 07777) : -1;
-  }
-
   ~OpenStoreTest() override { SetModes(0755, 0600); }
   void SetModes(int folder, int file) const {
     std::error_code ignored;
@@ -33,11 +23,13 @@ struct OpenStoreTest : testing::Test {
     return profile_ + "/wattlark.db" + suffix;
   }
   StoreOpening Open() const { return OpenStore(profile_, 0); }
-  void RunSql(const char* sql) const {
+  /// The file, open to a program that has done this with it.
+  SqliteDatabase RunSql(const char* sql) const {
     std::filesystem::create_directory(profile_);
     SqliteDatabase database;
-    ASSERT_EQ(database.Open(File(), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, 0), SQLITE_OK);
-    ASSERT_EQ(database.Execute(sql), SQLITE_OK) << database.Problem();
+    EXPECT_EQ(database.Open(File(), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, 0), SQLITE_OK);
+    EXPECT_EQ(database.Execute(sql), SQLITE_OK) << database.Problem();
+    return database;
   }
   void WriteOne(const std::string& text) const {
     StoreOpening opening = Open();
@@ -54,6 +46,18 @@ struct OpenStoreTest : testing::Test {
 
   TemporaryFolder folder_;
   std::string profile_ = folder_.File("pro?file#1%20");
+};
+
+/// A store that is open, and that another start may open again.
+struct OpenedStoreTest : OpenStoreTest {
+  void Reopen() {
+    store_.reset();
+    StoreOpening opening = Open();
+    EXPECT_EQ(opening.message, "");
+    store_ = std::move(opening.registry);
+  }
+
+  std::unique_ptr<Registry> store_ = Open().registry;
 };
 
 }  // namespace wattlark

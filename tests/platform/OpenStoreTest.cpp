@@ -1,15 +1,15 @@
-#include <filesystem>
-#include <optional>
-#include <string>
 
-#include "platform/FileSizeLimit.h"
 #include "platform/OpenStoreFixture.h"
+#include "support/modText.h"
+#include "torture/GoodStore.h"
 
 namespace wattlark {
 namespace {
 
-namespace fs = std::filesystem;
 using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace fs = std::filesystem;
 
 TEST_F(OpenStoreTest, CreatesFolderAndFileForTheUserAlone) {
   profile_ += "/deeper";
@@ -84,11 +84,7 @@ TEST_F(OpenStoreTest, AStoreWithoutPermissionIsReadWhereItCanBeAndNeverChanged) 
   const std::string before = FileBytes(File());
   // A file that others may read and write stands for the user's own: the tests may run as root,
   // who owns it.
-  struct Permissions {
-    int folder, file;
-    const char* message;
-    bool readable;
-  };
+  using Permissions = std::tuple<int, int, const char*, bool>;
   for (const auto& [folder, file, message, readable] :
        {Permissions{0777, 0444, "can only be read", true},
         Permissions{0555, 0666, "can only be read", true},
@@ -138,9 +134,7 @@ TEST_F(OpenStoreTest, OnAFullDiskOrWithoutAFolderItWorksInMemory) {
 TEST_F(OpenStoreTest, ALockedStoreIsAnErrorUntilItIsFree) {
   WriteOne("1");
   {
-    SqliteDatabase other;
-    ASSERT_EQ(other.Open(File(), SQLITE_OPEN_READWRITE, 0), SQLITE_OK);
-    ASSERT_EQ(other.Execute("BEGIN EXCLUSIVE"), SQLITE_OK);
+    const SqliteDatabase other = RunSql("BEGIN EXCLUSIVE");
     const StoreOpening opening = Open();
     EXPECT_EQ(opening.registry, nullptr);
     EXPECT_FALSE(opening.savesChanges);
@@ -148,6 +142,69 @@ TEST_F(OpenStoreTest, ALockedStoreIsAnErrorUntilItIsFree) {
   }
   EXPECT_FALSE(fs::exists(File(".damaged-1")));
   ExpectWorks();
+}
+
+struct DamagedStoreTest : OpenStoreTest {
+  std::string GoodWith(std::size_t at, std::size_t size, const std::string& bytes) const {
+    return std::string(good_.Bytes()).replace(at, size, bytes);
+  }
+  void ExpectSalvaged(const std::string& bad, const StoreOpening& opening) const {
+    EXPECT_THAT(opening.message, HasSubstr("damaged"));
+    ASSERT_NE(opening.registry, nullptr);
+    EXPECT_THAT(good_.Compare({good_.Bytes(), bad}, true, *opening.registry).problems, IsEmpty());
+  }
+
+  const GoodStore good_{profile_};
+};
+
+TEST_F(DamagedStoreTest, IsSetAsideUntouchedAndANewOneWorks) {
+  const std::string& good = good_.Bytes();
+  int number = 0;
+  for (const std::string& bad :
+       {std::string("xyz"), std::string(5000, 'x'), std::string(8192, '\0'), good.substr(0, 100),
+        good.substr(0, good.size() - 2048), GoodWith(0, 1, "X"), GoodWith(16, 2, "\x20"),
+        GoodWith(good.find("CREATE TABLE"), 6, "CREALE")}) {
+    const std::string aside = File(".damaged-" + std::to_string(++number));
+    SCOPED_TRACE(aside);
+    WriteFile(File(), bad);
+    EXPECT_THAT(Open().message,
+                testing::AllOf(HasSubstr("\"" + File() + "\""), HasSubstr("\"" + aside + "\"")));
+    EXPECT_EQ(FileBytes(aside), bad);
+    EXPECT_EQ(ModeOf(File()), 0600);
+    ExpectWorks();
+  }
+}
+
+TEST_F(DamagedStoreTest, ADamagedPageOrByteCostsOnlyWhatStandsThere) {
+  const std::string name = modRegistry::AppKeyPath("", "KillAWatts\\" + GoodStore::MeterName(7));
+  const std::size_t key = good_.Bytes().find(FoldCase(name) + name);
+  ASSERT_NE(key, std::string::npos);
+  // The magic, the application's number, and the names of a key: as it is, and folded.
+  for (const std::size_t at : {std::size_t{0}, std::size_t{68}, key, key + name.size() + 3}) {
+    const std::string bad = GoodWith(at, 1, "#");
+    WriteFile(File(), bad);
+    ExpectSalvaged(bad, Open());
+  }
+  for (std::size_t page = 0; page < good_.Bytes().size() / GoodStore::kPageSize; page += 3) {
+    SCOPED_TRACE(page);
+    const std::string bad = GoodWith(page * GoodStore::kPageSize, GoodStore::kPageSize,
+                                     std::string(GoodStore::kPageSize, '\xA5'));
+    WriteFile(File(), bad);
+    ExpectSalvaged(bad, Open());
+  }
+}
+
+TEST_F(DamagedStoreTest, ReadsOneThatCannotBeMovedIntoMemory) {
+  const std::string bad = GoodWith(good_.Bytes().size() - 4096, 4096, std::string(4096, '\xA5'));
+  WriteFile(File(), bad);
+  SetModes(0555, 0444);
+  {
+    const WithoutRoot user;
+    const StoreOpening opening = Open();
+    EXPECT_FALSE(opening.savesChanges);
+    ExpectSalvaged(bad, opening);
+  }
+  EXPECT_EQ(FileBytes(File()), bad);
 }
 
 }  // namespace

@@ -1,86 +1,26 @@
 #include <gmock/gmock.h>
 
-#include <QCoreApplication>
-#include <QHostAddress>
 #include <QSslConfiguration>
-#include <QTcpServer>
-#include <QTcpSocket>
-#include <QTimer>
 #include <algorithm>
-#include <atomic>
 #include <ctime>
-#include <functional>
-#include <vector>
 
 #include "EventLoop.h"
 #include "TemporaryFolder.h"
+#include "TestServers.h"
 #include "platform/qt/QtEventPump.h"
 #include "platform/qt/QtHttpClient.h"
 #include "publish/PublishResult.h"
 #include "publish/WebRequestRunner.h"
 #include "services/Certificate.h"
-#include "services/HttpServer.h"
 
 namespace wattlark {
 namespace {
-
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::Not;
-using testing::StartsWith;
 
 struct Answer {
   std::string body;
   long code = -1;
   std::string info;
   std::vector<HttpState> states;
-};
-
-/// A server on loopback that does to a connection what the test says, byte by byte.
-class RawServer {
- public:
-  /// `answer` is called with each connection once the header lines of its request are complete.
-  explicit RawServer(std::function<void(QTcpSocket&)> answer) : answer_(std::move(answer)) {
-    server_.listen(QHostAddress::LocalHost);
-    QObject::connect(&server_, &QTcpServer::newConnection, &server_, [this] {
-      QTcpSocket* socket = server_.nextPendingConnection();
-      ++connections;
-      QObject::connect(socket, &QTcpSocket::readyRead, &server_,
-                       [this, socket, request = std::string()]() mutable {
-                         const bool wasComplete = IsComplete(request);
-                         request += socket->readAll().toStdString();
-                         if (!wasComplete && IsComplete(request)) answer_(*socket);
-                       });
-      QObject::connect(socket, &QTcpSocket::disconnected, &server_, [this] { ++disconnections; });
-    });
-  }
-
-  std::string URL(const std::string& path = "/") const {
-    return "http://127.0.0.1:" + std::to_string(server_.serverPort()) + path;
-  }
-
-  int connections = 0;
-  int disconnections = 0;
-
- private:
-  static bool IsComplete(const std::string& request) {
-    return request.find("\r\n\r\n") != std::string::npos;
-  }
-
-  std::function<void(QTcpSocket&)> answer_;
-  QTcpServer server_;
-};
-
-/// Answers every request in the same way.
-struct AnyServer : HttpServer {
-  explicit AnyServer(const httplib::Server::Handler& handler,
-                     std::unique_ptr<httplib::Server> server = std::make_unique<httplib::Server>())
-      : HttpServer(std::move(server)) {
-    Handlers().Get(".*", handler).Post(".*", handler).Put(".*", handler);
-    Start();
-  }
-  std::string URL(const std::string& path) const { return "http://" + Place(path); }
 };
 
 struct QtHttpClientTest : testing::Test {
@@ -125,12 +65,12 @@ TEST_F(QtHttpClientTest, SendsRequestsAsTheyAreAndDeliversTheBodyOfEveryStatus) 
     EXPECT_EQ(seen.get_param_value("key"), "a b");
     EXPECT_EQ(seen.get_header_value("Content-Type"), "application/x-www-form-URLencoded");
     EXPECT_EQ(seen.get_header_value("Authorization"), "AuthSub token=\"x\"");
-    EXPECT_THAT(seen.get_header_value("User-Agent"), StartsWith("Wattlark/"));
+    EXPECT_THAT(seen.get_header_value("User-Agent"), testing::StartsWith("Wattlark/"));
     EXPECT_EQ(seen.body, body);
     EXPECT_THAT(answer.states,
-                ElementsAre(HttpState::ResolvingHost, HttpState::Connecting, HttpState::RequestSent,
-                            HttpState::ReceivingResponse, HttpState::ResponseReceived,
-                            HttpState::ResponseCompleted));
+                testing::ElementsAre(HttpState::ResolvingHost, HttpState::Connecting,
+                                     HttpState::RequestSent, HttpState::ReceivingResponse,
+                                     HttpState::ResponseReceived, HttpState::ResponseCompleted));
   }
   for (const std::string status : {"200", "400", "401", "404", "500", "599"}) {
     requests = 0;
@@ -184,7 +124,7 @@ TEST_F(QtHttpClientTest, TellsACutResponseFromAWholeOne) {
 }
 
 TEST_F(QtHttpClientTest, TellsOfPlacesThatCannotBeReached) {
-  const std::string closed = RawServer([](QTcpSocket&) {}).URL("/secret-path");
+  const std::string closed = RawServer([](QTcpSocket&) {}).URL();
   EXPECT_EQ(Send(closed).info, "Connection refused");
   EXPECT_EQ(Send("ftp://127.0.0.1/").info, "The address is not valid");
 }
@@ -202,33 +142,28 @@ TEST_F(QtHttpClientTest, FollowsRedirectsOnlyWhereTheyAreHarmless) {
     response.set_redirect(target, std::stoi(request.path.substr(1)));
   });
   const std::string elsewhere = other.URL("/there");
-  struct Case {
-    const char* status;
-    std::string target;
-    const char *operation, *body, *headers;
-    std::string arrives;  ///< as which operation; empty when it is not followed
-  };
-  const Case cases[] = {{"307", "/there", "POST", "", "Authorization: x", "POST"},
-                        {"307", elsewhere, "GET", "", "", "GET"},
-                        // A body goes to one place only.
-                        {"301", "/there", "POST", "x=y", "Content-Type: text/plain", "GET"},
-                        {"302", "/there", "POST", "x=y", "Content-Type: text/plain", "GET"},
-                        {"303", "/there", "POST", "x=y", "Content-Type: text/plain", "GET"},
-                        // Another server must not get what this one was trusted with.
-                        {"307", elsewhere, "GET", "", "Authorization: x", ""},
-                        {"307", elsewhere, "POST", "", "", ""},
-                        {"307", "https://" + other.Place("/there"), "GET", "", "", ""},
-                        {"307", "file:///etc/passwd", "GET", "", "", ""},
-                        {"307", "/307", "GET", "", "", ""}};
-  for (const Case& c : cases) {
-    target = c.target;
+  // The last of a row: as which operation it arrives; empty when it is not followed.
+  const std::array<std::string, 6> cases[] = {
+      {"307", "/there", "POST", "", "Authorization: x", "POST"},
+      {"307", elsewhere, "GET", "", "", "GET"},
+      // A body goes to one place only.
+      {"301", "/there", "POST", "x=y", "Content-Type: text/plain", "GET"},
+      {"302", "/there", "POST", "x=y", "Content-Type: text/plain", "GET"},
+      {"303", "/there", "POST", "x=y", "Content-Type: text/plain", "GET"},
+      // Another server must not get what this one was trusted with.
+      {"307", elsewhere, "GET", "", "Authorization: x", ""},
+      {"307", elsewhere, "POST", "", "", ""},
+      {"307", "https://" + other.Place("/there"), "GET", "", "", ""},
+      {"307", "file:///etc/passwd", "GET", "", "", ""},
+      {"307", "/307", "GET", "", "", ""}};
+  for (const auto& [status, to, operation, body, headers, arrives] : cases) {
+    target = to;
     reached = 0;
-    const Answer answer =
-        Send(server.URL(std::string("/") + c.status), c.operation, c.body, c.headers);
-    SCOPED_TRACE(c.status + (' ' + c.target) + ' ' + c.operation + ' ' + c.headers);
-    EXPECT_EQ(answer.code == 0, !c.arrives.empty());
-    EXPECT_EQ(reached, c.arrives.empty() ? 0 : 1);
-    EXPECT_EQ(answer.body, c.arrives);
+    const Answer answer = Send(server.URL("/" + status), operation, body, headers);
+    SCOPED_TRACE(status + ' ' + to + ' ' + operation + ' ' + headers);
+    EXPECT_EQ(answer.code == 0, !arrives.empty());
+    EXPECT_EQ(reached, arrives.empty() ? 0 : 1);
+    EXPECT_EQ(answer.body, arrives);
   }
   EXPECT_EQ(Send(server.URL("/307")).info, "The server redirects in circles");
   // A body of its own is sent once, and credentials in the address count as a header does.
@@ -254,8 +189,9 @@ TEST_F(QtHttpClientTest, ChecksCertificates) {
       std::make_unique<httplib::SSLServer>(certificate.file.c_str(), certificate.keyFile.c_str()));
   const Answer refused = Send("https://user:secret@" + server.Place("/"));
   EXPECT_NE(refused.code, 0);
-  EXPECT_THAT(refused.info, StartsWith("No secure connection to the server could be made: "));
-  EXPECT_THAT(refused.info, Not(HasSubstr("secret")));
+  EXPECT_THAT(refused.info,
+              testing::StartsWith("No secure connection to the server could be made: "));
+  EXPECT_THAT(refused.info, testing::Not(testing::HasSubstr("secret")));
   EXPECT_EQ(requests, 0);
 
   const QSslConfiguration before = QSslConfiguration::defaultConfiguration();
@@ -265,7 +201,7 @@ TEST_F(QtHttpClientTest, ChecksCertificates) {
   const Answer answer = Send("https://" + server.Place("/"));
   EXPECT_EQ(answer.body, "safe") << answer.info;
   EXPECT_EQ(answer.code, 0);
-  EXPECT_THAT(answer.states, Contains(HttpState::Connected));
+  EXPECT_THAT(answer.states, testing::Contains(HttpState::Connected));
   // The same certificate under another name is refused.
   const std::string port = server.Place("").substr(server.Place("").find(':'));
   EXPECT_NE(Send("https://localhost" + port + "/").code, 0);

@@ -1,16 +1,17 @@
 #include <gtest/gtest.h>
-#include <sys/stat.h>
+#include <spawn.h>
+#include <sys/wait.h>
 
-#include <QDeadlineTimer>
 #include <QLocalSocket>
 #include <algorithm>
 #include <array>
-#include <filesystem>
+#include <chrono>
 #include <future>
-#include <optional>
+#include <thread>
 
 #include "EventLoop.h"
-#include "TemporaryFolder.h"
+#include "platform/TemporaryFolder.h"
+#include "platform/linux/ProfileLock.h"
 #include "platform/qt/SingleInstance.h"
 
 namespace wattlark {
@@ -78,9 +79,7 @@ TEST_F(RunningInstance, IsAskedToShowItselfUnderEveryNameOfItsProfile) {
   EXPECT_EQ(shown, 2);
   EXPECT_FALSE(StartSecond(profiles.File("other")));
   EXPECT_EQ(shown, 2);
-  struct stat file {};
-  ASSERT_EQ(::stat(SocketPath().c_str(), &file), 0);
-  EXPECT_EQ(file.st_mode & 0077, 0u) << "for its user alone";
+  EXPECT_EQ(ModeOf(SocketPath()) & 0077, 0) << "for its user alone";
 }
 
 TEST_F(RunningInstance, TakesTheSocketThatAKilledOneLeft) {
@@ -182,6 +181,68 @@ TEST_F(RunningInstance, ASilentConnectionEndsAndKeepsNobodyOut) {
     return std::ranges::count(silent, QLocalSocket::UnconnectedState, &QLocalSocket::state) == 20;
   }));
   EXPECT_TRUE(StartSecond(profile));
+}
+
+TEST(ProfileLock, BelongsToOneHolderAtATime) {
+  const TemporaryFolder folder;
+  const std::string profile = folder.File("new/profile");
+  std::optional<ProfileLock> first(profile);
+  ProfileLock second(profile);
+  EXPECT_TRUE(first->TryAcquire());
+  EXPECT_TRUE(first->TryAcquire());
+  EXPECT_FALSE(second.TryAcquire());
+  EXPECT_EQ(second.Problem(), "");
+  EXPECT_EQ(ModeOf(profile + "/lock") & 077, 0);
+  first.reset();
+  EXPECT_TRUE(second.TryAcquire());
+  ProfileLock elsewhere(folder.File("other"));
+  EXPECT_TRUE(elsewhere.TryAcquire());
+}
+
+TEST(ProfileLock, IsNotHandedOnToAProgramThatWasStarted) {
+  const TemporaryFolder folder;
+  std::optional<ProfileLock> lock(folder.Path());
+  ASSERT_TRUE(lock->TryAcquire());
+  std::string name = "sleep";
+  std::string seconds = "600";
+  char* arguments[] = {name.data(), seconds.data(), nullptr};
+  pid_t child = 0;
+  ASSERT_EQ(::posix_spawnp(&child, "sleep", nullptr, nullptr, arguments, environ), 0);
+  lock.reset();
+  // The starter goes on a moment before the started program has closed what it must not keep.
+  ProfileLock next(folder.Path());
+  EXPECT_TRUE(WaitUntil([&] { return next.TryAcquire(); }));
+  ::kill(child, SIGKILL);
+  ::waitpid(child, nullptr, 0);
+}
+
+TEST(ProfileLock, CanBeHadInAFolderThatCanOnlyBeRead) {
+  const TemporaryFolder folder;
+  for (const char* name : {"withoutLock", "withLock"}) {
+    const std::string profile = folder.File(name);
+    std::filesystem::create_directory(profile);
+    if (profile.ends_with("withLock")) WriteFile(profile + "/lock", "");
+    std::filesystem::permissions(profile, std::filesystem::perms(0555));
+    const WithoutRoot user;
+    ProfileLock first(profile);
+    ProfileLock second(profile);
+    EXPECT_TRUE(first.TryAcquire()) << first.Problem();
+    EXPECT_FALSE(second.TryAcquire());
+    EXPECT_EQ(second.Problem(), "");
+  }
+}
+
+TEST(ProfileLock, SaysWhyThereCanBeNone) {
+  const TemporaryFolder folder;
+  WriteFile(folder.File("file"), "");
+  ProfileLock inAFile(folder.File("file"));
+  EXPECT_FALSE(inAFile.TryAcquire());
+  EXPECT_NE(inAFile.Problem().find(folder.File("file")), std::string::npos);
+
+  std::filesystem::create_directories(folder.File("profile/lock"));
+  ProfileLock onAFolder(folder.File("profile"));
+  EXPECT_FALSE(onAFolder.TryAcquire());
+  EXPECT_NE(onAFolder.Problem(), "");
 }
 
 }  // namespace

@@ -1,13 +1,6 @@
-#include <gmock/gmock.h>
-
-#include <memory>
-#include <string>
 #include <vector>
 
-#include "platform/FileSizeLimit.h"
-#include "platform/TemporaryFolder.h"
-#include "platform/sqlite/OpenStore.h"
-#include "support/RegistryValues.h"
+#include "platform/OpenStoreFixture.h"
 
 namespace wattlark {
 namespace {
@@ -15,18 +8,7 @@ namespace {
 using testing::ElementsAre;
 
 /// A store that two processes have open.
-struct SqliteRegistryTest : testing::Test {
-  static constexpr Hive kUser = Hive::CurrentUser;
-
-  std::unique_ptr<Registry> Open() const {
-    StoreOpening opening = OpenStore(folder_.Path(), 0);
-    EXPECT_EQ(opening.message, "");
-    return std::move(opening.registry);
-  }
-  void Reopen() {
-    store_.reset();
-    store_ = Open();
-  }
+struct SqliteRegistryTest : OpenedStoreTest {
   bool WriteText(const std::string& path, const std::string& name, const std::string& text) {
     return store_->Write(kUser, path, name, TextValue(text));
   }
@@ -40,9 +22,7 @@ struct SqliteRegistryTest : testing::Test {
     return names;
   }
 
-  TemporaryFolder folder_;
-  std::unique_ptr<Registry> store_ = Open();
-  std::unique_ptr<Registry> other_ = Open();
+  std::unique_ptr<Registry> other_ = Open().registry;
 };
 
 TEST_F(SqliteRegistryTest, EnumeratesInOrderOfCreationInTheFirstSpelling) {

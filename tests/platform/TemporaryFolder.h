@@ -1,12 +1,15 @@
 #pragma once
 
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -47,6 +50,21 @@ inline void WriteFile(const std::string& file, const std::string& bytes) {
   if (!stream.flush()) throw std::runtime_error("cannot write " + file);
 }
 
+/// The permission bits of a file; all bits when it is not there.
+inline int ModeOf(const std::string& file) {
+  return static_cast<int>(std::filesystem::status(file).permissions());
+}
+
+/// The names and bytes of all that a folder holds, if it is there.
+inline std::map<std::string, std::string> FilesIn(const std::string& folder) {
+  std::map<std::string, std::string> files;
+  if (!std::filesystem::exists(folder)) return files;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    files[entry.path().filename()] = entry.is_regular_file() ? FileBytes(entry.path()) : "";
+  }
+  return files;
+}
+
 /// While it lives, permission bits bind the process even when it runs as root.
 class WithoutRoot {
  public:
@@ -61,6 +79,27 @@ class WithoutRoot {
 
  private:
   bool isRoot_;
+};
+
+/// While it lives, no write to a file succeeds, as on a full disk.
+class FileSizeLimit {
+ public:
+  FileSizeLimit() : signal_(std::signal(SIGXFSZ, SIG_IGN)) {
+    ::getrlimit(RLIMIT_FSIZE, &before_);
+    rlimit none = before_;
+    none.rlim_cur = 0;
+    ::setrlimit(RLIMIT_FSIZE, &none);
+  }
+  ~FileSizeLimit() {
+    ::setrlimit(RLIMIT_FSIZE, &before_);
+    std::signal(SIGXFSZ, signal_);
+  }
+  FileSizeLimit(const FileSizeLimit&) = delete;
+  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+ private:
+  void (*signal_)(int);
+  rlimit before_{};
 };
 
 }  // namespace wattlark

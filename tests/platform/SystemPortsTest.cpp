@@ -1,0 +1,233 @@
+#include <gtest/gtest.h>
+
+#include <QDateTime>
+#include <QLocale>
+#include <QTimeZone>
+#include <algorithm>
+#include <vector>
+
+#include "ZoneScope.h"
+#include "platform/qt/StandardRandom.h"
+#include "platform/qt/SystemClock.h"
+#include "platform/qt/SystemRegional.h"
+#include "platform/qt/SystemTimeZone.h"
+#include "timezone/modTimeZone.h"
+#include "twins/HandClock.h"
+
+namespace wattlark {
+namespace {
+
+constexpr std::int64_t kHour = 3'600'000;
+
+/// A zone of the system's data, and rules made of it.
+class ZoneUnderTest {
+ public:
+  explicit ZoneUnderTest(const QByteArray& id) : zone_(id) {}
+
+  bool IsValid() const { return zone_.isValid(); }
+  std::int64_t Offset(std::int64_t utc) const {
+    return zone_.offsetFromUtc(QDateTime::fromMSecsSinceEpoch(utc, Qt::UTC)) * std::int64_t{1000};
+  }
+  /// Made with ten years on either side, as the program does.
+  clsTimeZone RulesAt(DateTime now) const {
+    const int year = now.Civil().year;
+    TimeZoneRegistry registry;
+    registry.Serve(
+        "Zone", {},
+        MakeTimeZoneRules(OffsetsOf(zone_, year - 10, year + 10), year - 10, year + 10, now));
+    return GetTimeZoneByName(modRegistry(registry), "Zone");
+  }
+  /// Whether another moment shows the same local time.
+  bool IsRepeated(std::int64_t utc) const {
+    const std::int64_t local = utc + Offset(utc);
+    for (const std::int64_t aside : {-25 * kHour, 25 * kHour}) {
+      const std::int64_t other = local - Offset(utc + aside);
+      if (other != utc && other + Offset(other) == local) return true;
+    }
+    return false;
+  }
+
+ private:
+  QTimeZone zone_;
+};
+
+std::int64_t NewYear(int year) {
+  return DateTime::FromCivil({.year = year})->Milliseconds();
+}
+
+// From the zones' laws, not from the data that the program reads.
+TEST(SystemTimeZone, ConvertsAsTheLawsSay) {
+  using Row = std::array<const char*, 3>;
+  for (const auto& [zone, local, utc] :
+       {Row{"America/New_York", "2026-11-01T01:30:00", "2026-11-01T05:30:00"},
+        Row{"Europe/Berlin", "2026-03-29T03:00:00", "2026-03-29T01:00:00"},
+        Row{"Europe/Dublin", "2026-07-01T12:00:00", "2026-07-01T11:00:00"},
+        Row{"Europe/Dublin", "2026-12-01T12:00:00", "2026-12-01T12:00:00"},
+        Row{"Australia/Sydney", "2026-01-15T12:00:00", "2026-01-15T01:00:00"},
+        Row{"Australia/Sydney", "2026-07-15T12:00:00", "2026-07-15T02:00:00"},
+        Row{"Australia/Lord_Howe", "2026-07-15T12:00:00", "2026-07-15T01:30:00"},
+        // The day before the one that Samoa left out, and the day after it.
+        Row{"Pacific/Apia", "2011-12-29T12:00:00", "2011-12-29T22:00:00"},
+        Row{"Pacific/Apia", "2011-12-31T12:00:00", "2011-12-30T22:00:00"}}) {
+    const clsTimeZone rules = ZoneUnderTest(zone).RulesAt(At(local));
+    EXPECT_EQ(LocalToUTC(At(local), rules).ToIso(), utc) << zone << " " << local;
+  }
+}
+
+// Wherever one set of rules cannot hold a whole year, the one made at the moment is right.
+TEST(SystemTimeZone, EveryZoneOfTheSystemIsRightAtTheMomentOfAConversion) {
+  const QList<QByteArray> ids = QTimeZone::availableTimeZoneIds();
+  ASSERT_GT(ids.size(), 300);
+  for (const QByteArray& id : ids) {
+    const ZoneUnderTest zone(id);
+    for (const int year : {2011, 2016, 2026, 2030}) {
+      const clsTimeZone rules = zone.RulesAt(*DateTime::FromCivil({.year = year, .month = 7}));
+      for (std::int64_t utc = NewYear(year); utc < NewYear(year + 1); utc += 13 * kHour) {
+        const auto local = DateTime::FromMilliseconds(utc + zone.Offset(utc));
+        if (local.Civil().year == year && LocalToUTC(local, rules).Milliseconds() == utc) continue;
+        if (zone.IsRepeated(utc)) continue;
+        ASSERT_EQ(LocalToUTC(local, zone.RulesAt(local)), DateTime::FromMilliseconds(utc))
+            << id.constData() << " " << local.ToIso();
+      }
+    }
+  }
+}
+
+TEST(SystemTimeZone, FollowsTheSystemsSetting) {
+  ZoneScope setting("Australia/Sydney");
+  HandClock clock;
+  clock.now = At("2026-01-15T12:00:00");
+  SystemTimeZone source(clock);
+  const std::string key = "Software\\Microsoft\\Windows NT\\CurrentVersion\\Time Zones\\";
+
+  ASSERT_EQ(source.CurrentZone(), "Australia/Sydney");
+  auto zone = GetCurrentTimeZone(source);
+  ASSERT_TRUE(zone);
+  EXPECT_EQ(zone->FirstTZI, 2016);
+  EXPECT_EQ(zone->LastTZI, 2036);
+  EXPECT_NE(zone->StandardName, "");
+  EXPECT_EQ(LocalToUTC(clock.now, *zone), At("2026-01-15T01:00:00"));
+
+  setting.Set("America/New_York");
+  zone = GetCurrentTimeZone(source);
+  ASSERT_TRUE(zone);
+  EXPECT_NE(zone->DisplayName.find("America/New_York"), std::string::npos) << zone->DisplayName;
+  EXPECT_EQ(LocalToUTC(clock.now, *zone), At("2026-01-15T17:00:00"));
+  EXPECT_FALSE(source.Zones().KeyExists(Hive::LocalMachine, key + "Australia/Sydney"));
+}
+
+TEST(SystemTimeZone, OffsetAloneServesWhereTheZoneHasNoName) {
+  ZoneScope setting("");
+  HandClock clock;
+  SystemTimeZone source(clock);
+  using Row = std::pair<const char*, int>;  // minutes behind UTC
+  for (const auto& [zone, bias] : {Row{":/usr/share/zoneinfo/Asia/Kolkata", -330},
+                                   Row{"<-0330>3:30", 210}, Row{"Nowhere/Land", 0}, Row{"", 0}}) {
+    setting.Set(zone);
+    ASSERT_TRUE(source.CurrentZone()) << zone;
+    EXPECT_EQ(LocalToUTC(clock.now, *GetCurrentTimeZone(source)), clock.now.PlusMinutes(bias))
+        << zone;
+  }
+  // Any year of the clock is served.
+  for (const char* now : {"0001-01-01T00:00:00", "1850-06-01T00:00:00", "9999-12-31T23:59:59"}) {
+    clock.now = At(now);
+    EXPECT_TRUE(source.CurrentZone()) << now;
+    EXPECT_TRUE(GetCurrentTimeZone(source)) << now;
+  }
+}
+
+TEST(SystemClock, TellsTheLocalTime) {
+  const ZoneScope india("IST-5:30");
+  const SystemClock clock;
+  for (int call = 0; call < 2; ++call) {  // the second one takes the offset that was kept
+    const std::int64_t expected = QDateTime::currentMSecsSinceEpoch() + 19'800'000;
+    const std::int64_t now = clock.Now().Milliseconds();
+    EXPECT_GE(now, expected);
+    EXPECT_LT(now, expected + 5000);
+  }
+}
+
+TEST(SystemClock, TicksAreMilliseconds) {
+  const SystemClock clock;
+  const std::uint32_t start = clock.Ticks();
+  const DateTime startTime = clock.Now();
+  while (clock.Now() < startTime.PlusMilliseconds(50)) {
+  }
+  EXPECT_GE(clock.Ticks() - start, 45u);
+  EXPECT_LT(clock.Ticks() - start, 5000u);
+}
+
+TEST(StandardRandom, FillsTheUnitIntervalAndRepeatsNothingWithTheSameSeed) {
+  StandardRandom random(1);
+  random.Reseed(12345);
+  const double first = random.Next();
+  random.Reseed(12345);
+  EXPECT_NE(random.Next(), first);
+  std::vector<double> numbers(10000);
+  std::ranges::generate(numbers, [&random] { return random.Next(); });
+  const auto [least, largest] = std::ranges::minmax(numbers);
+  EXPECT_GE(least, 0.0);
+  EXPECT_LT(least, 0.01);
+  EXPECT_GT(largest, 0.99);
+  EXPECT_LT(largest, 1.0);
+}
+
+TEST(SystemRegional, HasTheFormsOfALocale) {
+  const struct {
+    const char *name, *decimal, *group, *shortDate, *longTime, *positive;
+    int currencyDecimals;
+    const char* symbol;
+    const char* dateAndTime;  ///< Monday 2026-11-16 20:05:09
+  } cases[] = {
+      {"en_US", ".", ",", "M/d/yyyy", "h:mm:ss AP", "¤#", 2, "$", "11/16/2026 8:05:09 PM"},
+      {"C", ".", ",", "M/d/yyyy", "h:mm:ss AP", "¤#", 2, "$", "11/16/2026 8:05:09 PM"},
+      {"fr_FR", ",", "\u202F", "dd/MM/yyyy", "HH:mm:ss", "#\u00A0¤", 2, "€", "16/11/2026 20:05:09"},
+      {"ja_JP", ".", ",", "yyyy/MM/dd", "H時mm分ss秒", "¤#", 0, "￥", "2026/11/16 20時05分09秒"},
+      {"bg_BG", ",", "\u00A0", "d.MM.yyyy г.", "H:mm:ss ч.", "#\u00A0¤", 2, "лв.",
+       "16.11.2026 г. 20:05:09 ч."}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    const RegionalSettings regional = RegionalFromLocale(QLocale(QLatin1String(c.name)));
+    EXPECT_EQ(regional.decimalSeparator, c.decimal);
+    EXPECT_EQ(regional.groupSeparator, c.group);
+    EXPECT_EQ(regional.shortDate, c.shortDate);
+    EXPECT_EQ(regional.longTime, c.longTime);
+    EXPECT_EQ(regional.currencyPositive, c.positive);
+    EXPECT_EQ(regional.currencyDecimals, c.currencyDecimals);
+    EXPECT_EQ(regional.currencySymbol, c.symbol);
+    EXPECT_EQ(FormatDateAndTime(regional, At("2026-11-16T20:05:09")), c.dateAndTime);
+  }
+  const RegionalSettings german = RegionalFromLocale(QLocale(QStringLiteral("de_DE")));
+  EXPECT_EQ(german.dayNames[0], "Sonntag");
+  EXPECT_EQ(german.dayNames[6], "Samstag");
+  EXPECT_EQ(german.monthNames[0], "Januar");
+  EXPECT_EQ(german.monthNames[11], "Dezember");
+  // No locale is the United States.
+  const RegionalSettings plain = RegionalFromLocale(QLocale::c());
+  EXPECT_EQ(plain.dayNames, RegionalSettings::UnitedStates().dayNames);
+  EXPECT_EQ(plain.currencyNegative, RegionalSettings::UnitedStates().currencyNegative);
+}
+
+// What is written in any country's form is what the store and the log later read.
+TEST(SystemRegional, EveryLocaleReadsBackWhatItWrites) {
+  const QList<QLocale> locales =
+      QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyTerritory);
+  ASSERT_GT(locales.size(), 300);
+  for (const QLocale& locale : locales) {
+    const RegionalSettings regional = RegionalFromLocale(locale);
+    const std::string name = locale.name().toStdString();
+    for (const char* iso : {"2026-01-02T00:03:04", "2026-11-16T12:05:09", "1999-12-31T23:59:58"}) {
+      const std::string text = FormatDateAndTime(regional, At(iso));
+      EXPECT_EQ(ParseDateAndTime(regional, text), At(iso)) << name << ": " << text;
+    }
+    EXPECT_EQ(regional.longTime.find('t'), std::string::npos) << name << regional.longTime;
+    for (const std::string& pattern : {regional.currencyPositive, regional.currencyNegative}) {
+      EXPECT_NE(pattern.find('#'), std::string::npos) << name;
+      EXPECT_NE(pattern.find("¤"), std::string::npos) << name;
+    }
+    EXPECT_NE(regional.currencyPositive, regional.currencyNegative) << name;
+  }
+}
+
+}  // namespace
+}  // namespace wattlark
