@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <map>
 #include <random>
-#include <string>
-#include <vector>
 
 #include "torture/FaultyDisk.h"
 

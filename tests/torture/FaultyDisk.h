@@ -2,7 +2,6 @@
 
 #include <sqlite3.h>
 
-#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <stdexcept>

@@ -1,12 +1,7 @@
 #pragma once
 
 #include <algorithm>
-#include <map>
 #include <set>
-#include <stdexcept>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "app/ProfileData.h"
 #include "config/modRegistry.h"

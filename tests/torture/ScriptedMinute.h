@@ -1,15 +1,8 @@
 #pragma once
 
-#include <cstdint>
-#include <functional>
-#include <initializer_list>
-#include <sstream>
 #include <stdexcept>
-#include <string>
-#include <utility>
-#include <vector>
 
-#include "cli/CommandLine.h"
+#include "cli/CommandTest.h"
 #include "platform/sqlite/OpenStore.h"
 #include "torture/core/CoreRun.h"
 #include "twins/Frames.h"
@@ -51,19 +44,11 @@ class ScriptedMinute {
   }
 
   int TryCommand(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), {"wattlark", "--profile", profile_});
-    std::vector<char*> argv;
-    for (std::string& argument : arguments) argv.push_back(argument.data());
-    int argc = static_cast<int>(argv.size());
-    argv.push_back(nullptr);
-    std::istringstream in;
-    std::ostringstream out;
-    std::ostringstream told;
-    CommandEnvironment environment{in, out, told, RegionalSettings::UnitedStates()};
-    const int status = RunCommandLine(argc, argv.data(), {}, environment);
-    if (!told.str().empty()) answers.push_back(told.str());
+    arguments.insert(arguments.begin(), {"--profile", profile_});
+    const CommandResult result = RunCommand(arguments);
+    if (!result.messages.empty()) answers.push_back(result.messages);
     after_();
-    return status;
+    return result.status;
   }
   /// Again when it is refused, as a user would.
   void Command(const std::vector<std::string>& arguments) {

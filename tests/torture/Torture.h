@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <exception>
-#include <functional>
 #include <iomanip>
 #include <iostream>
 #include <map>
@@ -61,12 +60,11 @@ class Torture {
   }
 
   /// Figures for the report: a sum, or the largest of all.
-  template <typename Number>
-  void Count(const std::string& what, Number amount) {
+  template <typename Number = int>
+  void Count(const std::string& what, Number amount = 1) {
     const std::lock_guard lock(mutex_);
     figures_[what] += static_cast<double>(amount);
   }
-  void Count(const std::string& what) { Count(what, 1); }
   void Largest(const std::string& what, double value) {
     const std::lock_guard lock(mutex_);
     figures_[what] = std::max(figures_[what], value);
@@ -85,33 +83,7 @@ class Torture {
   int faults_ = 0;
 };
 
-/// The main of a torture: "[--long] [--broken] [--seed N]". 0 when nothing was found, or when the
-/// broken variant was found out; 1 otherwise; 2 when the torture itself could not be carried out.
-inline int RunTorture(int argc, char** argv, void (*run)(Torture&)) {
-  Torture torture;
-  for (int i = 1; i < argc; ++i) {
-    const std::string argument = argv[i];
-    if (argument == "--long") {
-      torture.isLong = true;
-    } else if (argument == "--broken") {
-      torture.isBroken = true;
-    } else if (argument == "--seed" && i + 1 < argc) {
-      torture.seed = std::strtoull(argv[++i], nullptr, 10);
-    } else {
-      std::cerr << "Usage: " << argv[0] << " [--long] [--broken] [--seed N]\n";
-      return 2;
-    }
-  }
-  const auto start = std::chrono::steady_clock::now();
-  try {
-    run(torture);
-  } catch (const std::exception& error) {
-    std::cerr << argv[0] << ": " << error.what() << '\n';
-    return 2;
-  }
-  const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
-  torture.Report(took.count());
-  return (torture.Faults() > 0) == torture.isBroken ? 0 : 1;
-}
+/// What a program of this kind does; the rest is shared.
+void Run(Torture& torture);
 
 }  // namespace wattlark

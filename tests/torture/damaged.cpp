@@ -1,11 +1,8 @@
 // A damaged store: cut off, with wrong bytes, or without a page. The program starts, says what it
 // did, sets the file aside untouched and takes over every meter that can still be read.
-#include <filesystem>
 #include <random>
 
 #include "integration/RunningProgram.h"
-#include "platform/TemporaryFolder.h"
-#include "platform/sqlite/OpenStore.h"
 #include "platform/sqlite/SqliteRegistry.h"
 #include "torture/GoodStore.h"
 #include "torture/Torture.h"
@@ -101,6 +98,8 @@ class Bed {
   GoodStore good_{profile_};
 };
 
+}  // namespace
+
 void Run(Torture& torture) {
   Bed bed(torture);
   const std::string& good = bed.Good();
@@ -132,9 +131,4 @@ void Run(Torture& torture) {
   }
 }
 
-}  // namespace
 }  // namespace wattlark
-
-int main(int argc, char** argv) {
-  return wattlark::RunTorture(argc, argv, wattlark::Run);
-}

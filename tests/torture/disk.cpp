@@ -2,18 +2,12 @@
 // the monitor that saves every few seconds, and commands again.
 #include <fcntl.h>
 
-#include <cerrno>
-#include <filesystem>
-#include <random>
 #include <set>
-#include <sstream>
 #include <tuple>
 
 #include "platform/TemporaryFolder.h"
-#include "platform/sqlite/OpenStore.h"
 #include "platform/sqlite/OpenStoreCopy.h"
 #include "torture/CutPower.h"
-#include "torture/FaultyDisk.h"
 #include "torture/ScriptedMinute.h"
 #include "torture/Torture.h"
 
@@ -35,8 +29,6 @@ extern "C" int rename(const char* from, const char* to) {
 
 namespace wattlark {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr std::size_t kLongestWait = 17;  ///< a checkpoint, and five seconds to try again
 
@@ -142,7 +134,7 @@ class DiskTorture {
       const std::string profile = folder_.File("unnamed" + std::to_string(works));
       const std::string inside = profile + "/wattlark.db/inside";
       const std::string journal = profile + "/wattlark.db-journal";
-      fs::create_directories(profile + "/wattlark.db");
+      std::filesystem::create_directories(profile + "/wattlark.db");
       WriteFile(inside, "1");
       WriteFile(journal, "2");
       workingRenames = torture_.isBroken ? -1 : works;
@@ -164,8 +156,8 @@ class DiskTorture {
   void ExpectAfter(const std::string& where, const CutPower::Files& files,
                    const std::set<std::string>& allowed) {
     const std::string profile = folder_.File("cut");
-    fs::remove_all(profile);
-    fs::create_directory(profile);
+    std::filesystem::remove_all(profile);
+    std::filesystem::create_directory(profile);
     for (const auto& [name, bytes] : files) WriteFile(profile + "/" + name, bytes);
     const std::string found = disk_.Aside([&] { return Contents(OpenStore(profile, 0)); });
     if (found.starts_with("<")) {
@@ -177,7 +169,7 @@ class DiskTorture {
 
   void ExpectSurvived(std::size_t first, std::size_t count, FaultyDisk::Fault fault) {
     const std::string profile = folder_.File("failing");
-    fs::remove_all(profile);
+    std::filesystem::remove_all(profile);
     const std::string what = "operation " + std::to_string(first) + " fails " +
                              std::to_string(count) + " times, fault " +
                              std::to_string(static_cast<int>(fault));
@@ -228,6 +220,8 @@ class DiskTorture {
   std::size_t operations_ = 0;
 };
 
+}  // namespace
+
 void Run(Torture& torture) {
   DiskTorture disk(torture);
   disk.CutPowerEverywhere();
@@ -235,9 +229,4 @@ void Run(Torture& torture) {
   disk.FailRenames();
 }
 
-}  // namespace
 }  // namespace wattlark
-
-int main(int argc, char** argv) {
-  return wattlark::RunTorture(argc, argv, wattlark::Run);
-}

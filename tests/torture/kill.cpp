@@ -1,13 +1,9 @@
 // Killed at any moment: the program on a pseudo-terminal that the simulator feeds, saving every two
 // seconds, and the commands that add and remove meters. After each kill the store must open, hold
 // every meter, and no total may be less than what was read from the store before.
-#include <algorithm>
-#include <filesystem>
-#include <map>
 #include <random>
 
 #include "integration/RunningProgram.h"
-#include "platform/TemporaryFolder.h"
 #include "platform/sqlite/OpenStoreCopy.h"
 #include "torture/GoodStore.h"
 #include "torture/Torture.h"
@@ -15,7 +11,6 @@
 namespace wattlark {
 namespace {
 
-namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 using std::chrono::microseconds;
 using std::chrono::milliseconds;
@@ -24,7 +19,7 @@ using std::chrono::milliseconds;
 class Victim {
  public:
   Victim(Torture& torture, std::uint64_t seed) : torture_(torture), random_(seed) {
-    WaitUntil([this] { return fs::exists(device_); });
+    WaitUntil([this] { return std::filesystem::exists(device_); });
     for (const auto& [name, address] : {std::pair("Kitchen", "5"), std::pair("Office", "6")}) {
       RunningProgram add(Program({"meter", "add", "--name", name, "--address", address}));
       if (add.Wait() != 0) throw std::runtime_error("no meter: " + add.Messages());
@@ -99,11 +94,11 @@ class Victim {
     return arguments;
   }
   bool IsSaving() const {
-    if (!torture_.isBroken) return fs::exists(profile_ + "/wattlark.db-journal");
+    if (!torture_.isBroken) return std::filesystem::exists(profile_ + "/wattlark.db-journal");
     // The careless variant has no journal: what it writes is seen in the file itself.
     std::error_code missing;
-    const auto written = fs::last_write_time(profile_ + "/wattlark.db", missing);
-    return !missing && fs::file_time_type::clock::now() - written < milliseconds(10);
+    const auto written = std::filesystem::last_write_time(profile_ + "/wattlark.db", missing);
+    return !missing && std::filesystem::file_time_type::clock::now() - written < milliseconds(10);
   }
   void ExpectStore(const std::string& when, bool mayBeLocked = false) {
     const StoreOpening opening = OpenStoreCopy(profile_, 2000);
@@ -137,6 +132,8 @@ class Victim {
   bool extra_ = false;
 };
 
+}  // namespace
+
 void Run(Torture& torture) {
   const int victims = torture.isLong ? 12 : 4;
   const int kills = torture.isLong ? 2004 : 24;
@@ -157,9 +154,4 @@ void Run(Torture& torture) {
   });
 }
 
-}  // namespace
 }  // namespace wattlark
-
-int main(int argc, char** argv) {
-  return wattlark::RunTorture(argc, argv, wattlark::Run);
-}

@@ -2,11 +2,7 @@
 // may not be opened for a while. The first reading comes at most three seconds after the return,
 // from the same process, which neither spins nor grows.
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <memory>
 #include <optional>
 #include <random>
@@ -179,6 +175,8 @@ class Bench {
   std::size_t reads_ = 0;
 };
 
+}  // namespace
+
 void Run(Torture& torture) {
   const int benches = torture.isLong ? 6 : 3;
   const int cycles = torture.isLong ? 1002 : torture.isBroken ? 3 : 9;
@@ -187,9 +185,4 @@ void Run(Torture& torture) {
   });
 }
 
-}  // namespace
 }  // namespace wattlark
-
-int main(int argc, char** argv) {
-  return wattlark::RunTorture(argc, argv, wattlark::Run);
-}

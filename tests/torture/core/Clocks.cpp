@@ -1,14 +1,7 @@
 // A meter while the clock does what clocks do: daylight time, steps, leap days,
 // year ends, a start without a clock, sleep, and a tick count that wraps.
 
-#include <algorithm>
-#include <array>
-#include <cmath>
-#include <cstdint>
 #include <limits>
-#include <optional>
-#include <string>
-#include <vector>
 
 #include "acquisition/clsKillAWatt.h"
 #include "sim/Random.h"
@@ -179,6 +172,8 @@ void RandomSteps(Torture& torture) {
   }
 }
 
+}  // namespace
+
 void Run(Torture& torture) {
   Steps(torture);
   SleepAndWrap(torture);
@@ -186,9 +181,4 @@ void Run(Torture& torture) {
   RandomSteps(torture);
 }
 
-}  // namespace
 }  // namespace wattlark
-
-int main(int argc, char** argv) {
-  return wattlark::RunTorture(argc, argv, wattlark::Run);
-}

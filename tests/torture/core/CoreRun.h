@@ -1,10 +1,5 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "app/Monitor.h"
 #include "twins/HandClock.h"
 #include "twins/Meters.h"

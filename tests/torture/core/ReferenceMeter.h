@@ -1,14 +1,9 @@
 #pragma once
 
-#include <array>
 #include <chrono>
-#include <cstdint>
 #include <deque>
-#include <optional>
 
 #include "acquisition/MeterStatistics.h"
-#include "support/DateTime.h"
-#include "support/NoValue.h"
 
 namespace wattlark {
 

@@ -3,19 +3,10 @@
 // is what an independent sum of the same frames gives.
 
 #include <malloc.h>
-#include <unistd.h>
 
-#include <algorithm>
-#include <array>
-#include <chrono>
 #include <cmath>
-#include <cstdint>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <numeric>
-#include <string>
-#include <vector>
 
 #include "platform/TemporaryFolder.h"
 #include "platform/sqlite/OpenStore.h"
@@ -212,14 +203,11 @@ class SimulatedYear : public MonitorListener {
   long double worst_ = 0;
 };
 
+}  // namespace
+
 void Run(Torture& torture) {
   const TemporaryFolder folder;
   SimulatedYear(torture, folder.Path()).Run();
 }
 
-}  // namespace
 }  // namespace wattlark
-
-int main(int argc, char** argv) {
-  return wattlark::RunTorture(argc, argv, wattlark::Run);
-}
