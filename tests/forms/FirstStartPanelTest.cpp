@@ -8,9 +8,6 @@
 namespace wattlark {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 // A new profile, with a device connected, which the user may not open when its path is denied.
 struct FirstStartWindow : MainWindowTest {
   FirstStartWindow() { port.opens = false; }
@@ -81,7 +78,7 @@ TEST_F(FirstStartWindow, AHeardMeterIsAddedWithItsAddress) {
   accepts = true;
   button.setFocus();
   QTest::keyClick(&button, Qt::Key_Return);
-  EXPECT_THAT(addresses, ElementsAre(0, 5, 5));
+  EXPECT_THAT(addresses, testing::ElementsAre(0, 5, 5));
   EXPECT_FALSE(Shows("FirstStartPanel"));
   EXPECT_EQ(Caption(), "");
   QCoreApplication::processEvents();
@@ -119,12 +116,12 @@ TEST_F(FirstStartWindow, DemoModeIsTriedAfterTheWarningAndLeft) {
   prompts.answers = {PromptAnswer::Cancel};
   ClickOn("cmdDemo");
   EXPECT_FALSE(monitor->IsDemoMode());
-  EXPECT_THAT(addresses, IsEmpty());
+  EXPECT_THAT(addresses, testing::IsEmpty());
   ClickOn("cmdDemo");
   ASSERT_EQ(prompts.asked.size(), 2u);
   EXPECT_EQ(prompts.asked.back().caption, "Consider yourself warned!");
   EXPECT_TRUE(monitor->IsDemoMode());
-  EXPECT_THAT(addresses, ElementsAre(0));
+  EXPECT_THAT(addresses, testing::ElementsAre(0));
   EXPECT_TRUE(Shows("cmdAdd"));
   ClickOn("cmdDemo");
   EXPECT_FALSE(monitor->IsDemoMode());

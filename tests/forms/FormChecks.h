@@ -27,6 +27,15 @@ inline void Click(const QWidget& form, const QString& button) {
   Find<QAbstractButton>(form, button).click();
 }
 
+/// Chooses an entry of a list by its text, as a user would.
+inline void ChooseEntry(const QWidget& form, const QString& list, const QString& entry) {
+  auto& box = Find<QComboBox>(form, list);
+  const int index = box.findText(entry);
+  ASSERT_NE(index, -1) << entry.toStdString();
+  box.setCurrentIndex(index);
+  emit box.activated(index);
+}
+
 /// Where the tab key leads to from the control that is named first, as often as there are `stops`.
 inline std::vector<std::string> TabOrder(const QWidget& form, const QString& first,
                                          std::size_t stops) {

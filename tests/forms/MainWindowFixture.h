@@ -3,9 +3,6 @@
 #include <gmock/gmock.h>
 
 #include <QAction>
-#include <memory>
-#include <string>
-#include <vector>
 
 #include "app/MonitorFixture.h"
 #include "app/MonitorRelay.h"
@@ -52,9 +49,7 @@ struct MainWindowTest : MonitorTest {
 
   template <class T = QWidget>
   T& Control(const QString& name) const {
-    T* control = window->findChild<T*>(name);
-    if (control == nullptr) throw std::runtime_error("no control " + name.toStdString());
-    return *control;
+    return Find<T>(*window, name);
   }
   /// An item of the menu bar's or the notification area's menus.
   QAction& Item(const QString& name) const {

@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
 #include <QPixmap>
-#include <QTimer>
 
 #include "app/forms/NotificationIcon.h"
 

@@ -2,10 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <QTest>
-#include <string>
-#include <vector>
-
 #include "app/MeterSelection.h"
 #include "app/MonitorFixture.h"
 #include "forms/FormChecks.h"
@@ -29,14 +25,6 @@ struct PageFixture : MonitorTest {
   /// A reading at the clock's present time.
   void Read(clsKillAWatt& meter, double volts, double amps, double watts) const {
     meter.AddReading(volts, amps, watts, clock.now, clock.ticks);
-  }
-
-  /// Readings of the same power a second ago and now: the first one of all counts for no average.
-  void ReadSteadily(clsKillAWatt& meter, double watts) {
-    clock.Advance(-1000);
-    Read(meter, 120, 4, watts);
-    clock.Advance(1000);
-    Read(meter, 120, 4, watts);
   }
 
   static std::string Text(const QWidget& page, const QString& label) {

@@ -2,12 +2,12 @@
 #include <map>
 
 #include "MainWindowFixture.h"
+#include "forms/MainWindowFixture.h"
 
 namespace wattlark {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 struct PagesTest : MainWindowTest {
   void ShowWindow(int meterCount = 2) {
@@ -83,20 +83,18 @@ TEST_F(PagesTest, TheKeyboardReachesAllOfThePageShownAndNothingOfOthers) {
   ShowWindow();
   window->activateWindow();
   ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
-  struct Row {
-    int page;
-    std::vector<std::string> controls;
-  };
+  using Row = std::pair<int, std::vector<std::string>>;
   // The second and the third page are made when they are shown.
-  for (const Row& row : {Row{1, {"elaCurrentUnit0", "picMeter", "elaCurrentInterval0"}},
-                         Row{3, {"elaTotalUnit0", "flxTotals", "elaReset"}},
-                         Row{2, {"elaRecentUnit0", "chtRecent", "elaRecentInterval0"}}}) {
-    window->ShowPage(row.page);
+  for (const auto& [page, controls] :
+       {Row{1, {"elaCurrentUnit0", "picMeter", "elaCurrentInterval0"}},
+        Row{3, {"elaTotalUnit0", "flxTotals", "elaReset"}},
+        Row{2, {"elaRecentUnit0", "chtRecent", "elaRecentInterval0"}}}) {
+    window->ShowPage(page);
     EndSlide();
     const auto reached = TabOrder(*window, "tabKillAWatt", 9);
     EXPECT_THAT(reached,
-                ElementsAre("tabKillAWatt", row.controls[0], row.controls[1], row.controls[2],
-                            "elaNavigation0", "elaNavigation1", "INFO", "COMM", "tabKillAWatt"));
+                ElementsAre("tabKillAWatt", controls[0], controls[1], controls[2], "elaNavigation0",
+                            "elaNavigation1", "INFO", "COMM", "tabKillAWatt"));
     for (const std::string& name : reached) {
       EXPECT_FALSE(Control(name.c_str()).accessibleName().isEmpty()) << name;
     }
@@ -130,7 +128,7 @@ TEST_F(PagesTest, ATickPaintsEachWidgetAtMostOnceAndAHiddenWindowNone) {
     PaintCounter painted(*window);
     Tick();
     QCoreApplication::processEvents();
-    EXPECT_THAT(painted.counts, testing::Not(IsEmpty())) << "page " << page;
+    EXPECT_THAT(painted.counts, testing::Not(testing::IsEmpty())) << "page " << page;
     for (const auto& [widget, count] : painted.counts) {
       EXPECT_EQ(count, 1) << "page " << page << ": " << widget->metaObject()->className();
     }
@@ -140,8 +138,55 @@ TEST_F(PagesTest, ATickPaintsEachWidgetAtMostOnceAndAHiddenWindowNone) {
   PaintCounter painted(*window);
   Tick(2);
   QCoreApplication::processEvents();
-  EXPECT_THAT(painted.counts, IsEmpty());
+  EXPECT_THAT(painted.counts, testing::IsEmpty());
 }
+
+/// A name that markup, a terminal, a path or the direction of writing could take for more than
+/// text.
+struct HostileNames : MainWindowTest, testing::WithParamInterface<std::string> {
+  static void ExpectPlain(const QString& text) {
+    EXPECT_FALSE(Qt::mightBeRichText(text) && text.contains("<b>x")) << text.toStdString();
+  }
+  /// Looks at all that the window shows or says.
+  void ExpectPlainWindow() const {
+    const auto& tabs = Control<QTabBar>("tabKillAWatt");
+    ASSERT_EQ(tabs.count(), 3);
+    for (int i = 0; i < tabs.count(); ++i) ExpectPlain(tabs.tabToolTip(i));
+    for (const QWidget* widget : window->findChildren<QWidget*>()) {
+      ExpectPlain(widget->toolTip());
+      ExpectPlain(widget->statusTip());
+      const auto* label = qobject_cast<const QLabel*>(widget);
+      if (label == nullptr || !label->text().contains("<b>x")) continue;
+      EXPECT_EQ(label->textFormat(), Qt::PlainText) << label->objectName().toStdString();
+    }
+  }
+};
+
+TEST_P(HostileNames, AreShownAsTextOnEveryPage) {
+  PutMeter(GetParam(), 5);
+  PutMeter("Office", 6);
+  Put("Settings", "DemoMode", "True");
+  Start();
+  for (const char* view : {"mnuView0", "mnuView1", "mnuView2", "mnuView3"}) {
+    Choose(view);
+    Tick(2);
+    ExpectPlainWindow();
+  }
+  EXPECT_LE(window->minimumSizeHint().width(), 800);
+  EXPECT_LE(window->sizeHint().width(), 800);
+  for (const QAction* action : window->TrayMenu().actions()) ExpectPlain(action->toolTip());
+  monitor->SetInfoText("Updated " + GetParam());
+  EXPECT_THAT(Control("INFO").toolTip().toStdString(), testing::HasSubstr("x"));
+  ExpectPlainWindow();
+  monitor->Unload();
+  EXPECT_EQ(Get("KillAWatts\\" + GetParam(), "XBeeAddress"), "5");
+}
+
+INSTANTIATE_TEST_SUITE_P(Names, HostileNames,
+                         testing::Values("<b>x</b><img src='file:///etc/passwd'>&amp;&",
+                                         "<b>x\xE2\x80\xAEgnp.exe", "<b>x\x1B[2J\x07\r\n",
+                                         "<b>x/../../etc/passwd",
+                                         "<b>x" + std::string(10000, 'W')));
 
 }  // namespace
 }  // namespace wattlark

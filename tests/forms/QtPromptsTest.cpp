@@ -1,14 +1,14 @@
-#include <gtest/gtest.h>
 
 #include <QFileDialog>
 #include <QMessageBox>
-#include <QPushButton>
 #include <QScreen>
 #include <QTimer>
-#include <functional>
+#include <array>
 
 #include "forms/FormChecks.h"
 #include "platform/qtwidgets/QtPrompts.h"
+#include "publish/forms/frmLogin.h"
+#include "update/forms/frmSoftwareUpdate.h"
 
 namespace wattlark {
 namespace {
@@ -143,6 +143,73 @@ TEST(QtPrompts, AFileToAddToIsNotReplacedButMakingOneIsAgreed) {
   EXPECT_EQ(choose("/nowhere.csv", {QMessageBox::No, QMessageBox::Yes}), "/nowhere.csv");
   ASSERT_EQ(questions.size(), 2U);
   EXPECT_EQ(questions[0], "/nowhere.csv\nThis file does not exist. Create the file?");
+}
+
+TEST(frmLogin, StartsFromThePresentCredentialsAtWhatIsMissing) {
+  using Row = std::array<const char*, 3>;
+  for (const auto& [userName, password, focus] :
+       {Row{"", "", "txtUserName"}, Row{"", "p", "txtUserName"}, Row{"u", "", "txtPassword"},
+        Row{"me@example.org", "s3cret", "txtUserName"}}) {
+    frmLogin form("Google Login", userName, password);
+    form.show();
+    EXPECT_EQ(form.windowTitle(), "Google Login");
+    EXPECT_EQ(form.focusWidget()->objectName(), focus);
+    EXPECT_EQ(Find<QLineEdit>(form, "txtUserName").text(), userName);
+    EXPECT_EQ(Find<QLineEdit>(form, "txtPassword").text(), password);
+    EXPECT_EQ(Find<QLineEdit>(form, "txtPassword").echoMode(), QLineEdit::Password);
+    EXPECT_EQ(Find<QLabel>(form, "lblUserName").buddy(), &Find(form, "txtUserName"));
+    EXPECT_EQ(Find<QLabel>(form, "lblPassword").buddy(), &Find(form, "txtPassword"));
+  }
+}
+
+TEST(frmLogin, HandsBackOnlyWhatWasConfirmed) {
+  QtPrompts prompts;
+  std::string userName = "old";
+  std::string password = "old password";
+  EXPECT_FALSE(prompts.SignIn("Google Login", userName, password)) << "cannot show it";
+  prompts.signIn = SignIn;
+  for (const int end : {1, 2, 3}) {
+    EXPECT_EQ(userName, "old");
+    EXPECT_EQ(password, "old password");
+    QTimer::singleShot(0, [&] {
+      auto* form = qobject_cast<frmLogin*>(QApplication::activeModalWidget());
+      Find<QLineEdit>(*form, "txtUserName").setText("new ü");
+      Find<QLineEdit>(*form, "txtPassword").setText(" p ");
+      if (end == 1) QTest::keyClick(form, Qt::Key_Escape);
+      if (end == 2) Click(*form, "cmdCancel");
+      if (end == 3) QTest::keyClick(form, Qt::Key_Return);
+    });
+    EXPECT_EQ(prompts.SignIn("Google Login", userName, password), end == 3);
+  }
+  EXPECT_EQ(userName, "new ü");
+  EXPECT_EQ(password, " p ");
+}
+
+const UpdateOffer kOffer{"A new version of Wattlark is available!", "Would you like to download?",
+                         "<b>Faster</b>\r\n\xFF", "2.1", "https://maker.example/setup.exe"};
+
+TEST(frmSoftwareUpdateTest, ShowsPlainTexts) {
+  frmSoftwareUpdate form(kOffer);
+  EXPECT_EQ(form.windowTitle(), "Software Update");
+  EXPECT_EQ(form.findChild<QLabel*>("lblTitle")->text(), kOffer.title.c_str());
+  EXPECT_EQ(form.findChild<QLabel*>("lblMessage")->text(), kOffer.message.c_str());
+  auto& notes = *form.findChild<QPlainTextEdit*>("txtReleaseNotes");
+  EXPECT_EQ(notes.toPlainText(), QString("<b>Faster</b>\n") + QChar(0xFFFD));
+  EXPECT_TRUE(notes.isReadOnly());
+}
+
+TEST(frmSoftwareUpdateTest, OnlyTheTwoButtonsDoMoreThanPutItOff) {
+  using Row = std::pair<const char*, UpdateAnswer>;
+  for (const auto& [button, answer] : {Row{"cmdOK", UpdateAnswer::Download},
+                                       Row{"cmdSkipThisVersion", UpdateAnswer::SkipThisVersion},
+                                       Row{"cmdCancel", UpdateAnswer::RemindLater}}) {
+    QTimer::singleShot(0, [name = button] { Click(*QApplication::activeModalWidget(), name); });
+    EXPECT_EQ(OfferUpdate(kOffer, nullptr), answer);
+  }
+  for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) {
+    QTimer::singleShot(0, [key] { QTest::keyClick(QApplication::activeModalWidget(), key); });
+    EXPECT_EQ(OfferUpdate(kOffer, nullptr), UpdateAnswer::RemindLater);
+  }
 }
 
 }  // namespace

@@ -1,8 +1,6 @@
 #include <gmock/gmock.h>
 
-#include <QPushButton>
 #include <QScrollBar>
-#include <QTimer>
 
 #include "config/forms/frmCalibrateKillAWatt.h"
 #include "forms/FormChecks.h"

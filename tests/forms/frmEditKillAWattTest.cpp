@@ -2,7 +2,6 @@
 
 #include <QClipboard>
 #include <QInputMethodEvent>
-#include <QPushButton>
 #include <QTimer>
 
 #include "config/forms/frmEditKillAWatt.h"
@@ -18,7 +17,6 @@ namespace {
 using testing::_;
 using testing::ElementsAre;
 using testing::FieldsAre;
-using testing::Pair;
 using testing::StartsWith;
 
 struct frmEditKillAWattTest : testing::Test {
@@ -37,11 +35,6 @@ struct frmEditKillAWattTest : testing::Test {
   QComboBox& List(const char* name) const { return Find<QComboBox>(form, name); }
   QCheckBox& AlarmBox() const { return Find<QCheckBox>(form, "chkAlarmActive"); }
   void Fill(const char* box, const char* text) const { Box(box).setText(text); }
-  void Choose(const char* list, const char* entry) const {
-    const int index = List(list).findText(entry);
-    ASSERT_NE(index, -1) << entry;
-    List(list).setCurrentIndex(index);
-  }
   std::vector<std::string> Shown() const {
     std::vector<std::string> texts;
     for (const char* box : {"txtName", "txtXBeeAddress", "txtAlarmLimit0", "txtAlarmLimit1"}) {
@@ -83,14 +76,14 @@ TEST_F(frmEditKillAWattTest, ListsCarryTheirNumbers) {
 TEST_F(frmEditKillAWattTest, OKWritesEveryFieldAndShowsItAgain) {
   Fill("txtName", "<b>Solar</b>");
   Fill("txtXBeeAddress", "77");
-  Choose("cboVoltage", "240 Vrms");
-  Choose("cboFrequency", "50 Hz");
-  Choose("cboKillAWattType", "Generator (solar, wind, etc.)");
+  ChooseEntry(form, "cboVoltage", "240 Vrms");
+  ChooseEntry(form, "cboFrequency", "50 Hz");
+  ChooseEntry(form, "cboKillAWattType", "Generator (solar, wind, etc.)");
   AlarmBox().setChecked(true);
   Fill("txtAlarmLimit0", "2.500");
   Fill("txtAlarmLimit1", "-10,5");
-  Choose("cboAlarmDuration", "15 seconds");
-  Choose("cboAlarmInterval", "10 minutes");
+  ChooseEntry(form, "cboAlarmDuration", "15 seconds");
+  ChooseEntry(form, "cboAlarmInterval", "10 minutes");
   Click(form, "cmdOK");
   EXPECT_FALSE(form.isVisible());
   EXPECT_FALSE(form.Cancelled());
@@ -156,7 +149,7 @@ TEST_F(frmEditKillAWattTest, OpensALimitToBeMendedKeepsTheBytesOfTheNameAndTells
   Click(form, "cmdOK");
   EXPECT_EQ(form.focusWidget(), &Box("txtAlarmLimit0"));
   QTest::keyClicks(&Box("txtAlarmLimit0"), "700");
-  Choose("cboAlarmDuration", "1 hour");
+  ChooseEntry(form, "cboAlarmDuration", "1 hour");
   prompts.asked.clear();
   Click(form, "cmdOK");
   EXPECT_EQ(Alarm().AlarmUpperLimit(), 700);

@@ -3,7 +3,6 @@
 #include <QCheckBox>
 #include <QClipboard>
 #include <QLineEdit>
-#include <QPushButton>
 #include <memory>
 
 #include "config/forms/frmOptions.h"
@@ -14,9 +13,6 @@
 
 namespace wattlark {
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 struct frmOptionsTest : testing::Test {
   frmOptionsTest() {
@@ -49,14 +45,6 @@ struct frmOptionsTest : testing::Test {
     return note.isHidden() ? "" : note.text();
   }
   void ShowTab(int index) { Get<QTabWidget>("tabOptions").setCurrentIndex(index); }
-  /// As a user would: by its text.
-  void Choose(const QString& list, const QString& entry) {
-    auto& box = Get<QComboBox>(list);
-    const int index = box.findText(entry);
-    ASSERT_NE(index, -1) << entry.toStdString();
-    box.setCurrentIndex(index);
-    emit box.activated(index);
-  }
 
   RegionalSettings regional = RegionalSettings::UnitedStates();
   StoreText text{regional};
@@ -83,7 +71,7 @@ TEST_F(frmOptionsTest, EveryControlEditsItsSetting) {
         Row{"cboCSVInterval", "1 minute"}, Row{"cboPachubeInterval", "10 minutes"},
         Row{"cboGoogleInterval", "1 hour"}, Row{"cboPowerMeterInterval", "15 minutes"},
         Row{"cboTwitterInterval", "6 hours"}}) {
-    Choose(list, entry);
+    ChooseEntry(*form, list, entry);
   }
   Get("txtMils").setText("$0.3");
   Get("txtCO2").setText("1.25");
@@ -100,7 +88,7 @@ TEST_F(frmOptionsTest, EveryControlEditsItsSetting) {
   EXPECT_FALSE(s.ShowAtLaunch || s.AutoUpdate || s.LogToCSV);
   EXPECT_THAT((std::vector<int>{s.PortNum, s.ServiceState, s.CSVInterval, s.PachubeInterval,
                                 s.GoogleInterval, s.PowerMeterInterval, s.TwitterInterval}),
-              ElementsAre(11, 50, 60, 600, 3600, 900, 6));
+              testing::ElementsAre(11, 50, 60, 600, 3600, 900, 6));
   EXPECT_EQ(s.BaudRate + s.Parity + s.DataBits + s.StopBits, "115200E71.5");
   EXPECT_EQ(s.Mils, 0.3);
   EXPECT_EQ(s.CO2perKWh, 1.25);
@@ -119,7 +107,7 @@ TEST_F(frmOptionsTest, AStateFillsTheElectricityFieldsOnceItIsChosen) {
   Open();
   EXPECT_EQ(Get<QComboBox>("cboServiceState").currentText(), "CA");
   EXPECT_EQ(Get("txtMils").text(), "$0.2000");
-  Choose("cboServiceState", "CA");
+  ChooseEntry(*form, "cboServiceState", "CA");
   EXPECT_EQ(Get("txtMils").text(), "$0.7000");
   EXPECT_EQ(Get("txtCO2").text(), "0.1251");
   Click(*form, "cmdCancel");
@@ -132,7 +120,7 @@ TEST_F(frmOptionsTest, PointsOutWhatIsNotTaken) {
   settings.GoogleDocName = settings.TwitterAlarmMessage = "a\xFF\nb";
   Open();
   EXPECT_EQ(Note("cboCSVInterval"), "The present setting is not in this list: choose an entry.");
-  Choose("cboCSVInterval", "1 hour");
+  ChooseEntry(*form, "cboCSVInterval", "1 hour");
   EXPECT_EQ(Note("cboCSVInterval"), "");
   Get("txtMils").setText("cheap");
   EXPECT_EQ(Note("txtMils"), "This is no number: $0.2000 stays.");
@@ -140,7 +128,7 @@ TEST_F(frmOptionsTest, PointsOutWhatIsNotTaken) {
   EXPECT_NE(Note("txtTwitterMessage"), "");
   Click(*form, "cmdOK");
   EXPECT_FALSE(form->isVisible());
-  EXPECT_THAT(prompts.asked, IsEmpty());
+  EXPECT_THAT(prompts.asked, testing::IsEmpty());
   EXPECT_EQ(settings.GoogleDocName + settings.TwitterAlarmMessage, "a\xFF\nba\xFF\nb")
       << "nobody touched them";
 }
@@ -152,7 +140,7 @@ TEST_F(frmOptionsTest, TheDeviceOfEachPortIsChosen) {
   EXPECT_EQ(list.itemText(0), QString("FT232R \u2013 /dev/serial/by-id/usb-A"));
   list.setEditText("busy");
   EXPECT_NE(Note("cboPortDevice"), "");
-  Choose("cboPortNum", "COM1:");
+  ChooseEntry(*form, "cboPortNum", "COM1:");
   EXPECT_EQ(list.currentText(), "/dev/ttyS0");
   EXPECT_EQ(Note("cboPortDevice"), "");
   list.setFocus();
@@ -164,7 +152,7 @@ TEST_F(frmOptionsTest, TheDeviceOfEachPortIsChosen) {
   EXPECT_EQ(list.count(), 2);
   EXPECT_EQ(list.currentText(), "/dev/busy");
   list.hidePopup();
-  Choose("cboPortDevice", QString("FT232R \u2013 /dev/serial/by-id/usb-A"));
+  ChooseEntry(*form, "cboPortDevice", QString("FT232R \u2013 /dev/serial/by-id/usb-A"));
   EXPECT_EQ(list.currentText(), "/dev/serial/by-id/usb-A");
   Click(*form, "cmdOK");
   EXPECT_EQ(devices.Path(1), "/dev/serial/by-id/usb-A");
@@ -176,7 +164,7 @@ TEST_F(frmOptionsTest, TheButtonChoosesTheCSVFile) {
   Open();
   EXPECT_EQ(Get("txtCSVFilename").text(), "/logs/.../wattlark.csv");
   Click(*form, "cmdSetCSVFilename");
-  EXPECT_THAT(prompts.choosers, ElementsAre(testing::FieldsAre(
+  EXPECT_THAT(prompts.choosers, testing::ElementsAre(testing::FieldsAre(
                                     "Save Log File", "CSV (Comma Separated Value) File (*.csv)",
                                     settings.CSVFilename, true)));
   EXPECT_EQ(Get("txtCSVFilename").text(), "/logs/.../wattlark.csv") << "cancelled";
