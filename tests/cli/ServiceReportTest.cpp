@@ -14,14 +14,8 @@ using testing::ElementsAre;
 
 // A program whose manager waits 800 ms for a sign of life.
 struct ServiceReportTest : testing::TestWithParam<bool> {
-  ServiceReportTest() { ::setenv("WATCHDOG_USEC", "800000", 1); }
-  ~ServiceReportTest() override {
-    ::unsetenv("WATCHDOG_USEC");
-    ::unsetenv("WATCHDOG_PID");
-  }
-
   TemporaryFolder folder;
-  NotifySocket manager{(GetParam() ? "@" : "") + folder.File("notify")};
+  NotifySocket manager{(GetParam() ? "@" : "") + folder.File("notify"), "800000"};
   int argc = 0;
   QCoreApplication application{argc, nullptr};
 };

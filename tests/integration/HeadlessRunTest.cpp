@@ -190,12 +190,8 @@ TEST_F(DiscoverCommand, LeavesTheDeviceToARunningProgram) {
 
 // The program as a service whose manager waits for signs of life.
 struct Service : HeadlessRun {
-  Service() { ::setenv("WATCHDOG_USEC", "2000000", 1); }
-  ~Service() override {
-    ::unsetenv("WATCHDOG_USEC");
-    ::unsetenv("JOURNAL_STREAM");
-  }
-  NotifySocket manager{folder.File("notify")};
+  ~Service() override { ::unsetenv("JOURNAL_STREAM"); }
+  NotifySocket manager{folder.File("notify"), "2000000"};
 };
 
 TEST_F(Service, TellsThatItIsReadyWhatIsWrongThatItLivesAndThatItStops) {

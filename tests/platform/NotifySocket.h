@@ -14,11 +14,12 @@
 
 namespace wattlark {
 
-/// The end of a service manager's socket at which it listens; NOTIFY_SOCKET names it.
+/// The end of a service manager's socket at which it listens, and waits for signs of life; the
+/// environment says so.
 class NotifySocket {
  public:
   /// A file, or "@" and a name that is no file.
-  explicit NotifySocket(const std::string& name)
+  NotifySocket(const std::string& name, const char* patienceMicroseconds)
       : descriptor_(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
@@ -29,9 +30,10 @@ class NotifySocket {
       throw std::runtime_error("no socket " + name);
     }
     ::setenv("NOTIFY_SOCKET", name.c_str(), 1);
+    ::setenv("WATCHDOG_USEC", patienceMicroseconds, 1);
   }
   ~NotifySocket() {
-    ::unsetenv("NOTIFY_SOCKET");
+    for (const char* name : {"NOTIFY_SOCKET", "WATCHDOG_USEC"}) ::unsetenv(name);
     ::close(descriptor_);
   }
   NotifySocket(const NotifySocket&) = delete;
