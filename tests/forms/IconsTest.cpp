@@ -4,7 +4,6 @@
 
 #include "platform/TemporaryFolder.h"
 #include "platform/qtwidgets/Icons.h"
-#include "platform/qtwidgets/Theme.h"
 
 namespace wattlark {
 namespace {
@@ -101,64 +100,6 @@ TEST(ApplicationIcon, IsDrawnFrom16To512Pixels) {
     ASSERT_EQ(image.width(), side);
     EXPECT_EQ(qAlpha(image.pixel(side / 2, side / 2)), 255) << side;
     EXPECT_LT(qAlpha(image.pixel(0, 0)), 255) << side;
-  }
-}
-
-// The ratios are those of the WCAG 2 formula, worked out by hand.
-TEST(ContrastRatio, FollowsTheFormulaInEitherOrder) {
-  EXPECT_NEAR(ContrastRatio(Qt::black, Qt::white), 21, 0.001);
-  EXPECT_NEAR(ContrastRatio(Qt::white, Qt::black), 21, 0.001);
-  EXPECT_NEAR(ContrastRatio("#777777", Qt::white), 4.478, 0.001);
-  EXPECT_NEAR(ContrastRatio("#ff0000", Qt::white), 3.998, 0.001);
-  EXPECT_NEAR(ContrastRatio("#0000ff", Qt::black), 2.444, 0.001);
-}
-
-Theme ThemeOf(const char* base, const char* window, const char* text) {
-  QPalette palette;
-  palette.setColor(QPalette::Base, base);
-  palette.setColor(QPalette::Window, window);
-  palette.setColor(QPalette::WindowText, text);
-  palette.setColor(QPalette::Text, text);
-  return Theme::FromPalette(palette);
-}
-
-TEST(Theme, IsReadableAndQuietOnEveryPalette) {
-  using Row = std::tuple<const char*, const char*, const char*, const char*, bool>;
-  for (const auto& [name, base, window, text, isDark] :
-       {Row{"Light", "#ffffff", "#efefef", "#000000", false},
-        Row{"Pale", "#ffffff", "#ffffff", "#c8c8c8", false},
-        Row{"MiddleGrey", "#8a8a8a", "#808080", "#000000", false},
-        Row{"Dark", "#1b1e20", "#2a2e32", "#fcfcfc", true},
-        Row{"YellowOnBlack", "#000000", "#101010", "#ffff00", true},
-        Row{"DeepBlue", "#002b36", "#073642", "#839496", true}}) {
-    SCOPED_TRACE(name);
-    const Theme theme = ThemeOf(base, window, text);
-    EXPECT_EQ(theme.isDark, isDark);
-    for (const QColor& ground : {theme.base, theme.window}) {
-      for (const QColor& color : {theme.accent, theme.warning, theme.mutedText}) {
-        EXPECT_GE(ContrastRatio(color, ground), 4.5);
-      }
-    }
-    EXPECT_GE(ContrastRatio(theme.accent, theme.selectedFill), 4.5);
-    for (const QColor& ground : {theme.base, theme.zone}) {
-      EXPECT_GE(ContrastRatio(theme.firstSeries, ground), 3);
-      EXPECT_GE(ContrastRatio(theme.secondSeries, ground), 3);
-    }
-    EXPECT_GT(ContrastRatio(theme.firstSeries, theme.seriesFill), 1.5);
-    for (const QColor& quiet : {theme.hairline, theme.zone, theme.selectedFill}) {
-      EXPECT_GT(ContrastRatio(quiet, theme.base), 1.02);
-      EXPECT_LT(ContrastRatio(quiet, theme.base), 2);
-      EXPECT_EQ(quiet.alpha(), 255);
-    }
-  }
-}
-
-// White beside a dark grey: the best grey has about 3.5:1 on either.
-TEST(Theme, TakesTheMostReadableColorForGroundsThatAreFarApart) {
-  const Theme theme = ThemeOf("#ffffff", "#303030", "#808080");
-  for (const QColor& color : {theme.accent, theme.warning, theme.mutedText}) {
-    EXPECT_GE(ContrastRatio(color, theme.base), 3);
-    EXPECT_GE(ContrastRatio(color, theme.window), 3);
   }
 }
 
