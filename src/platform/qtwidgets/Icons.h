@@ -29,8 +29,9 @@ QIcon TintedIcon(const QString& name, const IconColors& colors);
 
 /// The notification area's plug with five load bars, made to be seen on light and dark panels.
 /// Keys: "KILLAWATT" (no bar lit), "KILLAWATT0" to "KILLAWATT4" (one to five bars) and "KILLAWATT5"
-/// (all five in the warning colour). Any other key gives "KILLAWATT". Where the program is installed
-/// the icon also has the name of a symbolic one, which a desktop may colour to suit its panel.
+/// (all five in the warning colour). Any other key gives "KILLAWATT". Where the program is
+/// installed the icon also has the name of a symbolic one, which a desktop may colour to suit its
+/// panel.
 QIcon TrayIcon(std::string_view key);
 
 /// The program's own mark.
