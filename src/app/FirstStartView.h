@@ -19,8 +19,8 @@ struct FirstStartState {
   bool isChosen = false;    ///< the user has said so
   std::string portProblem;  ///< why the port is closed
   std::string deniedPath;   ///< a device that the user may not open yet; empty for none
-  std::string
-      accessCommand;  ///< what gives access to it at the next log-in; empty when that was done
+  /// What gives access to it at the next log-in; empty when that was done.
+  std::string accessCommand;
   std::vector<SerialDevice> devices;
   std::vector<HeardMeter> heard;
 };
