@@ -168,7 +168,12 @@ TEST(TimeZoneRegistry, HasOneZoneAndRefusesChanges) {
   EXPECT_FALSE(registry.KeyExists(Hive::CurrentUser, root));
   EXPECT_EQ(registry.Values(kMachine, root + "\\New/Zone\\Dynamic DST").size(), 4u);
   EXPECT_TRUE(registry.Values(kMachine, root).empty());
+  EXPECT_TRUE(registry.SubKeys(Hive::CurrentUser, root).empty());
+  EXPECT_TRUE(registry.Values(Hive::CurrentUser, root + "\\New/Zone").empty());
+  EXPECT_FALSE(registry.Read(kMachine, root + "\\Old/Zone", "Std"));
+  EXPECT_FALSE(registry.Read(kMachine, root + "\\New/Zone", "Nothing"));
   EXPECT_FALSE(registry.Write(kMachine, root + "\\New/Zone", "Std", {}));
+  EXPECT_FALSE(registry.DeleteKey(kMachine, root + "\\New/Zone\\Dynamic DST"));
   const clsTimeZone zone = GetTimeZoneByName(modRegistry(registry), "new/zone");
   EXPECT_EQ(zone.DisplayName, "shown");
   EXPECT_EQ(zone.StandardName, "standard");
