@@ -27,9 +27,10 @@ FirstStartState FirstStart::State() {
     return state;
   }
   state.isChosen = state.devicePath != ports_.devices.DefaultPath(state.portNumber);
+  FindDenied(state);
+  if (!state.deniedPath.empty()) return state;  // which says more than the port can
   state.portProblem = ports_.deviceProblem(state.devicePath);
   if (state.portProblem.empty()) state.portProblem = monitor.PortProblem();
-  FindDenied(state);
   return state;
 }
 

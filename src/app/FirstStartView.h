@@ -17,7 +17,7 @@ struct FirstStartState {
   bool canLeaveDemoMode = true;
   std::string devicePath;   ///< what the port number means; may be empty
   bool isChosen = false;    ///< the user has said so
-  std::string portProblem;  ///< why the port is closed
+  std::string portProblem;  ///< why the port is closed; empty when access is missing
   std::string deniedPath;   ///< a device that the user may not open yet; empty for none
   /// What gives access to it at the next log-in; empty when that was done.
   std::string accessCommand;
