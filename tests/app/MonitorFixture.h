@@ -98,9 +98,4 @@ struct WebMonitorTest : MonitorTest {
   WebMonitorTest() { web = &webPorts; }
 };
 
-/// 120 W: two samples of 2 A at 120 V among four.
-inline Bytes Frame120W(std::uint16_t address) {
-  return MeterFrame(address, {700, 300, 700, 300}, {498, 467, 529, 498});
-}
-
 }  // namespace wattlark

@@ -14,11 +14,6 @@
 
 namespace wattlark {
 
-// One burst of a meter that draws 120 W: two samples of 2 A at 120 V among four.
-inline Bytes Burst(std::uint16_t address) {
-  return MeterFrame(address, {700, 300, 700, 300}, {498, 467, 529, 498});
-}
-
 inline std::size_t CountOf(const std::string& text, const std::string& part) {
   return static_cast<std::size_t>(QByteArray::fromStdString(text).count(part.c_str()));
 }
@@ -97,7 +92,7 @@ struct HeadlessRun : testing::Test {
   }
   // As a capture has it.
   static std::string BurstText(std::uint16_t address) {
-    const Bytes burst = Burst(address);
+    const Bytes burst = Frame120W(address);
     return QByteArray(reinterpret_cast<const char*>(burst.data()),
                       static_cast<qsizetype>(burst.size()))
         .toHex()
@@ -108,7 +103,7 @@ struct HeadlessRun : testing::Test {
   void SendBurst() {
     const std::string frame = BurstText(5);
     const std::size_t before = CountOf(FileBytes(capture), frame);
-    receiver->Write(Burst(5));
+    receiver->Write(Frame120W(5));
     ASSERT_TRUE(WaitUntil([&] { return CountOf(FileBytes(capture), frame) > before; }));
   }
   // A program that has taken two bursts, so that there is energy: not in the same millisecond.

@@ -59,6 +59,11 @@ inline Bytes MeterFrame(std::uint16_t address, const std::vector<std::uint16_t>&
   return SampleFrame(address, static_cast<std::uint8_t>(voltage.size()), words, options);
 }
 
+/// 120 W: two samples of 2 A at 120 V among four.
+inline Bytes Frame120W(std::uint16_t address) {
+  return MeterFrame(address, {700, 300, 700, 300}, {498, 467, 529, 498});
+}
+
 inline Bytes Join(std::initializer_list<Bytes> parts) {
   Bytes whole;
   for (const Bytes& part : parts) whole.insert(whole.end(), part.begin(), part.end());
