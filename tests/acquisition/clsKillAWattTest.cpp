@@ -88,16 +88,6 @@ TEST(clsKillAWatt, ConvertsSamplesIntoAReading) {
   }
 }
 
-TEST(clsKillAWatt, TakesChannelsThatAreNotSampledForWhatTheyRead) {
-  // Without A0 and A4 every reading is -1: no swing, and the current far below its offset.
-  Meter meter;
-  meter.decoder.ParseBytes(SampleFrame(5, 3, {1, 2, 3}, {.mask = 0x0400}));
-  meter.ProcessPacket(meter.decoder);
-  EXPECT_EQ(meter.VoltageOffset(), 0) << "(0 + -1) \\ 2";
-  EXPECT_NEAR(meter.Amps(), -499 / 15.5 / 3, 1e-9);
-  EXPECT_TRUE(meter.HasReading());
-}
-
 TEST(clsKillAWatt, StopsReceivingFiveSecondsAfterAReading) {
   Meter meter;
   EXPECT_FALSE(meter.HasReading());
