@@ -27,18 +27,16 @@ class CutPower {
       case DiskOperation::Sync:
         for (const DiskOperation& pending : file.pending) Perform(pending, file.durable);
         file.pending.clear();
-        file.isDurable = true;
-        // The system's VFS syncs the folder with a file that is new in it.
-        for (auto& [name, other] : files_) {
-          if (!other.exists) other.isDurable = false;
-        }
+        break;
+      case DiskOperation::SyncFolder:
+        for (auto& [name, other] : files_) other.isDurable = other.exists;
         break;
       case DiskOperation::Delete:
         file.exists = false;
-        if (operation.isFolderSynced) file = State();
         break;
       case DiskOperation::Write:
       case DiskOperation::Truncate:
+        // The program itself makes the store, before SQLite opens it.
         if (file.pending.empty() && !file.exists) file.exists = file.isDurable = true;
         file.pending.push_back(operation);
         break;

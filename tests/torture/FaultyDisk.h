@@ -1,12 +1,14 @@
 #pragma once
 
+#include <fcntl.h>
 #include <sqlite3.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <filesystem>
-#include <optional>
+#include <map>
 #include <stdexcept>
 #include <string>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -14,15 +16,14 @@ namespace wattlark {
 
 /// What SQLite does to its files, in order: all that a power cut depends on.
 struct DiskOperation {
-  enum Kind { Create, Write, Truncate, Sync, Delete } kind = Write;
-  std::string file = {};        ///< without its folder
-  std::size_t offset = 0;       ///< of a write; the size of a file that is truncated
-  std::string data = {};        ///< of a write
-  bool isFolderSynced = false;  ///< of a file that is deleted: the deletion is on the disk
+  enum Kind { Create, Write, Truncate, Sync, SyncFolder, Delete } kind = Write;
+  std::string file = {};   ///< without its folder
+  std::size_t offset = 0;  ///< of a write; the size of a file that is truncated
+  std::string data = {};   ///< of a write
 };
 
-/// SQLite's disk, as its default VFS while this object lives: records every operation, or lets some
-/// of them fail. Nothing is ever waited for: no power is cut here.
+/// The system calls by which SQLite changes a store, while this object lives: records every one, or
+/// lets some of them fail. Nothing is ever waited for: no power is cut here. One at a time.
 class FaultyDisk {
  public:
   enum class Fault { NoSpace, IOError, ShortWrite };
@@ -33,15 +34,16 @@ class FaultyDisk {
   bool swallowsFaults = false;  ///< an operation that fails claims to have worked
 
   FaultyDisk() {
-    vfs_ = *underlying_;
-    vfs_.zName = "faulty";
-    vfs_.szOsFile += static_cast<int>(sizeof(File));
-    vfs_.pAppData = this;
-    vfs_.xOpen = Open;
-    vfs_.xDelete = Delete;
-    if (sqlite3_vfs_register(&vfs_, 1) != SQLITE_OK) throw std::runtime_error("no VFS");
+    here_ = this;
+    Replace("open", reinterpret_cast<sqlite3_syscall_ptr>(Open));
+    Replace("pwrite64", reinterpret_cast<sqlite3_syscall_ptr>(Write));
+    Replace("ftruncate", reinterpret_cast<sqlite3_syscall_ptr>(Truncate));
+    Replace("unlink", reinterpret_cast<sqlite3_syscall_ptr>(Delete));
   }
-  ~FaultyDisk() { sqlite3_vfs_unregister(&vfs_); }
+  ~FaultyDisk() {
+    vfs_->xSetSystemCall(vfs_, nullptr, nullptr);
+    here_ = nullptr;
+  }
   FaultyDisk(const FaultyDisk&) = delete;
   FaultyDisk& operator=(const FaultyDisk&) = delete;
 
@@ -63,127 +65,87 @@ class FaultyDisk {
     return result;
   }
 
+  /// What `fdatasync` does meanwhile: SQLite has no other way to have that call replaced. A
+  /// folder's never fails: SQLite would call a change that is in the store a failed one.
+  static int Sync(int descriptor) {
+    if (here_ == nullptr || here_->names_[descriptor].empty()) return 0;
+    if (here_->names_[descriptor] != kFolder) {
+      return here_->Meet({DiskOperation::Sync}, descriptor, [] { return 0; });
+    }
+    here_->Record({DiskOperation::SyncFolder});
+    return 0;
+  }
+
  private:
-  struct File {
-    sqlite3_file base{};
-    FaultyDisk* disk = nullptr;
-    sqlite3_file* real = nullptr;
-    char name[64] = {};
-    bool counts = false;  ///< a database or its journal, on the disk
-  };
+  static constexpr const char* kFolder = ".";
 
-  static File& Of(sqlite3_file* file) { return *reinterpret_cast<File*>(file); }
+  void Replace(const char* name, sqlite3_syscall_ptr call) {
+    if (vfs_->xSetSystemCall(vfs_, name, call) != SQLITE_OK) throw std::runtime_error(name);
+  }
+  static bool IsStore(const std::string& name) { return name.starts_with("wattlark.db"); }
+  static std::string NameOf(const char* path) { return std::filesystem::path(path).filename(); }
 
-  /// Whether the next operation fails.
+  /// Whether the next operation fails; `errno` then says why.
   bool Fails() {
     if (isAside_) return false;
     const std::size_t number = operations_++;
-    return number >= firstFault_ && number - firstFault_ < faults_;
+    if (number < firstFault_ || number - firstFault_ >= faults_) return false;
+    errno = fault_ == Fault::IOError ? EIO : ENOSPC;
+    return true;
   }
   void Record(DiskOperation operation) {
-    if (isRecording && !isAside_) log.push_back(std::move(operation));
+    const bool isSync =
+        operation.kind == DiskOperation::Sync || operation.kind == DiskOperation::SyncFolder;
+    if (isRecording && !isAside_ && !(isSync && dropsSyncs)) log.push_back(std::move(operation));
   }
-  /// Records an operation on an open file, or answers what SQLite hears of its failure.
-  static std::optional<int> Meet(File& file, DiskOperation operation, int ioError) {
-    FaultyDisk& disk = *file.disk;
-    if (!file.counts) return std::nullopt;
-    if (disk.Fails()) {
-      if (disk.swallowsFaults) return SQLITE_OK;
-      return disk.fault_ == Fault::IOError ? ioError : SQLITE_FULL;
-    }
-    operation.file = file.name;
-    disk.Record(std::move(operation));
-    return std::nullopt;
-  }
-
-  static int Open(sqlite3_vfs* vfs, sqlite3_filename path, sqlite3_file* file, int flags,
-                  int* outFlags) {
-    FaultyDisk& disk = *static_cast<FaultyDisk*>(vfs->pAppData);
-    File& opened = *new (file) File;
-    opened.disk = &disk;
-    opened.counts = (flags & (SQLITE_OPEN_MAIN_DB | SQLITE_OPEN_MAIN_JOURNAL)) != 0;
-    if (opened.counts && disk.Fails()) return SQLITE_CANTOPEN;
-    opened.real = reinterpret_cast<sqlite3_file*>(&opened + 1);
-    std::error_code missing;
-    const auto size = path == nullptr ? 1 : std::filesystem::file_size(path, missing);
-    const int result =
-        disk.underlying_->xOpen(disk.underlying_, path, opened.real, flags, outFlags);
-    if (opened.real->pMethods != nullptr) file->pMethods = Methods();
-    if (result == SQLITE_OK && path != nullptr) {
-      const std::string name = std::filesystem::path(path).filename();
-      name.copy(opened.name, sizeof(opened.name) - 1);
-      if ((missing || size == 0) && opened.counts)
-        disk.Record({.kind = DiskOperation::Create, .file = name});
-    }
+  /// Fails, or carries the operation out with `work` and records it.
+  template <typename Work>
+  auto Meet(DiskOperation operation, Work work) -> decltype(work()) {
+    if (Fails()) return swallowsFaults ? static_cast<decltype(work())>(operation.data.size()) : -1;
+    const auto result = work();
+    if (result >= 0) Record(std::move(operation));
     return result;
   }
-  static int Delete(sqlite3_vfs* vfs, const char* path, int syncFolder) {
-    FaultyDisk& disk = *static_cast<FaultyDisk*>(vfs->pAppData);
-    if (disk.Fails()) return disk.swallowsFaults ? SQLITE_OK : SQLITE_IOERR_DELETE;
-    const int result = disk.underlying_->xDelete(disk.underlying_, path, 0);
-    if (result == SQLITE_OK) {
-      disk.Record({.kind = DiskOperation::Delete,
-                   .file = std::filesystem::path(path).filename(),
-                   .isFolderSynced = syncFolder != 0 && !disk.dropsSyncs});
-    }
-    return result;
-  }
-  static int Write(sqlite3_file* file, const void* bytes, int size, sqlite3_int64 offset) {
-    File& to = Of(file);
-    const auto failure =
-        Meet(to,
-             {.kind = DiskOperation::Write,
-              .offset = static_cast<std::size_t>(offset),
-              .data = std::string(static_cast<const char*>(bytes), static_cast<std::size_t>(size))},
-             SQLITE_IOERR_WRITE);
-    if (failure && to.disk->fault_ != Fault::ShortWrite) return *failure;
-    const int result = to.real->pMethods->xWrite(to.real, bytes, failure ? size / 2 : size, offset);
-    return failure.value_or(result);
-  }
-  static int Truncate(sqlite3_file* file, sqlite3_int64 size) {
-    const auto failure =
-        Meet(Of(file), {.kind = DiskOperation::Truncate, .offset = static_cast<std::size_t>(size)},
-             SQLITE_IOERR_TRUNCATE);
-    return failure ? *failure : Of(file).real->pMethods->xTruncate(Of(file).real, size);
-  }
-  static int Sync(sqlite3_file* file, int /*flags*/) {
-    File& to = Of(file);
-    const bool wasRecording = to.disk->isRecording;
-    to.disk->isRecording = wasRecording && !to.disk->dropsSyncs;
-    const auto failure = Meet(to, {.kind = DiskOperation::Sync}, SQLITE_IOERR_FSYNC);
-    to.disk->isRecording = wasRecording;
-    return failure.value_or(SQLITE_OK);
-  }
-  /// Hands a call on to the file below.
-  template <auto Method, typename... Arguments>
-  static int Pass(sqlite3_file* file, Arguments... arguments) {
-    return (Of(file).real->pMethods->*Method)(Of(file).real, arguments...);
+  template <typename Work>
+  auto Meet(DiskOperation operation, int descriptor, Work work) -> decltype(work()) {
+    operation.file = names_[descriptor];
+    return operation.file.empty() ? work() : Meet(std::move(operation), work);
   }
 
-  static const sqlite3_io_methods* Methods() {
-    using M = sqlite3_io_methods;
-    static const M methods = [] {
-      M made{};
-      made.iVersion = 1;
-      made.xClose = Pass<&M::xClose>;
-      made.xRead = Pass<&M::xRead>;
-      made.xWrite = Write;
-      made.xTruncate = Truncate;
-      made.xSync = Sync;
-      made.xFileSize = Pass<&M::xFileSize>;
-      made.xLock = Pass<&M::xLock>;
-      made.xUnlock = Pass<&M::xUnlock>;
-      made.xCheckReservedLock = Pass<&M::xCheckReservedLock>;
-      made.xFileControl = Pass<&M::xFileControl>;
-      made.xSectorSize = Pass<&M::xSectorSize>;
-      made.xDeviceCharacteristics = Pass<&M::xDeviceCharacteristics>;
-      return made;
-    }();
-    return &methods;
+  static int Open(const char* path, int flags, int mode) {
+    const std::string name = NameOf(path);
+    const auto open = [&] { return ::open(path, flags, mode); };
+    const bool isNew = IsStore(name) && (flags & O_CREAT) != 0 && !std::filesystem::exists(path);
+    const int descriptor =
+        isNew ? here_->Meet({.kind = DiskOperation::Create, .file = name}, open) : open();
+    here_->names_[descriptor] = IsStore(name)                         ? name
+                                : std::filesystem::is_directory(path) ? kFolder
+                                                                      : "";
+    return descriptor;
+  }
+  static int Delete(const char* path) {
+    return here_->Meet({.kind = DiskOperation::Delete, .file = NameOf(path)},
+                       [&] { return ::unlink(path); });
+  }
+  static ssize_t Write(int descriptor, const void* bytes, std::size_t size, off_t offset) {
+    const std::string data(static_cast<const char*>(bytes), size);
+    const ssize_t written =
+        here_->Meet({.offset = static_cast<std::size_t>(offset), .data = data}, descriptor,
+                    [&] { return ::pwrite(descriptor, bytes, size, offset); });
+    if (written >= 0 || here_->fault_ != Fault::ShortWrite) return written;
+    const ssize_t ignored = ::pwrite(descriptor, bytes, size / 2, offset);
+    static_cast<void>(ignored);
+    errno = ENOSPC;
+    return written;
+  }
+  static int Truncate(int descriptor, off_t size) {
+    return here_->Meet({.kind = DiskOperation::Truncate, .offset = static_cast<std::size_t>(size)},
+                       descriptor, [&] { return ::ftruncate(descriptor, size); });
   }
 
-  sqlite3_vfs* underlying_ = sqlite3_vfs_find(nullptr);
-  sqlite3_vfs vfs_{};
+  static inline FaultyDisk* here_ = nullptr;
+  sqlite3_vfs* vfs_ = sqlite3_vfs_find(nullptr);
+  std::map<int, std::string> names_;  ///< of open descriptors; empty when not of a store
   bool isAside_ = false;
   std::size_t operations_ = 0;
   std::size_t firstFault_ = 0;

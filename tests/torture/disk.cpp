@@ -18,7 +18,11 @@ int workingRenames = -1;
 
 }  // namespace
 
-// Takes the place of the C library's: the program sets a store aside with it.
+// In place of the C library's: SQLite syncs with the one, and a store is set aside with the other.
+extern "C" int fdatasync(int descriptor) {
+  return wattlark::FaultyDisk::Sync(descriptor);
+}
+
 extern "C" int rename(const char* from, const char* to) {
   if (workingRenames >= 0 && workingRenames-- == 0) {
     errno = EIO;
