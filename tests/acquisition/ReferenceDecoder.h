@@ -22,6 +22,7 @@ struct ReferenceDecoder {
   /// End and start, found in damaged bytes.
   std::vector<std::pair<std::size_t, std::size_t>> waiting;
   std::vector<Bytes> frames;
+  std::vector<std::size_t> starts;  ///< of the frames, in the stream
   std::uint64_t dropped = 0;
 
   void Take(std::size_t start, std::size_t end) {
@@ -33,6 +34,7 @@ struct ReferenceDecoder {
       return;
     }
     frames.push_back(frame);
+    starts.push_back(start);
     std::erase_if(waiting, [end](const auto& other) { return other.second < end; });
     position = std::max(position, end);
   }
