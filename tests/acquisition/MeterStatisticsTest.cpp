@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <stdexcept>
 #include <utility>
 
 #include "acquisition/MeterStatistics.h"
@@ -12,13 +11,8 @@ namespace wattlark {
 namespace {
 
 using testing::Each;
-using testing::ElementsAre;
 
 constexpr double None = NoValue;
-
-double NewestDemand(const MeterStatistics& meter, int interval) {
-  return meter.DemandRecent(interval).back();
-}
 
 void ExpectNothing(const MeterStatistics& meter) {
   for (int i = 0; i < IntervalCount; ++i) {
@@ -48,19 +42,6 @@ MeterStatistics FullMeter(const char* time) {
     meter.SetPeakTime(i, At("2000-01-01T00:00:00"));
   }
   return meter;
-}
-
-TEST(MeterStatistics, HasSeriesOfTheirLengthsWithoutValues) {
-  const MeterStatistics meter;
-  const std::size_t lengths[] = {60, 60, 24, 7, 31, 12};
-  for (int i = 0; i < IntervalCount; ++i) {
-    EXPECT_EQ(meter.DemandRecent(i).size(), lengths[i]);
-    EXPECT_EQ(meter.UsageRecent(i).size(), lengths[i]);
-  }
-  ExpectNothing(meter);
-  EXPECT_TRUE(meter.Timestamp().IsNever());
-  for (const int index : {-1, 7}) EXPECT_THROW(meter.Usage(index), std::out_of_range);
-  for (const int index : {-1, 6}) EXPECT_THROW(meter.DemandRecent(index), std::out_of_range);
 }
 
 TEST(MeterStatistics, TakesEnergyFromTicksAtTheNewPower) {
@@ -106,26 +87,6 @@ TEST(MeterStatistics, KeepsTheHighestReadingAndItsTimeUntilItIsReset) {
   EXPECT_EQ(total.Peak(Today), -200);
 }
 
-// How series and periods follow readings and clocks, a reference holds after every step of the
-// torture of clocks.
-TEST(MeterStatistics, RepeatsAReadingIntoShortGaps) {
-  MeterStatistics meter;
-  meter.AddReading(36, At("2026-11-16T20:10:00"), 1000);
-  meter.AddReading(36, At("2026-11-16T20:10:02"), 3000);
-  EXPECT_EQ(meter.AddReading(72, At("2026-11-16T20:10:04.900"), 5000), 2) << "boundaries count";
-  const MeterStatistics& read = meter;
-  EXPECT_THAT(read.DemandRecent(Minute).last(5), ElementsAre(None, 36, 36, 72, 72));
-  EXPECT_THAT(read.UsageRecent(Minute).last(5), ElementsAre(None, 0.02, 0.02, 0.04, 0.04));
-  EXPECT_NEAR(meter.UsageRecent(Hour).back(), 0.06, 1e-12)
-      << "the energy itself only once a reading";
-  for (const int i : {Hour, Day, Year}) EXPECT_EQ(NewestDemand(meter, i), 54);
-  // Into one of four seconds, but not into one of five.
-  meter.AddReading(10, At("2026-11-16T20:10:08"), 9000);
-  EXPECT_THAT(read.DemandRecent(Minute).last(5), ElementsAre(72, 10, 10, 10, 10));
-  meter.AddReading(20, At("2026-11-16T20:10:13"), 14000);
-  EXPECT_THAT(read.DemandRecent(Minute).last(6), ElementsAre(10, None, None, None, None, 20));
-}
-
 TEST(MeterStatistics, AveragesTheNewestPartOfASeries) {
   MeterStatistics meter;
   EXPECT_EQ(meter.AverageDemand(60), None);
@@ -158,7 +119,7 @@ TEST(MeterStatistics, Resets) {
   ExpectNothing(meter);
   EXPECT_EQ(meter.Timestamp(), At("2026-11-16T20:10:00")) << "the reading clock is no statistic";
   meter.AddReading(50, At("2026-11-16T20:10:01"), 2000);
-  for (const int i : {Day, Year}) EXPECT_EQ(NewestDemand(meter, i), 50);
+  for (const int i : {Day, Year}) EXPECT_EQ(meter.DemandRecent(i).back(), 50);
 }
 
 // 2023 begins on a Sunday.

@@ -159,22 +159,6 @@ TEST_F(MeterEditTest, RaisesTheIntervalToTheDuration) {
   }
 }
 
-TEST(IsLimitCharacter, LetsOnlyNumbersThrough) {
-  RegionalSettings arabic = kUnitedStates;
-  arabic.decimalSeparator = "\u066B";
-  using Row = std::tuple<RegionalSettings, std::u32string, std::u32string>;
-  for (const auto& [regional, typed, passed] :
-       {Row{kUnitedStates, U"12a.5,3", U"12.53"},
-        Row{kUnitedStates, U"+-0987\b\r\tDE e$\u0663", U"+-0987\b"},
-        Row{Germany(), U"-1,5.0 €", U"-1,5.0"}, Row{arabic, U"1\u066B5,", U"1\u066B5"}}) {
-    std::u32string found;
-    for (const char32_t character : typed) {
-      if (IsLimitCharacter(character, regional)) found += character;
-    }
-    EXPECT_EQ(found, passed);
-  }
-}
-
 double ValueOf(const clsKillAWatt& meter, CalibrationStep step) {
   if (step == VoltageScaler) return meter.VoltageScaler();
   return step == CurrentOffset ? meter.CurrentOffset() : meter.CurrentScaler();

@@ -97,18 +97,6 @@ TEST(RegistryText, EveryFormIsWrittenSoAndReadBack) {
   }
 }
 
-TEST(RegistryText, NamesThatNoLineCanHoldComeBack) {
-  for (const std::string& name : {"a\nb"s, "\r"s, "a\0b"s, "\xFF]"s, "Küche\xC3"s, "\U0001F50C"s}) {
-    std::ostringstream output;
-    RegistryTextWriter(output, {"two\nlines"}).WriteKey(kUser, name, {{name, TextValue("x\0"s)}});
-    const Outcome outcome = Read(output.str());
-    EXPECT_EQ(outcome.problem, "");
-    ASSERT_EQ(outcome.entries.size(), 2u);
-    EXPECT_EQ(outcome.entries[0].path, name);
-    EXPECT_EQ(outcome.entries[1].name, name);
-  }
-}
-
 TEST(RegistryText, ReadsWhatOthersWriteAndSaysWhatCannotBeStored) {
   const std::tuple<const char*, RegistryType, std::string> cases[] = {
       {"  \"n\" = \"x\" ; remark \n", RegistryType::String, "x\0"s},
@@ -164,7 +152,6 @@ TEST(RegistryText, MalformedLinesAreToldWithTheirNumber) {
        "UTF-8"},
       {"\xFF\xFE" + Wide(kHeader) + "x", "FILE:2: the last character is cut off"},
       {kHeader + "\"a\"=\"b\"", "FILE:2: the value stands under no key"},
-      {kHeader + "[-HKEY_CURRENT_USER\\K]\n@=\"b\"", "FILE:3: the value stands under no key"},
       {kHeader + "[HKEY_CURRENT_USER\\K", "FILE:2: the \"]\" at the end of the key is missing"},
       {kHeader + "[]",
        "FILE:2: \"\" is no key: it does not begin with HKEY_CURRENT_USER or another root of the "
@@ -173,18 +160,13 @@ TEST(RegistryText, MalformedLinesAreToldWithTheirNumber) {
       {start + "\n# x", "FILE:4: \"# x\" is no key, value or comment"},
       {start + "\"a\"\n", "FILE:3: the \"=\" behind the name is missing"},
       {start + "\"a\"=\n", "FILE:3: \"\" is no value: \"text\", dword:, hex: or -"},
-      {start + "\"a\"=\"b\" c", "FILE:3: \"c\" behind the value has no meaning"},
       {start + "\"a\"=\"b\n\n", "FILE:3: the quotation mark at the end of the text is missing"},
       {start + "\"a\"=\"b\n\"c\"=\"d\"", "FILE:4: \"c\"=\"d\"\" behind the value has no meaning"},
-      {start + "\"a\"=-x", "FILE:3: \"x\" behind the value has no meaning"},
       {start + "\"a\"=dword:", "FILE:3: \"dword:\" is followed by up to eight hexadecimal digits"},
-      {start + "\"a\"=dword:123456789", "FILE:3: \"9\" behind the value has no meaning"},
       {start + "\"a\"=hex(x):", "FILE:3: the type in \"hex(...)\" is no number"},
       {start + "\"a\"=hex(1)", "FILE:3: the \":\" behind \"hex\" is missing"},
-      {start + "\"a\"=hex:0g", "FILE:3: \"g\" behind the value has no meaning"},
       {start + "\"a\"=hex:,00", "FILE:3: \",00\" is no byte of two hexadecimal digits"},
       {start + "\"a\"=hex:00,", "FILE:3: the byte behind the last \",\" is missing"},
-      {start + "\"a\"=hex:00,\\\n  x", "FILE:4: \"x\" is no byte of two hexadecimal digits"},
       {start + "\"a\"=hex:00,\\", "FILE:4: the value goes on in no line"},
   };
   for (const auto& [text, problem] : cases) EXPECT_EQ(Read(text).problem, problem) << text;

@@ -34,6 +34,9 @@ TEST_F(ModRegistryTest, SavesTextWithItsNulUnderTheApplicationAndAStarForNoName)
   ASSERT_TRUE(store_.SaveAppSetting("", "Settings", "PortNum", "5"));
   EXPECT_EQ(registry_.Read(kUser, settings_, "PortNum"), TextValue(std::string("5\0", 2)));
   EXPECT_EQ(store_.GetAppSetting("", "settings", "portnum", "3"), "5");
+  RegistryValue value;
+  ASSERT_TRUE(store_.QueryValue(kUser, settings_, "PortNum", value));
+  EXPECT_EQ(value, TextValue("5"));
   ASSERT_TRUE(store_.SetStringValue(Hive::LocalMachine, "Run", "Wattlark", "x"));
   EXPECT_EQ(registry_.Read(Hive::LocalMachine, "Run", "Wattlark"), TextValue("x"));
   ASSERT_TRUE(store_.SaveAppSetting("", "S", "*", "unnamed"));
@@ -77,47 +80,6 @@ TEST_F(ModRegistryTest, DeleteAppSectionReachesThreeLevelsDown) {
   EXPECT_FALSE(store_.DeleteAppSection("", "KillAWatts"));
   EXPECT_TRUE(store_.KeyExists(kUser, top + "\\A\\B\\C\\D"));
   EXPECT_FALSE(store_.KeyExists(kUser, top + "\\Z"));
-}
-
-TEST_F(ModRegistryTest, EnumeratesKeysAndStrings) {
-  ASSERT_TRUE(store_.SetStringValue(kUser, "K\\second", "s", ""));
-  ASSERT_TRUE(registry_.Write(kUser, "K", "x", Bytes(RegistryType::Binary, "12")));
-  ASSERT_TRUE(registry_.Write(kUser, "K", "b", TextValue(std::string("B\0c", 3))));
-  ASSERT_TRUE(registry_.Write(kUser, "K", "e", Bytes(RegistryType::ExpandString, "E")));
-  ASSERT_TRUE(registry_.Write(kUser, "K", "a", TextValue("A")));
-  ASSERT_TRUE(registry_.CreateKey(kUser, "K\\first"));
-  Names keys{"replaced"};
-  EXPECT_TRUE(store_.EnumSubKeys(kUser, "K", keys));
-  EXPECT_EQ(keys, (Names{"second", "first"}));
-  EXPECT_FALSE(store_.EnumSubKeys(kUser, "K\\first", keys));
-  EXPECT_EQ(keys, Names{});
-
-  Names names{"kept"};
-  Names texts{"kept too"};
-  EXPECT_TRUE(store_.EnumStringValues(kUser, "K", names, texts));
-  EXPECT_EQ(names, (Names{"kept", "b", "a"}));
-  EXPECT_EQ(texts, (Names{"kept too", "B", "A"}));
-  EXPECT_TRUE(store_.EnumStringValues(kUser, "K\\first", names, texts));
-  EXPECT_FALSE(store_.EnumStringValues(kUser, "Missing", names, texts));
-  EXPECT_EQ(names.size(), 3U);
-}
-
-TEST_F(ModRegistryTest, QueryValueTakesOneNulFromTextsOnly) {
-  using Row = std::tuple<RegistryType, std::string, std::string>;
-  for (const auto& [type, stored, expected] :
-       {Row{RegistryType::String, std::string("a\0", 2), "a"}, Row{RegistryType::String, "a", "a"},
-        Row{RegistryType::String, "", ""},
-        Row{RegistryType::ExpandString, std::string("%a%\0", 4), "%a%"},
-        Row{RegistryType::MultiString, std::string("a\0b\0", 4), std::string("a\0b", 3)},
-        Row{RegistryType::Binary, std::string("\1\0", 2), std::string("\1\0", 2)}}) {
-    registry_.Write(kUser, "K", "v", Bytes(type, stored));
-    RegistryValue value;
-    ASSERT_TRUE(store_.QueryValue(kUser, "K", "v", value));
-    EXPECT_EQ(value, Bytes(type, expected));
-  }
-  RegistryValue value = Bytes(RegistryType::Binary, "kept");
-  EXPECT_FALSE(store_.QueryValue(kUser, "K", "missing", value));
-  EXPECT_EQ(value, Bytes(RegistryType::Binary, "kept"));
 }
 
 TEST_F(ModRegistryTest, MigrationCopiesTheStringsOfEveryOldSectionOnce) {

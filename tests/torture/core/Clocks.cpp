@@ -110,9 +110,9 @@ void Steps(Torture& torture) {
   // Seconds; those that daylight time takes are among them, and the last one is from the start of
   // all clocks to the present.
   const std::int64_t steps[] = {
-      1,        2,         4,         5,          59,         60,         61,           1800,
-      3599,     3600,      3601,      7200,       kDay / 2,   kDay - 1,   kDay,         kDay + 1,
-      7 * kDay, 30 * kDay, 31 * kDay, 365 * kDay, 366 * kDay, 400 * kDay, 20'773 * kDay};
+      1,        2,        3,         4,         5,          59,         60,         61,
+      1800,     3599,     3600,      3601,      7200,       kDay / 2,   kDay - 1,   kDay,
+      kDay + 1, 7 * kDay, 30 * kDay, 31 * kDay, 365 * kDay, 366 * kDay, 400 * kDay, 20'773 * kDay};
   for (const char* begin :
        {kBegin, "2026-11-14T23:59:30", "2026-11-30T23:59:30", "2026-12-31T23:59:30",
         "2028-02-28T23:59:30", "2028-02-29T23:59:30", "2100-02-28T23:59:30", "1970-01-01T00:00:00",
