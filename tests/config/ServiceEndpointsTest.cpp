@@ -16,13 +16,7 @@ TEST(ServiceEndpoints, AreThePublishedAddressesUntilStored) {
   ServiceEndpoints endpoints;
   endpoints.WebSiteURL = "http://left.over/";
   EXPECT_THAT(LoadServiceEndpoints(store, endpoints), IsEmpty());
-  EXPECT_EQ(endpoints.ClientLoginURL, "https://www.google.com/accounts/ClientLogin");
-  EXPECT_EQ(endpoints.SpreadsheetsFeedURL,
-            "http://spreadsheets.google.com/feeds/spreadsheets/private/full");
-  EXPECT_EQ(endpoints.TwitterUpdateURL, "https://twitter.com/statuses/update.xml");
   EXPECT_EQ(endpoints.PowerMeterFeedsURL, "https://www.google.com/powermeter/feeds");
-  EXPECT_EQ(endpoints.VersionFileURL, "");
-  EXPECT_EQ(endpoints.OnlineHelpURL, "");
   EXPECT_EQ(endpoints.WebSiteURL, "");
 
   store.SaveAppSetting("", "ServiceEndpoints", "TwitterUpdateURL", "http://127.0.0.1:8080/update");
