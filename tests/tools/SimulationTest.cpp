@@ -58,22 +58,6 @@ TEST(MeterModel, ReadsAsTheChosenWattsAndVoltsAtEveryPhase) {
   }
 }
 
-TEST(MeterModel, PhaseMovesOnFromBurstToBurstAsTheSeedHasIt) {
-  MeterModel meter(MeterSettings{}, 3);
-  MeterModel same(MeterSettings{}, 3);
-  MeterModel other(MeterSettings{}, 4);
-  std::uint16_t lowest = 1023;
-  std::uint16_t highest = 0;
-  for (int second = 0; second < 120; second += 2) {
-    const Burst burst = meter.TakeBurst(second);
-    lowest = std::min(lowest, burst.samples[0].voltage);
-    highest = std::max(highest, burst.samples[0].voltage);
-    EXPECT_EQ(EncodeFrame(burst), EncodeFrame(same.TakeBurst(second)));
-    EXPECT_NE(EncodeFrame(burst), EncodeFrame(other.TakeBurst(second)));
-  }
-  EXPECT_GT(highest - lowest, 400);
-}
-
 std::vector<MeterSettings> Meters(std::initializer_list<std::uint16_t> addresses) {
   std::vector<MeterSettings> meters;
   for (const std::uint16_t address : addresses) {
@@ -81,25 +65,6 @@ std::vector<MeterSettings> Meters(std::initializer_list<std::uint16_t> addresses
     meters.back().watts = 100;
   }
   return meters;
-}
-
-TEST(Schedule, HasEveryMeterOnceAPeriodInTurn) {
-  const struct {
-    std::size_t meters;
-    double period;
-    std::vector<std::int64_t> times;
-  } plans[] = {{1, 2.0, {0, 2000, 4000}},
-               {3, 2.0, {0, 250, 500, 2000, 2250, 2500, 4000}},
-               {4, 0.4, {0, 100, 200, 300, 400, 500}},
-               {10, 2.0, {0, 200, 400, 600, 800, 1000, 1200, 1400, 1600, 1800, 2000}},
-               {2, 0.75, {0, 250, 750, 1000, 1500}}};
-  for (const auto& plan : plans) {
-    Schedule schedule(plan.meters, plan.period);
-    for (std::size_t i = 0; i < plan.times.size(); ++i, schedule.Advance()) {
-      EXPECT_EQ(schedule.Next().meter, i % plan.meters);
-      EXPECT_EQ(schedule.Next().milliseconds, plan.times[i]);
-    }
-  }
 }
 
 // One byte each 2 ms makes a frame last 176 ms, longer than the 100 ms between two bursts.
@@ -121,18 +86,6 @@ TEST(Simulation, PiecesOfFramesNeverMixOnABusyLineAndARestartBeginsARound) {
     bytes.push_back(simulation.Next().bytes.at(0));
   }
   EXPECT_EQ(DecodedFrame(bytes).address, 5);
-}
-
-TEST(Simulation, UnknownAddressIsNoMetersEvenIfItsFirstChoiceIsTaken) {
-  const std::vector<MeterSettings> meters = Meters({0x7FFF, 0x7FFE, 7});
-  Simulation simulation(meters, LineSettings{0, 0, 1, 0}, 2.0, 1);
-  std::int64_t before = -1;
-  for (std::size_t i = 0; i < 12; ++i, simulation.Advance()) {
-    EXPECT_EQ(DecodedFrame(simulation.Next().bytes).address,
-              i % 2 == 0 ? 0x7FFD : meters[i / 2 % 3].address);
-    EXPECT_GT(simulation.Next().milliseconds, before);
-    before = simulation.Next().milliseconds;
-  }
 }
 
 TEST(SimulationCapture, HasEachSecondsBurstsThenItsTick) {
