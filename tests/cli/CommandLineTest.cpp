@@ -51,10 +51,9 @@ TEST_F(CommandLineTest, VersionAndHelpAreData) {
 TEST_F(CommandLineTest, ABadOneIsToldAndDoesNothing) {
   // Words are parted by one blank each: behind the last one there can be an empty one.
   for (const char* line :
-       {"reply", "--frobnicate", "--profile", "--profile ", "--device ", "--demo replay x.cap",
+       {"reply", "--frobnicate", "--profile ", "--device ", "--demo replay x.cap",
         "--headless meter list", "replay", "replay a.cap b.cap", "replay --csv  x.cap", "meter",
-        "meter rename a", "meter add --name Kitchen", "meter add --address 5", "setting",
-        "setting get", "setting set Mils", "setting set TwitterMessage -hello"}) {
+        "meter add --address 5", "setting set Mils", "setting set TwitterMessage -hello"}) {
     const CommandResult result = Run(Of(line));
     EXPECT_NE(result.messages, "") << line;
     ExpectRefused(result, "", ExitBadInput);
@@ -173,7 +172,14 @@ TEST_F(ManualTest, ManualAndCompletionHaveWhatTheHelpLists) {
   ExpectAllOf("");
 }
 
-TEST_F(ManualTest, CompletesWhatTheProfileHas) {
+TEST_F(ManualTest, CompletesAsFarAsTheWordsGoAndWithWhatTheProfileHas) {
+  EXPECT_THAT(Complete({"me"}), ElementsAre("meter"));
+  EXPECT_THAT(Complete({"meter", "add", "--type", ""}), ElementsAre("load", "generator"));
+  EXPECT_THAT(Complete({"meter", "add", "--name", ""}), IsEmpty());
+  EXPECT_THAT(Complete({"publish", "p"}), ElementsAre("pachube", "powermeter"));
+  EXPECT_THAT(Complete({"publish", "csv", ""}), IsEmpty());
+  EXPECT_THAT(Complete({"setting", "set", "--profile", profile_, "PortNum", "--", "-"}), IsEmpty());
+  EXPECT_FALSE(ProfileExists());
   AddKitchen();
   ExpectDone({"meter", "add", "--name", "Living room", "--address", "6"});
   EXPECT_THAT(Complete({"--profile", profile_, "meter", "remove", ""}),
@@ -181,17 +187,6 @@ TEST_F(ManualTest, CompletesWhatTheProfileHas) {
   EXPECT_THAT(Complete({"meter", "remove", "--profile=" + profile_, "K"}), ElementsAre("Kitchen"));
   EXPECT_THAT(Complete({"--profile", profile_, "setting", "get", "Service"}),
               IsSupersetOf({"ServiceState", "ServiceEndpoints/VersionFileURL"}));
-}
-
-TEST_F(ManualTest, CompletesAsFarAsTheWordsGo) {
-  EXPECT_THAT(Complete({"me"}), ElementsAre("meter"));
-  EXPECT_THAT(Complete({"meter", "add", "--type", ""}), ElementsAre("load", "generator"));
-  EXPECT_THAT(Complete({"meter", "add", "--name", ""}), IsEmpty());
-  EXPECT_THAT(Complete({"publish", "p"}), ElementsAre("pachube", "powermeter"));
-  EXPECT_THAT(Complete({"publish", "csv", ""}), IsEmpty());
-  EXPECT_THAT(Complete({"replay", ""}), IsEmpty());
-  EXPECT_THAT(Complete({"setting", "set", "--profile", profile_, "PortNum", "--", "-"}), IsEmpty());
-  EXPECT_FALSE(ProfileExists());
 }
 
 }  // namespace
