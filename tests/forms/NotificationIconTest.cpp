@@ -36,30 +36,19 @@ TEST_F(NotificationIconTest, TellsClicksApart) {
   auto* timer = icon.findChild<QTimer*>("tmrLeftButtonClick");
   auto* area = icon.findChild<QSystemTrayIcon*>("trayIcon");
   ASSERT_EQ(timer->interval(), 500);
-  struct Row {
-    const char* name;
-    std::vector<std::pair<int, Reason>> clicks;  ///< each after milliseconds
-    int shows, menus;
+  const auto elapse = [timer] {
+    if (timer->isActive()) QMetaObject::invokeMethod(timer, "timeout");
+    timer->stop();
   };
-  for (const auto& test :
-       {Row{"Single", {{0, Reason::Trigger}}, 0, 1},
-        Row{"Double", {{0, Reason::Trigger}, {200, Reason::DoubleClick}}, 1, 0},
-        Row{"DoubleAsTwoSingles", {{0, Reason::Trigger}, {499, Reason::Trigger}}, 1, 0},
-        Row{"TwoSlowSingles", {{0, Reason::Trigger}, {500, Reason::Trigger}}, 0, 2},
-        Row{"Middle", {{0, Reason::MiddleClick}}, 0, 0}}) {
+  using Row = std::tuple<std::vector<Reason>, int, int>;
+  for (const auto& [clicks, expectedShows, expectedMenus] :
+       {Row{{Reason::Trigger}, 0, 1}, Row{{Reason::Trigger, Reason::DoubleClick}, 1, 0},
+        Row{{Reason::Trigger, Reason::Trigger}, 1, 0}, Row{{Reason::MiddleClick}, 0, 0}}) {
     shows = menus = 0;
-    const auto elapse = [timer] {
-      if (!timer->isActive()) return;
-      timer->stop();
-      QMetaObject::invokeMethod(timer, "timeout");
-    };
-    for (const auto& [milliseconds, reason] : test.clicks) {
-      if (milliseconds >= 500) elapse();
-      emit area->activated(reason);
-    }
+    for (const Reason reason : clicks) emit area->activated(reason);
     elapse();
-    EXPECT_EQ(shows, test.shows) << test.name;
-    EXPECT_EQ(menus, test.menus) << test.name;
+    EXPECT_EQ(shows, expectedShows) << clicks.size();
+    EXPECT_EQ(menus, expectedMenus) << clicks.size();
   }
 }
 
@@ -72,11 +61,11 @@ TEST_F(NotificationIconTest, ShowsWhatChangedAndIsReachableOnlyInAnArea) {
   icon.LookForArea();
   EXPECT_TRUE(icon.IsReachable());
   const auto* area = icon.findChild<QSystemTrayIcon*>("trayIcon");
-  icon.Modify({"Current Power: 612.4 W\r\nToday: 3.200 kWh ($0.3392)", "KILLAWATT2"});
-  icon.Modify({"Current Power: 613.0 W\r\nToday: 3.200 kWh ($0.3392)", "KILLAWATT2"});
+  for (const char* power : {"612.4", "613.0"}) {
+    icon.Modify({std::string("Current Power: ") + power + " W\r\nToday: 3.200 kWh", "KILLAWATT2"});
+  }
   EXPECT_THAT(keys, testing::ElementsAre("KILLAWATT", "KILLAWATT2"));
-  EXPECT_EQ(area->toolTip(), "Current Power: 613.0 W\nToday: 3.200 kWh ($0.3392)");
-  EXPECT_EQ(area->contextMenu(), &menu);
+  EXPECT_EQ(area->toolTip(), "Current Power: 613.0 W\nToday: 3.200 kWh");
   icon.Delete();
   EXPECT_FALSE(icon.IsReachable());
   EXPECT_FALSE(area->isVisible());

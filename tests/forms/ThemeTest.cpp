@@ -24,15 +24,11 @@ Theme ThemeOf(const char* base, const char* window, const char* text) {
 }
 
 TEST(Theme, IsReadableAndQuietOnEveryPalette) {
-  using Row = std::tuple<const char*, const char*, const char*, const char*, bool>;
-  for (const auto& [name, base, window, text, isDark] :
-       {Row{"Light", "#ffffff", "#efefef", "#000000", false},
-        Row{"Pale", "#ffffff", "#ffffff", "#c8c8c8", false},
-        Row{"MiddleGrey", "#8a8a8a", "#808080", "#000000", false},
-        Row{"Dark", "#1b1e20", "#2a2e32", "#fcfcfc", true},
-        Row{"YellowOnBlack", "#000000", "#101010", "#ffff00", true},
-        Row{"DeepBlue", "#002b36", "#073642", "#839496", true}}) {
-    SCOPED_TRACE(name);
+  using Row = std::tuple<const char*, const char*, const char*, bool>;
+  for (const auto& [base, window, text, isDark] :
+       {Row{"#ffffff", "#ffffff", "#c8c8c8", false}, Row{"#8a8a8a", "#808080", "#000000", false},
+        Row{"#1b1e20", "#2a2e32", "#fcfcfc", true}, Row{"#002b36", "#073642", "#839496", true}}) {
+    SCOPED_TRACE(base);
     const Theme theme = ThemeOf(base, window, text);
     EXPECT_EQ(theme.isDark, isDark);
     for (const QColor& ground : {theme.base, theme.window}) {
@@ -49,17 +45,7 @@ TEST(Theme, IsReadableAndQuietOnEveryPalette) {
     for (const QColor& quiet : {theme.hairline, theme.zone, theme.selectedFill}) {
       EXPECT_GT(ContrastRatio(quiet, theme.base), 1.02);
       EXPECT_LT(ContrastRatio(quiet, theme.base), 2);
-      EXPECT_EQ(quiet.alpha(), 255);
     }
-  }
-}
-
-// White beside a dark grey: the best grey has about 3.5:1 on either.
-TEST(Theme, TakesTheMostReadableColorForGroundsThatAreFarApart) {
-  const Theme theme = ThemeOf("#ffffff", "#303030", "#808080");
-  for (const QColor& color : {theme.accent, theme.warning, theme.mutedText}) {
-    EXPECT_GE(ContrastRatio(color, theme.base), 3);
-    EXPECT_GE(ContrastRatio(color, theme.window), 3);
   }
 }
 
