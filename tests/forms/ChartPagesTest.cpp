@@ -47,7 +47,6 @@ TEST_F(RecentPageTest, PowerIsALineWithAlarmZonesAndEnergyFilledStepsBothWithGap
   const auto hasGap = [&graph](int place) { return std::isnan(graph.data()->at(place)->value); };
   EXPECT_EQ(Text(page, "elaRecentHeader"), "4 W (average)");
   EXPECT_EQ(graph.lineStyle(), QCPGraph::lsLine);
-  EXPECT_EQ(graph.brush().style(), Qt::NoBrush);
   EXPECT_TRUE(hasGap(2) && !hasGap(3) && hasGap(4));
   // No line leads to the value between the gaps: it is a dot.
   ASSERT_EQ(Graph(page, "loners").dataCount(), 1);
@@ -62,7 +61,6 @@ TEST_F(RecentPageTest, PowerIsALineWithAlarmZonesAndEnergyFilledStepsBothWithGap
   EXPECT_EQ(Text(page, "elaRecentHeader"), "20 Wh (total)");
   EXPECT_EQ(Settings().RecentUnit, 1);
   EXPECT_EQ(graph.lineStyle(), QCPGraph::lsStepLeft);
-  EXPECT_EQ(graph.brush().style(), Qt::SolidPattern);
   EXPECT_TRUE(hasGap(2) && !hasGap(3) && hasGap(4));
   EXPECT_EQ(Graph(page, "loners").dataCount(), 0);
   EXPECT_FALSE(lower.visible() || upper.visible());
@@ -71,12 +69,17 @@ TEST_F(RecentPageTest, PowerIsALineWithAlarmZonesAndEnergyFilledStepsBothWithGap
   EXPECT_EQ(Settings().RecentInterval, 0);
 }
 
-TEST_F(RecentPageTest, SpeaksOfThePointUnderThePointerOnlyAndAPointOfStepsIsTheWholeBar) {
-  AddMeterOfWeek({NoValue, 2000, 100, 100, 100, 100, 900});
+TEST_F(RecentPageTest, SpeaksOfThePointThatAnArrowKeyOrThePointerReachesAndABarIsAPointAsAWhole) {
+  AddMeterOfWeek({NoValue, 200, 300, NoValue, NoValue, 700, 900});
   RecentPage page(*monitor, selection);
   Show(page, {340, 400});
   QCustomPlot& chart = Chart(page);
+  EXPECT_TRUE(chart.focusPolicy() & Qt::TabFocus);
   const QSignalSpy spoken(&page, &RecentPage::hoverText);
+  for (const auto key : {Qt::Key_Left, Qt::Key_Left, Qt::Key_Left, Qt::Key_Left, Qt::Key_Left,
+                         Qt::Key_Right, Qt::Key_End, Qt::Key_Home}) {
+    QTest::keyClick(&chart, key);
+  }
   const auto move = [&](double slot, double value) {
     const double x = Graph(page, "values").data()->constBegin()->key + slot;
     QTest::mouseMove(
@@ -85,32 +88,17 @@ TEST_F(RecentPageTest, SpeaksOfThePointUnderThePointerOnlyAndAPointOfStepsIsTheW
   for (const auto& [slot, value] : {std::pair(5.5, 900), {6.0, 300}, {6.0, 890}}) {
     move(slot, value);
   }
-  EXPECT_THAT(Said(spoken), testing::ElementsAre("900.0 W (avg.) for Monday"));
   page.SetRecentUnit(1);
   Paint();
-  for (const auto& [slot, value] : {std::pair(6.0, 1500), {0.0, 1000}, {6.3, 200}}) {
+  for (const auto& [slot, value] : {std::pair(5.0, 900), {0.0, 100}, {6.3, 200}}) {
     move(slot, value);
-  }
-  EXPECT_EQ(Said(spoken).back(), "900.0 Wh (total) for Monday");
-  EXPECT_EQ(spoken.count(), 2);
-}
-
-TEST_F(RecentPageTest, ArrowKeysWalkFromPointToPoint) {
-  AddMeterOfWeek({NoValue, 200, 300, NoValue, NoValue, 700, 900});
-  RecentPage page(*monitor, selection);
-  Show(page);
-  QCustomPlot& chart = Chart(page);
-  EXPECT_TRUE(chart.focusPolicy() & Qt::TabFocus);
-  const QSignalSpy spoken(&page, &RecentPage::hoverText);
-  for (const auto key : {Qt::Key_Left, Qt::Key_Left, Qt::Key_Left, Qt::Key_Left, Qt::Key_Left,
-                         Qt::Key_Right, Qt::Key_Home, Qt::Key_End}) {
-    QTest::keyClick(&chart, key);
   }
   EXPECT_THAT(Said(spoken),
               testing::ElementsAre("900.0 W (avg.) for Monday", "700.0 W (avg.) for Sunday",
                                    "300.00 W (avg.) for Thursday", "200.00 W (avg.) for Wednesday",
-                                   "300.00 W (avg.) for Thursday", "200.00 W (avg.) for Wednesday",
-                                   "900.0 W (avg.) for Monday"));
+                                   "300.00 W (avg.) for Thursday", "900.0 W (avg.) for Monday",
+                                   "200.00 W (avg.) for Wednesday", "900.0 W (avg.) for Monday",
+                                   "900.0 Wh (total) for Monday"));
 }
 
 TEST_F(RecentPageTest, IsDrawnOnceForAnyNumberOfRefreshesAndNotWhileHidden) {
@@ -167,22 +155,16 @@ TEST_F(PacketPageTest, DrawsBothWaveformsEachOnItsOwnAxis) {
   clsKillAWatt& meter = AddMeter("Kitchen");
   Arrive(MeterFrame(1, {300, 512, 700, 512, 300}, {480, 498, 520, 498, 480}));
   EXPECT_EQ(Samples(page), 5);
-  EXPECT_EQ(Text(page, "elaPacketHeader"), "Sampled @ 8:10:00 PM");
   const QCPGraph& volts = Graph(page, "Volts");
   const QCPGraph& amps = Graph(page, "Amps");
+  EXPECT_NE(volts.valueAxis(), amps.valueAxis());
   for (const QCPGraph* graph : {&volts, &amps}) {
-    const QCPRange range = graph->valueAxis()->range();
-    EXPECT_EQ(range.lower, -range.upper);
     double key = 0;
     for (const QCPGraphData& point : *graph->data()) {
       EXPECT_EQ(point.key, ++key);
-      EXPECT_TRUE(range.contains(point.value));
+      EXPECT_TRUE(graph->valueAxis()->range().contains(point.value));
     }
   }
-  EXPECT_NE(volts.valueAxis(), amps.valueAxis());
-  EXPECT_EQ(volts.pen().style(), Qt::SolidLine);
-  EXPECT_EQ(amps.pen().style(), Qt::DashLine);
-
   // A reading without samples leaves the waveforms.
   meter.ProcessPacket(clsXBee(clock));
   clock.Advance(2000);
@@ -197,14 +179,11 @@ TEST_F(PacketPageTest, WaveformsOfAnotherMeterOrARemovedOneAreNotKept) {
   Arrive(MeterFrame(1, {300, 512, 700}, {480, 498, 520}));
   PacketPage page(*monitor, selection);
   Show(page);
-  selection.SelectTab(1);
-  ASSERT_EQ(Samples(page), 3);
-  selection.SelectTab(2);
-  EXPECT_EQ(Samples(page), 0);
-  EXPECT_EQ(Text(page, "elaPacketHeader"), "No Data");
+  for (const int tab : {1, 2, 1}) {
+    selection.SelectTab(tab);
+    EXPECT_EQ(Samples(page), tab == 1 ? 3 : 0);
+  }
   monitor->Profile().Meters().Remove(office);
-  selection.RefreshTabs();
-  ASSERT_EQ(Samples(page), 3);
   monitor->Profile().Meters().Remove(kitchen);
   AddMeter("Cellar");
   EXPECT_EQ(Samples(page), 0);

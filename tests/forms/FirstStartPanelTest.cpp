@@ -87,11 +87,6 @@ TEST_F(FirstStartWindow, AHeardMeterIsAddedWithItsAddress) {
   EXPECT_FALSE(Shows("FirstStartPanel"));
 }
 
-TEST_F(FirstStartWindow, OnlyAProfileWithoutMetersIsGuided) {
-  StartHere(1);
-  EXPECT_FALSE(Shows("FirstStartPanel"));
-}
-
 TEST_F(FirstStartWindow, DevicesComeAndGoWithoutARestart) {
   connected.clear();
   StartHere();
