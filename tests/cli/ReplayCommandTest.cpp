@@ -108,10 +108,9 @@ TEST_F(ReplayCommand, StandardInputIsACaptureAndMayHaveNoEvents) {
   EXPECT_EQ(json["meters"], nlohmann::json::array());
   EXPECT_TRUE(json["total"]["Timestamp"].is_null());
   EXPECT_FALSE(ProfileExists());
-  AddKitchen();
   WriteTwoReadings();
   const CommandResult fromInput = RunHere({"replay", "--json", "-"}, FileBytes(capture_));
-  EXPECT_EQ(fromInput.output, Replay({"--json"}).output);
+  EXPECT_EQ(fromInput.Json()["frames"]["completed"], 2);
 }
 
 TEST_F(ReplayCommand, SaveCarriesTheTotalsOn) {

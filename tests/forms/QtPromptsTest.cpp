@@ -47,13 +47,17 @@ TEST(QtPrompts, TheAnswerComesFromTheButton) {
   }
 }
 
-TEST(QtPrompts, ShowCaptionIconAndMarkUpAsText) {
+TEST(QtPrompts, ShowCaptionIconAndMarkUpAsTextAndBelongToTheDialogThatIsOpen) {
+  QDialog dialog;
+  dialog.setModal(true);
+  dialog.show();
   const std::string hostile = "Another meter has the name \"<img src='file:///etc/passwd'><b>x\".";
   Ask({hostile + "\r\nSecond", "Duplicate ID", PromptIcon::Exclamation}, [&](QMessageBox& box) {
     EXPECT_EQ(box.windowTitle(), "Duplicate ID");
     EXPECT_EQ(box.textFormat(), Qt::PlainText);
     EXPECT_EQ(box.text().remove(QChar(0x200B)).toStdString(), hostile + "\nSecond");
     EXPECT_EQ(box.icon(), QMessageBox::Warning);
+    EXPECT_EQ(box.parentWidget(), &dialog);
   });
   Ask({"Text", "", PromptIcon::Information},
       [](QMessageBox& box) { EXPECT_EQ(box.icon(), QMessageBox::Information); });

@@ -147,14 +147,13 @@ TEST_F(frmEditKillAWattTest, LimitBoxesDiscardTypedLettersButNotPastedOnes) {
 }
 
 TEST_F(frmEditKillAWattTest, TotalKeepsWhatItsMetersDecide) {
-  total.SetName("Total");
   total.SetXBeeAddress(5);  // also a meter's
   form.SetKillAWatt(total);
   for (const char* name : {"txtXBeeAddress", "cboVoltage", "cboFrequency", "cboKillAWattType"}) {
     EXPECT_FALSE(Find(form, name).isEnabled()) << name;
   }
-  EXPECT_TRUE(Box("txtName").isEnabled());
   AlarmBox().setChecked(true);
+  Fill("txtName", "Sum");
   Fill("txtAlarmLimit0", "3000");
   Click(form, "cmdOK");
   EXPECT_TRUE(prompts.asked.empty());

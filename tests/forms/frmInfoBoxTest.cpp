@@ -2,6 +2,7 @@
 #include <sys/stat.h>
 
 #include <QTimer>
+#include <optional>
 
 #include "app/forms/frmInfoBox.h"
 #include "forms/FormChecks.h"
@@ -77,7 +78,8 @@ TEST_F(frmInfoBoxTest, SavesTheTextByteByByteOrTellsWhyAndKeepsTheFile) {
   const std::string pipe = folder.File("pipe");
   ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
   for (const std::string& other : {pipe, file}) {
-    const FileSizeLimit full;
+    std::optional<FileSizeLimit> full;
+    if (other == file) full.emplace();
     prompts.chosenFile = other;
     prompts.asked.clear();
     Click(form, "cmdSave");
