@@ -172,7 +172,8 @@ TEST_F(PacketPageTest, DrawsBothWaveformsEachOnItsOwnAxis) {
 
 TEST_F(PacketPageTest, WaveformsOfAnotherMeterOrARemovedOneAreNotKept) {
   const clsKillAWatt& kitchen = AddMeter("Kitchen");
-  const clsKillAWatt& office = AddMeter("Office");
+  clsKillAWatt& office = AddMeter("Office");
+  Read(office, 120, 1, 100);  // without samples
   Arrive(MeterFrame(1, {300, 512, 700}, {480, 498, 520}));
   PacketPage page(*monitor, selection);
   Show(page);
