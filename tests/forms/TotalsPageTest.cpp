@@ -26,6 +26,8 @@ TEST_F(TotalsPageTest, ShowsAllPeriodsInTheUnitThatIsChosen) {
   const QRect last = grid.visualItemRect(grid.item(PeriodCount, 1));
   EXPECT_LE(last.bottom(), grid.viewport()->height());
   EXPECT_LE(last.right(), grid.viewport()->width());
+  EXPECT_EQ(Cell(page, 1, 0), "Yesterday");
+  EXPECT_EQ(Cell(page, 0, 1), "Total Production");
   EXPECT_EQ(Cell(page, 2, 1), "4.800 lbs");
   Click(page, "elaTotalUnit0");
   EXPECT_EQ(Cell(page, 0, 1), "Peak Power Demand");

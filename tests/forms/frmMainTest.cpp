@@ -150,6 +150,7 @@ TEST_F(MainWindowTest, TheMessageInTheMainAreaIsDoubleClicked) {
   EXPECT_TRUE(timer.isActive() && timer.isSingleShot()) << "a second from the end of a tick";
   EXPECT_EQ(timer.interval(), 1000);
   auto& area = Control<MainArea>("elaWindow");
+  EXPECT_EQ(area.Caption(), "Unable to communicate on COM3:\r\nDouble click to modify settings...");
   QTest::mouseDClick(&area, Qt::LeftButton);
   EXPECT_EQ(optionsShown, 1);
 
