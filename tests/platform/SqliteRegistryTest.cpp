@@ -1,11 +1,7 @@
-#include <vector>
-
 #include "platform/OpenStoreFixture.h"
 
 namespace wattlark {
 namespace {
-
-using testing::ElementsAre;
 
 /// A store that two processes have open.
 struct SqliteRegistryTest : OpenedStoreTest {
@@ -16,33 +12,9 @@ struct SqliteRegistryTest : OpenedStoreTest {
     const auto value = store_->Read(kUser, path, name);
     return value ? std::string(value->data.begin(), value->data.end()) : "(missing)";
   }
-  std::vector<std::string> ValueNames(const std::string& path) {
-    std::vector<std::string> names;
-    for (const auto& value : store_->Values(kUser, path)) names.push_back(value.name);
-    return names;
-  }
 
   std::unique_ptr<Registry> other_ = Open().registry;
 };
-
-TEST_F(SqliteRegistryTest, EnumeratesInOrderOfCreationInTheFirstSpelling) {
-  for (const char* name : {"zebra", "Küche", "Mango", "ZEBRA", "kÜCHE"}) {
-    ASSERT_TRUE(store_->CreateKey(kUser, std::string("Top\\") + name));
-    ASSERT_TRUE(WriteText("\\TOP\\\\", name, name));
-  }
-  Reopen();
-  EXPECT_THAT(store_->SubKeys(kUser, ""), ElementsAre("Top"));
-  EXPECT_THAT(store_->SubKeys(kUser, "Top"), ElementsAre("zebra", "Küche", "Mango"));
-  EXPECT_THAT(ValueNames("tOP"), ElementsAre("zebra", "Küche", "Mango"));
-  EXPECT_EQ(ReadText("Top", "Zebra"), "ZEBRA");
-  ASSERT_FALSE(store_->DeleteKey(kUser, "Top"));
-  ASSERT_TRUE(store_->DeleteKey(kUser, "Top\\zebra"));
-  ASSERT_TRUE(store_->DeleteValue(kUser, "Top", "zebra"));
-  ASSERT_TRUE(store_->CreateKey(kUser, "Top\\zebra"));
-  ASSERT_TRUE(WriteText("Top", "zebra", "3"));
-  EXPECT_THAT(store_->SubKeys(kUser, "Top"), ElementsAre("Küche", "Mango", "zebra"));
-  EXPECT_THAT(ValueNames("Top"), ElementsAre("Küche", "Mango", "zebra"));
-}
 
 TEST_F(SqliteRegistryTest, FailedWritesChangeNothingAndSayWhy) {
   ASSERT_TRUE(WriteText("A", "v", "before"));
@@ -62,34 +34,32 @@ TEST_F(SqliteRegistryTest, FailedWritesChangeNothingAndSayWhy) {
 }
 
 TEST_F(SqliteRegistryTest, WhatFailsInATransactionFailsAllOfItAndTheNextOneWorks) {
-  enum Failing { TheCommit, ItOfProgress, AWrite };
-  for (const Failing failing : {TheCommit, ItOfProgress, AWrite}) {
-    ASSERT_TRUE(WriteText("A", "v", "before"));
+  ASSERT_TRUE(WriteText("A", "v", "before"));
+  for (const bool isProgress : {false, true}) {
     ASSERT_TRUE(store_->Begin());
-    if (failing == ItOfProgress) store_->MarkProgress();
+    if (isProgress) store_->MarkProgress();
     ASSERT_TRUE(WriteText("A", "v", "after"));
-    {
-      const FileSizeLimit limit;
-      if (failing == AWrite) {
-        WriteText("A", "big", std::string(3'000'000, 'x'));
-        EXPECT_FALSE(WriteText("A", "big2", std::string(40'000'000, 'x')));
-      } else {
-        EXPECT_FALSE(store_->Commit());
-      }
-    }
-    if (failing == AWrite) {
-      EXPECT_FALSE(WriteText("A", "w", "after"));
-      EXPECT_FALSE(store_->Commit());
-    }
-    EXPECT_NE(store_->ErrorText(), "");
+    const FileSizeLimit limit;
+    EXPECT_FALSE(store_->Commit());
     EXPECT_EQ(ReadText("A", "v"), "before");
-    ASSERT_TRUE(store_->Begin());
-    EXPECT_TRUE(WriteText("A", "v", "later"));
-    EXPECT_TRUE(store_->Commit());
-    Reopen();
-    EXPECT_THAT(ValueNames("A"), ElementsAre("v"));
-    EXPECT_EQ(ReadText("A", "v"), "later");
   }
+  ASSERT_TRUE(store_->Begin());
+  ASSERT_TRUE(WriteText("A", "v", "after"));
+  {
+    const FileSizeLimit limit;
+    WriteText("A", "big", std::string(3'000'000, 'x'));
+    EXPECT_FALSE(WriteText("A", "big2", std::string(40'000'000, 'x')));
+  }
+  EXPECT_FALSE(WriteText("A", "w", "after"));
+  EXPECT_FALSE(store_->Commit());
+  EXPECT_NE(store_->ErrorText(), "");
+  EXPECT_EQ(ReadText("A", "v"), "before");
+  ASSERT_TRUE(store_->Begin());
+  EXPECT_TRUE(WriteText("A", "v", "later"));
+  EXPECT_TRUE(store_->Commit());
+  Reopen();
+  EXPECT_EQ(store_->Values(kUser, "A").size(), 1U);
+  EXPECT_EQ(ReadText("A", "v"), "later");
 }
 
 TEST_F(SqliteRegistryTest, AWriteAgainstAnOpenTransactionFailsWithText) {
