@@ -25,21 +25,24 @@ struct CSVLogger : WebLoggerTest {
   TemporaryFolder folder;
 };
 
-TEST_F(CSVLogger, WritesAHeaderAndOneLineARun) {
+TEST_F(CSVLogger, WritesAHeaderToAnEmptyFileAndWhenTheMetersChanged) {
   EXPECT_TRUE(Log().success) << "without meters";
   EXPECT_EQ(File(), "Timestamp\r\n11/16/2026 8:10:00 PM\r\n");
-  WriteFile(settings.CSVFilename, "");  // emptied, it gets a header again
-  AddWithReading("A", 5, 123.456);
+  WriteFile(settings.CSVFilename, "");
+  AddWithReading("A, \"x\"", 5, 123.456);
   AddWithReading("B", 6, 12345);
   Add("silent", 7);
-  const PublishResult result = Log();
-  EXPECT_TRUE(result.success);
-  EXPECT_EQ(result.text, "CSV file: Updated 11/16/2026 8:10:00 PM");
-  EXPECT_EQ(File(), "Timestamp, A, B, silent\r\n11/16/2026 8:10:00 PM, 123.46, 12345, \r\n");
+  EXPECT_EQ(Log().text, "CSV file: Updated 11/16/2026 8:10:00 PM");
   Log("2026-11-17T00:05:00");
-  EXPECT_EQ(File(),
-            "Timestamp, A, B, silent\r\n11/16/2026 8:10:00 PM, 123.46, 12345, \r\n"
-            "11/17/2026 12:05:00 AM, 123.46, 12345, \r\n");
+  const std::string header = "Timestamp, A, \"x\", B, silent\r\n";
+  const std::string rows =
+      "11/16/2026 8:10:00 PM, 123.46, 12345, \r\n11/17/2026 12:05:00 AM, 123.46, 12345, \r\n";
+  EXPECT_EQ(File(), header + rows);
+  settings.CSVFileChanged = true;
+  Log();
+  EXPECT_FALSE(settings.CSVFileChanged);
+  Log("2026-11-17T00:05:00");
+  EXPECT_EQ(File(), header + rows + header + rows);
 }
 
 TEST_F(CSVLogger, WritesAveragesOverItsIntervalInTheFormsOfTheRegion) {
@@ -51,31 +54,13 @@ TEST_F(CSVLogger, WritesAveragesOverItsIntervalInTheFormsOfTheRegion) {
   EXPECT_EQ(File(), "Timestamp, Küche, no history\r\n16.11.2026 20:15:00, 1234,5, \r\n");
 }
 
-TEST_F(CSVLogger, WritesANewHeaderWhenTheMetersChanged) {
-  WriteFile(settings.CSVFilename, "earlier\r\n");
-  AddWithReading("A, \"x\"", 5, 100);
-  Log();
-  EXPECT_EQ(File(), "earlier\r\n11/16/2026 8:10:00 PM, 100.00\r\n") << "a restart goes on";
-  settings.CSVFileChanged = true;
-  Log();
-  EXPECT_FALSE(settings.CSVFileChanged);
-  Log();
-  EXPECT_EQ(File(),
-            "earlier\r\n11/16/2026 8:10:00 PM, 100.00\r\n"
-            "Timestamp, A, \"x\"\r\n11/16/2026 8:10:00 PM, 100.00\r\n"
-            "11/16/2026 8:10:00 PM, 100.00\r\n");
-}
-
 TEST_F(CSVLogger, TellsWhyItCannotOpenTheFile) {
-  for (const std::string& file : {folder.File("none/x.csv"), folder.Path(), std::string()}) {
-    settings.CSVFilename = file;
-    settings.CSVFileChanged = true;
-    const PublishResult result = Log();
-    EXPECT_FALSE(result.success) << file;
-    EXPECT_THAT(result.text, testing::StartsWith("Error Writing Log File - "));
-    EXPECT_GT(result.text.size(), 30U) << "and the reason: " << result.text;
-    EXPECT_TRUE(settings.CSVFileChanged) << "the header is still to be written";
-  }
+  settings.CSVFilename = folder.File("none/x.csv");
+  settings.CSVFileChanged = true;
+  const PublishResult result = Log();
+  EXPECT_FALSE(result.success);
+  EXPECT_EQ(result.text, "Error Writing Log File - No such file or directory");
+  EXPECT_TRUE(settings.CSVFileChanged) << "the header is still to be written";
 }
 
 struct PachubeLogger : WebLoggerTest {
@@ -105,23 +90,21 @@ std::string Data(const char* id, const char* value) {
 
 TEST_F(PachubeLogger, PutsOneStreamForEveryMeter) {
   AddWithReading("A", 1, 100);
-  AddWithReading("B", 2, 250.5);
+  AddWithReading("B", 2, 200.0 / 3);
   http.answers = {{" "}};
   const PublishResult result = Log();
   EXPECT_TRUE(result.success);
   EXPECT_EQ(result.text, "Pachube: Updated 11/16/2026 8:10:00 PM");
   EXPECT_THAT(http.requests, ElementsAre(ScriptedHttp::Request{
                                  "http://api.pachube.com/api/feeds/1234.xml?key=thekey", "PUT",
-                                 kStart + Data("1", "100") + Data("2", "250.5") + kEnd,
+                                 kStart + Data("1", "100") + Data("2", "66.6666666666667") + kEnd,
                                  "Content-Type: application/atom+xml"}));
   EXPECT_EQ(runner.State().ProgressText, "Posting data...");
 }
 
 TEST_F(PachubeLogger, LeavesOutMetersWithoutAValueOrAnAverageOverItsInterval) {
-  EXPECT_EQ(PachubeDocument(settings, meters, region, false), std::string(kStart) + kEnd);
   Add("silent", 3);
   AddWithReading("B", 2, 0);
-  EXPECT_EQ(PachubeDocument(settings, meters, region, false), kStart + Data("2", "0") + kEnd);
   AddWithReading("A", 4, 1250.5).Statistics().SetDemandRecent(Hour, Entries(60, 200.25));
   EXPECT_EQ(PachubeDocument(settings, meters, Germany(), false),
             kStart + Data("2", "0") + Data("4", "1250,5") + kEnd);
@@ -140,14 +123,10 @@ TEST_F(PachubeLogger, NamesTheFirstInvalidSetting) {
 TEST_F(PachubeLogger, TakesOneBlankForSuccessAndNothingElse) {
   using Row = std::pair<ScriptedAnswer, const char*>;
   for (const auto& [answer, quote] :
-       {Row{{""}, ""}, Row{{"  "}, "  "}, Row{{"<error>401\tno</error>"}, "<error>401 no</error>"},
-        Row{{"", 6, "Connection refused", HttpState::Error}, ""},
-        Row{{" ", 2, "", HttpState::Error}, " "}, Row{{"\xEF\xBB\xBF "}, "\xEF\xBB\xBF "},
+       {Row{{"  "}, "  "}, Row{{" ", 6, "Connection refused", HttpState::Error}, " "},
         Row{{"no feed for 1234.xml?key=thekey"}, "no feed for 1234.xml?key=****"}}) {
     http.answers = {answer};
-    const PublishResult result = Log();
-    EXPECT_FALSE(result.success);
-    EXPECT_EQ(result.text, std::string("Pachube: Error Returned >> ") + quote);
+    EXPECT_EQ(Log().text, std::string("Pachube: Error Returned >> ") + quote);
   }
   EXPECT_THAT(shown, ElementsAre("Connection refused"));
 }
@@ -193,30 +172,23 @@ TEST_F(PowerMeterLogger, PostsTheEnergyOfTheInterval) {
 }
 
 TEST_F(PowerMeterLogger, ReadsTheAuthenticationInfo) {
-  const std::pair<const char*, const char*> cases[] = {{"path=/p&token=a&", "/p&token=a&.d1"},
-                                                       {"token=a&token=b&path= /p \r\n", "/p.d1"},
-                                                       {"\r\ntoken=a&b\r\npath=/p\r\n", "/p.d1"}};
-  for (const auto& [info, path] : cases) {
-    const auto authorization = ParsePowerMeterAuthInfo(info);
-    ASSERT_TRUE(authorization) << info;
-    EXPECT_EQ(authorization->token, "a") << info;
-    EXPECT_EQ(authorization->variablePath, path) << info;
-  }
-  for (const char* info : {"", "token=a&", "token=a&path=", "token=a&path= \r\n ", "token=&path=/p",
-                           "path=/p&token=a", "Token=a&Path=/p", "token=a\r\nHost: b&path=/p",
-                           "token=a\"b&path=/p", "token=a&path=/p\r\nq"}) {
+  const auto authorization = ParsePowerMeterAuthInfo("\r\ntoken=a&token=b\r\n&path= /p \r\n");
+  ASSERT_TRUE(authorization);
+  EXPECT_EQ(authorization->token, "a");
+  EXPECT_EQ(authorization->variablePath, "/p.d1");
+  for (const char* info :
+       {"token=a&", "token=a&path= \r\n ", "token=&path=/p", "path=/p&token=a",
+        "token=a\r\nHost: b&path=/p", "token=a\"b&path=/p", "token=a&path=/p\r\nq"}) {
     EXPECT_FALSE(ParsePowerMeterAuthInfo(info)) << info;
   }
 }
 
-TEST_F(PowerMeterLogger, SendsNothingWithoutAuthorizationOrUsage) {
+TEST_F(PowerMeterLogger, TellsWhatIsMissingOrWasReturned) {
   EXPECT_EQ(Log().text, "Wattlark: No usage data for the interval");
   settings.PowerMeterAuthInfo = "token=a";
   EXPECT_EQ(Log().text, "Wattlark: Invalid Google PowerMeter authentication info");
   EXPECT_THAT(http.requests, IsEmpty());
-}
-
-TEST_F(PowerMeterLogger, TellsWhatWasReturned) {
+  settings.PowerMeterAuthInfo = kInfo;
   UseWatts(1);
   settings.GoogleAuthToken = "other";
   http.answers = {{"Token TOKENVALUE is invalid\r\n"}, {"", 5, "Cut", HttpState::Error}};

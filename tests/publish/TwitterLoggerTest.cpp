@@ -53,29 +53,22 @@ TEST_F(TwitterLoggerTest, ReplacesEveryCodeAndEncodesWhatAFormReaderWouldMistake
   meter.Statistics().SetUsage(Yesterday, NoValue);
   using Row = std::pair<const char*, const char*>;
   for (const auto& [messageTemplate, text] :
-       {Row{"%T", "11/16/2026 8:10:00 PM"}, Row{"%W and %W", "1.5000 kW and 1.5000 kW"},
-        Row{"%Y/%D", "--- Wh/0.00 Wh"}, Row{"%P", "1.5000 kW"}, Row{"%N%N", "KitchenKitchen"},
-        Row{"%w %n %X %", "%w %n %X %"}, Row{"%%W", "%1.5000 kW"}}) {
+       {Row{"%T %P", "11/16/2026 8:10:00 PM 1.5000 kW"}, Row{"%Y/%D", "--- Wh/0.00 Wh"},
+        Row{"%N%N", "KitchenKitchen"}, Row{"%w %X % %%W", "%w %X % %1.5000 kW"}}) {
     EXPECT_EQ(Text(messageTemplate), text);
   }
   meter.SetName("%T %W %N");
   EXPECT_EQ(Text("%N"), "%T %W %N") << "codes in a later replacement";
-  using Row = std::pair<const char*, const char*>;
-  for (const auto& [message, body] : {Row{"as it is: ü; /?#'\"<>", "status=as it is: ü; /?#'\"<>"},
-                                      Row{"100 % & 1+1=2", "status=100 %25 %26 1%2B1%3D2"},
-                                      Row{"a\r\nb\tc\x7F", "status=a%0D%0Ab%09c%7F"}}) {
-    EXPECT_EQ(TwitterBody(message), body);
-  }
+  EXPECT_EQ(TwitterBody("ü; /?#'\"<> 100 % & 1+1=2\n\x7F"),
+            "status=ü; /?#'\"<> 100 %25 %26 1%2B1%3D2%0A%7F");
   EXPECT_EQ(TwitterAddress("http://127.0.0.1:81/x?a=http://b/", "me@home", "p:w/"),
             "http://me@home:p:w%2F@127.0.0.1:81/x?a=http://b/");
 }
 
 TEST_F(TwitterLoggerTest, TellsHowAPostFailedAndNothingOfMissingCredentials) {
   using Row = std::pair<ScriptedAnswer, const char*>;
-  for (const auto& [answer, text] :
-       {Row{{"", 99, "Timeout", HttpState::Error}, "Twitter: Invalid or no response"},
-        Row{{"<html>500</html>"}, "Twitter: Invalid or no response"},
-        Row{{kRefused}, "Twitter: Bad username or password"}}) {
+  for (const auto& [answer, text] : {Row{{"<html>500</html>"}, "Twitter: Invalid or no response"},
+                                     Row{{kRefused}, "Twitter: Bad username or password"}}) {
     http.answers = {answer};
     const PublishResult result = Post();
     EXPECT_FALSE(result.success);
@@ -88,7 +81,7 @@ TEST_F(TwitterLoggerTest, TellsHowAPostFailedAndNothingOfMissingCredentials) {
   EXPECT_EQ(Post(false).text, "");
   EXPECT_THAT(prompts.signIns,
               ElementsAre(ScriptedPrompts::SignInAsked{"Twitter Login", "name", ""}));
-  EXPECT_EQ(http.requests.size(), 3U) << "those that failed";
+  EXPECT_EQ(http.requests.size(), 2U) << "those that failed";
   EXPECT_EQ(settings.TwitterUsername, "name");
 }
 
