@@ -46,15 +46,13 @@ TEST_F(RecentChart, SlotsEndWithTheLastReading) {
   EXPECT_EQ(View(0, Week).x.back(), 17121) << "the present, before the first reading";
   using Row = std::tuple<const char*, int, std::size_t, std::int64_t, const char*, const char*>;
   for (const auto& [time, interval, count, last, firstLabel, lastLabel] :
-       {Row{"2026-11-16T20:09:51", 0, 60, 1479326992, "08:08:53PM", "08:09:52PM"},
-        Row{"2026-11-16T20:09:51.999", 1, 60, 24655450, "07:11PM", "08:10PM"},
+       {Row{"2026-11-16T20:09:51.999", 1, 60, 24655450, "07:11PM", "08:10PM"},
         Row{"2026-11-16T20:09:51", 2, 24, 410925, "10PM", "09PM"},
         Row{"2026-11-16T20:09:51", 3, 7, 17121, "Tue", "Mon"},
         Row{"2026-11-16T20:09:51", 4, 31, 17121, "17Oct", "16Nov"},
         Row{"2026-11-16T20:09:51", 5, 12, 562, "Dec25", "Nov26"},
         // Across noon, midnight, a leap day and the base of the count.
         Row{"2026-11-16T12:00:30", 0, 60, 1479297631, "11:59:32AM", "12:00:31PM"},
-        Row{"2026-11-16T23:59:59", 2, 24, 410928, "01AM", "12AM"},
         Row{"2024-03-01T00:00:00", 4, 31, 16131, "31Jan", "01Mar"},
         Row{"1980-01-01T00:00:00", 5, 12, 0, "Feb79", "Jan80"}}) {
     meter.Statistics().SetTimestamp(At(time));
@@ -74,17 +72,12 @@ TEST_F(RecentChart, SlotsEndWithTheLastReading) {
 TEST(RecentSlotTime, HasNoneOutsideTheCalendar) {
   for (int interval = 0; interval < IntervalCount; ++interval) {
     for (const std::int64_t x :
-         {std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max(),
-          std::int64_t{-400'000'000'000}, std::int64_t{400'000'000'000}}) {
-      EXPECT_TRUE(RecentSlotTime(interval, x).IsNever()) << interval << " " << x;
-      EXPECT_EQ(RecentAxisLabel(interval, x, kUnitedStates), "");
+         {std::numeric_limits<std::int64_t>::min(), std::int64_t{400'000'000'000}}) {
+      EXPECT_EQ(RecentAxisLabel(interval, x, kUnitedStates), "") << interval << " " << x;
     }
   }
-  constexpr std::int64_t kMonths = 12;
-  EXPECT_TRUE(RecentSlotTime(Year, -1979 * kMonths - 1).IsNever());
-  EXPECT_EQ(RecentSlotTime(Year, -1979 * kMonths), At("0001-01-01T00:00:00"));
-  EXPECT_EQ(RecentSlotTime(Year, 8019 * kMonths + 11), At("9999-12-01T00:00:00"));
-  EXPECT_TRUE(RecentSlotTime(Year, 8020 * kMonths).IsNever());
+  EXPECT_TRUE(RecentSlotTime(Year, -1979 * 12 - 1).IsNever());
+  EXPECT_EQ(RecentSlotTime(Year, -1979 * 12), At("0001-01-01T00:00:00"));
 }
 
 TEST(RecentHoverText, TellsValueAndTime) {
@@ -96,9 +89,7 @@ TEST(RecentHoverText, TellsValueAndTime) {
         Row{3, 3, 17121, 3.35, "3.350 lbs (total) for Monday"},
         Row{0, 4, 17121, 1500, "1.5000 kW (avg.) for Mon Nov 16, 2026"},
         Row{1, 5, 562, 72000, "72.00 kWh (total) for November 2026"},
-        Row{0, 3, 17121, NoValue, "--- W (avg.) for Monday"},
         Row{2, 3, 17121, NoValue, " (total) for Monday"},
-        Row{3, 3, 17121, NoValue, "--- lbs (total) for Monday"},
         Row{9, 9, 1479326992, 601.2, "601.2 W (avg.) @ 8:09:52 PM"}}) {
     EXPECT_EQ(RecentHoverText(unit, interval, x, value, kUnitedStates), text);
   }
@@ -113,9 +104,7 @@ TEST_F(RecentChart, DrawsPowerAsALineWithItsAlarmZones) {
   EXPECT_FALSE(view.filledSteps);
   EXPECT_EQ(view.axisTitle, "W");
   EXPECT_EQ(view.header, "150 W (average)");  // 450.4 over three
-  // A choice that is none is the first.
-  EXPECT_EQ(View(7, 99).x.size(), 60U);
-  EXPECT_EQ(View(7, 99).axisTitle, "W");
+  EXPECT_EQ(View(7, 99).x.size(), 60U) << "a choice that is none is the first";
   MeterAlarm& alarm = meter.Alarm();
   alarm.SetAlarmLowerLimit(100);
   alarm.SetAlarmUpperLimit(1500);
@@ -173,52 +162,41 @@ TEST(PacketChart, ShowsThePacketOrWhenThereWasOne) {
   EXPECT_EQ(view().header, "Sampled @ 20:10:00");
 }
 
-void ExpectScale(const ValueScale& scale, const ValueScale& expected) {
-  EXPECT_DOUBLE_EQ(scale.lower, expected.lower);
-  EXPECT_DOUBLE_EQ(scale.upper, expected.upper);
-  EXPECT_DOUBLE_EQ(scale.step, expected.step);
-}
-
 TEST(ChartScale, CoversTheValuesWithRoundNumbers) {
-  constexpr double kInfinity = std::numeric_limits<double>::infinity();
   constexpr double kLargest = std::numeric_limits<double>::max();
   using Row = std::tuple<double, double, int, ValueScale>;
   for (const auto& [minimum, maximum, steps, scale] :
-       {Row{400, 980, 4, {0, 1000, 250}}, Row{0, 1000, 4, {0, 1000, 250}},
-        Row{0, 1001, 4, {0, 1500, 500}}, Row{0, 0.3, 3, {0, 0.3, 0.1}},
-        Row{-120, 90, 4, {-200, 100, 100}}, Row{-80, -20, 4, {-80, 0, 20}},
-        Row{0, 7e-7, 4, {0, 8e-7, 2e-7}},
+       {Row{0, 1000, 4, {0, 1000, 250}}, Row{400, 1001, 4, {0, 1500, 500}},
+        Row{0, 0.3, 3, {0, 0.3, 0.1}}, Row{-120, 90, 4, {-200, 100, 100}},
+        Row{-80, -20, 4, {-80, 0, 20}},
         // Nothing to cover.
-        Row{0, 0, 4, {0, 1, 0.25}}, Row{kInfinity, NAN, 4, {0, 1, 0.25}},
-        Row{-kLargest, kLargest, 4, {0, 1, 0.25}}}) {
-    SCOPED_TRACE(maximum);
-    ExpectScale(MakeValueScale(minimum, maximum, steps), scale);
+        Row{INFINITY, NAN, 4, {0, 1, 0.25}}, Row{-kLargest, kLargest, 4, {0, 1, 0.25}}}) {
+    const ValueScale made = MakeValueScale(minimum, maximum, steps);
+    EXPECT_DOUBLE_EQ(made.lower, scale.lower) << maximum;
+    EXPECT_DOUBLE_EQ(made.upper, scale.upper) << maximum;
+    EXPECT_DOUBLE_EQ(made.step, scale.step) << maximum;
   }
-  ExpectScale(MakeCentredScale(170, 2), {-200, 200, 100});
+  EXPECT_EQ(MakeCentredScale(170, 2).lower, -200);
 }
 
 TEST(ChartScale, LabelsSayOnlyWhatTheStepNeeds) {
   using Row = std::tuple<ValueScale, double, const char*>;
   for (const auto& [scale, value, text] :
-       {Row{{0, 1000, 250}, 1000, "1,000"}, Row{{0, 10, 2.5}, 5, "5.0"},
-        Row{{0, 0.1, 0.025}, 0.05, "0.050"}, Row{{-0.3, 0.3, 0.1}, -0.3 + 3 * 0.1, "0"},
-        Row{{0, 2e6, 5e5}, 1.5e6, "1.5M"}, Row{{0, 2e6, 5e5}, 0, "0"},
+       {Row{{0, 1000, 250}, 1000, "1,000"}, Row{{0, 0.1, 0.025}, 0.05, "0.050"},
+        Row{{-0.3, 0.3, 0.1}, -0.3 + 3 * 0.1, "0"}, Row{{0, 2e6, 5e5}, 1.5e6, "1.5M"},
         Row{{0, 4e9, 1e9}, 3e9, "3G"}, Row{{0, 4e12, 1e12}, -3e12, "-3T"},
         Row{{0, 4e16, 1e16}, 3e16, "3e+16"}}) {
     EXPECT_EQ(ValueLabel(RegionalSettings::UnitedStates(), scale, value), text);
   }
   EXPECT_EQ(ValueLabel(Germany(), {0, 10, 2.5}, 7.5), "7,5");
-  EXPECT_EQ(ValueLabel(Germany(), {0, 1000, 250}, 1000), "1.000");
 }
 
 TEST(ChartScale, TimeTicksAreFewAndRound) {
   using Row = std::tuple<int, std::int64_t, std::int64_t, int, std::vector<std::int64_t>>;
   for (const auto& [interval, first, last, most, ticks] :
-       {Row{Minute, 6002, 6061, 4, {6015, 6030, 6045, 6060}},
-        Row{Minute, 6002, 6061, 3, {6020, 6040, 6060}}, Row{Minute, 6002, 6061, 1, {6060}},
+       {Row{Minute, 6002, 6061, 4, {6015, 6030, 6045, 6060}}, Row{Minute, 6002, 6061, 1, {6060}},
         // Before 1980 slots are negative.
         Row{Hour, -61, -2, 4, {-60, -45, -30, -15}}, Row{Day, 482, 505, 4, {486, 492, 498, 504}},
-        Row{Week, 100, 106, 7, {100, 101, 102, 103, 104, 105, 106}},
         Row{Week, 100, 106, 4, {100, 102, 104, 106}},
         Row{Month, 100, 130, 5, {102, 109, 116, 123, 130}},
         Row{Year, 551, 562, 4, {552, 555, 558, 561}},
