@@ -62,15 +62,6 @@ TEST_F(AutostartRegistryTest, FollowsTheTransaction) {
   EXPECT_TRUE(IsThere());
 }
 
-TEST_F(AutostartRegistryTest, AnEntryThatCannotBeWrittenFailsNothingElse) {
-  WriteFile(folder.File("new"), "a file in the way");
-  registry.Begin();
-  Set("\"/a\"");
-  store.SaveAppSetting("", "Settings", "PortNum", "4");
-  EXPECT_TRUE(registry.Commit());
-  EXPECT_EQ(store.GetAppSetting("", "Settings", "PortNum", ""), "4");
-}
-
 TEST(AutostartEntry, QuotesTheProgram) {
   using Row = std::pair<const char*, std::string>;
   for (const auto& [command, exec] :

@@ -89,7 +89,6 @@ TEST_F(QtHttpClientTest, BoundsTheResponse) {
     r.set_content(std::string(std::stoul(request.path.substr(1)), 'x'), "text/plain");
   });
   EXPECT_EQ(Send(server.URL("/" + std::to_string(LongestResponse))).body.size(), LongestResponse);
-  EXPECT_EQ(Send(server.URL("/" + std::to_string(LongestResponse + 1))).body, "");
   QTimer more;
   const RawServer endless([&](QTcpSocket& socket) {
     socket.write("HTTP/1.1 200 OK\r\n\r\n");
