@@ -47,7 +47,7 @@ TEST_F(CSVLogger, WritesAHeaderToAnEmptyFileAndWhenTheMetersChanged) {
 
 TEST_F(CSVLogger, WritesAveragesOverItsIntervalInTheFormsOfTheRegion) {
   region = Germany();
-  Add("Küche", 5).Statistics().SetDemandRecent(Hour, Entries(60, 1234.5));
+  Add("Küche", 5).Statistics().SetDemandRecent(Hour, std::vector<double>(60, 1234.5));
   Add("no history", 6);
   settings.CSVInterval = 300;
   EXPECT_EQ(Log("2026-11-16T20:15:00", true).text, "CSV file: Updated 16.11.2026 20:15:00");
@@ -105,7 +105,9 @@ TEST_F(PachubeLogger, PutsOneStreamForEveryMeter) {
 TEST_F(PachubeLogger, LeavesOutMetersWithoutAValueOrAnAverageOverItsInterval) {
   Add("silent", 3);
   AddWithReading("B", 2, 0);
-  AddWithReading("A", 4, 1250.5).Statistics().SetDemandRecent(Hour, Entries(60, 200.25));
+  AddWithReading("A", 4, 1250.5)
+      .Statistics()
+      .SetDemandRecent(Hour, std::vector<double>(60, 200.25));
   EXPECT_EQ(PachubeDocument(settings, meters, Germany(), false),
             kStart + Data("2", "0") + Data("4", "1250,5") + kEnd);
   settings.PachubeInterval = 300;
@@ -121,12 +123,11 @@ TEST_F(PachubeLogger, NamesTheFirstInvalidSetting) {
 }
 
 TEST_F(PachubeLogger, TakesOneBlankForSuccessAndNothingElse) {
-  using Row = std::pair<ScriptedAnswer, const char*>;
-  for (const auto& [answer, quote] :
-       {Row{{"  "}, "  "}, Row{{" ", 6, "Connection refused", HttpState::Error}, " "},
-        Row{{"no feed for 1234.xml?key=thekey"}, "no feed for 1234.xml?key=****"}}) {
-    http.answers = {answer};
-    EXPECT_EQ(Log().text, std::string("Pachube: Error Returned >> ") + quote);
+  http.answers = {{"  "},
+                  {" ", 6, "Connection refused", HttpState::Error},
+                  {"no feed for 1234.xml?key=thekey"}};
+  for (const std::string quote : {"  ", " ", "no feed for 1234.xml?key=****"}) {
+    EXPECT_EQ(Log().text, "Pachube: Error Returned >> " + quote);
   }
   EXPECT_THAT(shown, ElementsAre("Connection refused"));
 }
@@ -143,7 +144,9 @@ struct PowerMeterLogger : WebLoggerTest {
         settings, endpoints, total, region, [](DateTime local) { return local.PlusHours(5); },
         runner, timestamp);
   }
-  void UseWatts(double watts) { total.Statistics().SetDemandRecent(Hour, Entries(60, watts)); }
+  void UseWatts(double watts) {
+    total.Statistics().SetDemandRecent(Hour, std::vector<double>(60, watts));
+  }
 
   clsKillAWatt total;
 };

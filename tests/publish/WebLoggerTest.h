@@ -26,9 +26,6 @@ struct WebLoggerTest : testing::Test {
     meter.AddReading(120, 1, watts, At("2026-11-16T20:09:00"), 1000);
     return meter;
   }
-  static std::vector<double> Entries(std::size_t count, double value) {
-    return std::vector<double>(count, value);
-  }
 
   const DateTime timestamp = At("2026-11-16T20:10:00");
   RegionalSettings region = RegionalSettings::UnitedStates();
