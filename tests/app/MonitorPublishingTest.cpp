@@ -128,21 +128,6 @@ TEST_F(MonitorPublishingTest, RunsAMenuCommandWithinAScheduledWait) {
   EXPECT_TRUE(monitor->IsUpdateTimerEnabled());
 }
 
-TEST_F(MonitorPublishingTest, EndsATickWhenTheProgramIsToldToExit) {
-  Enable({"LogToPachube", "LogToTwitter"});
-  Put("Settings", "TwitterInterval", "1");
-  clock.now = At("2026-11-16T20:59:59");
-  pachube.answers = {{"", 0, "", HttpState::ResponseCompleted, {}, true}};
-  Start();
-  pump.onRound = [this](int round) { pump.isEnding = round == 3; };
-  Tick();
-  EXPECT_EQ(pump.rounds, 3);
-  EXPECT_FALSE(pachube.IsBusy());
-  EXPECT_FALSE(twitter.IsBusy());
-  EXPECT_THAT(listener.errors, IsEmpty());
-  EXPECT_TRUE(monitor->Unload());
-}
-
 TEST_F(MonitorPublishingTest, KeepsOffTheWebWithoutPorts) {
   web = nullptr;
   Enable({"LogToPachube", "LogToTwitter", "AlarmsToTwitter"});
