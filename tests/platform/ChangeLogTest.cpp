@@ -112,7 +112,7 @@ TEST_F(ChangeLogTest, AnySequenceOfChangesGivesWhatAStoreInMemoryGives) {
   const auto below = [&random](unsigned bound) { return random() % bound; };
   MemoryRegistry expected;
   const auto other = Open().registry;
-  const std::string paths[] = {"K", "K\\A", "k\\\\a\\B", "\\K\xC3\xBC\\", "k\xC3\x9C\\ab", ""};
+  const std::string paths[] = {"K", "K\\z", "k\\\\a\\B", "\\K\xC3\xBC\\", "k\xC3\x9C\\ab", ""};
   const std::string names[] = {"u", "v", "V", "not\xFFutf8", ""};
   std::vector<std::uint8_t> everyByte(256);
   std::iota(everyByte.begin(), everyByte.end(), std::uint8_t{0});

@@ -181,7 +181,7 @@ TEST_F(RunningInstance, ASilentConnectionEndsAndKeepsNobodyOut) {
   EXPECT_TRUE(StartSecond(profile));
 }
 
-TEST(ProfileLock, BelongsToOneHolderAtATime) {
+TEST(ProfileLock, BelongsToOneHolderAtATimeOrSaysWhyThereCanBeNone) {
   const TemporaryFolder folder;
   const std::string profile = folder.File("new/profile");
   std::optional<ProfileLock> first(profile);
@@ -193,6 +193,9 @@ TEST(ProfileLock, BelongsToOneHolderAtATime) {
   EXPECT_EQ(ModeOf(profile + "/lock") & 077, 0);
   first.reset();
   EXPECT_TRUE(second.TryAcquire());
+  ProfileLock inAFile(profile + "/lock");
+  EXPECT_FALSE(inAFile.TryAcquire());
+  EXPECT_NE(inAFile.Problem().find(profile), std::string::npos);
 }
 
 TEST(ProfileLock, IsNotHandedOnToAProgramThatWasStarted) {
@@ -217,14 +220,6 @@ TEST(ProfileLock, CanBeHadInAFolderThatCanOnlyBeRead) {
   EXPECT_TRUE(first.TryAcquire()) << first.Problem();
   EXPECT_FALSE(second.TryAcquire());
   EXPECT_EQ(second.Problem(), "");
-}
-
-TEST(ProfileLock, SaysWhyThereCanBeNone) {
-  const TemporaryFolder folder;
-  std::filesystem::create_directories(folder.File("profile/lock"));
-  ProfileLock onAFolder(folder.File("profile"));
-  EXPECT_FALSE(onAFolder.TryAcquire());
-  EXPECT_NE(onAFolder.Problem().find(folder.File("profile")), std::string::npos);
 }
 
 }  // namespace
