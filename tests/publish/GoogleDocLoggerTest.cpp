@@ -63,11 +63,11 @@ TEST_F(GoogleLogin, AsksForMissingCredentials) {
   EXPECT_THAT(prompts.signIns,
               ElementsAre(ScriptedPrompts::SignInAsked{"Google Login", "me@example.org", ""}));
   EXPECT_THAT(http.requests, IsEmpty());
-  // A refused password that is not corrected ends it as well.
+  // A refused password ends it as well.
   settings.GooglePassword = "s3cret";
   http.answers = {{"Error=BadAuthentication\n"}};
-  EXPECT_EQ(SignIn(), "Google: Bad username or password");
-  EXPECT_EQ(settings.GooglePassword, "s3cret");
+  EXPECT_EQ(SignIn(true), "Google: Bad username or password");
+  EXPECT_EQ(prompts.signIns.size(), 1U);
 }
 
 TEST_F(GoogleLogin, AsksAgainUntilTheCredentialsAreTaken) {

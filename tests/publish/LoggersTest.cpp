@@ -114,15 +114,7 @@ TEST_F(PachubeLogger, LeavesOutMetersWithoutAValueOrAnAverageOverItsInterval) {
   EXPECT_EQ(PachubeDocument(settings, meters, region, true), kStart + Data("4", "200.25") + kEnd);
 }
 
-TEST_F(PachubeLogger, NamesTheFirstInvalidSetting) {
-  settings.PachubeAPIKey = "  ";
-  EXPECT_EQ(Log().text, "Wattlark: Invalid Pachube API Key");
-  settings.PachubeFeedURL = "   ";
-  EXPECT_EQ(Log().text, "Wattlark: Invalid Pachube feed");
-  EXPECT_THAT(http.requests, IsEmpty());
-}
-
-TEST_F(PachubeLogger, TakesOneBlankForSuccessAndNothingElse) {
+TEST_F(PachubeLogger, TakesOneBlankForSuccessAndSendsNothingWithoutItsSettings) {
   http.answers = {{"  "},
                   {" ", 6, "Connection refused", HttpState::Error},
                   {"no feed for 1234.xml?key=thekey"}};
@@ -130,6 +122,11 @@ TEST_F(PachubeLogger, TakesOneBlankForSuccessAndNothingElse) {
     EXPECT_EQ(Log().text, "Pachube: Error Returned >> " + quote);
   }
   EXPECT_THAT(shown, ElementsAre("Connection refused"));
+  settings.PachubeAPIKey = "  ";
+  EXPECT_EQ(Log().text, "Wattlark: Invalid Pachube API Key");
+  settings.PachubeFeedURL = "   ";
+  EXPECT_EQ(Log().text, "Wattlark: Invalid Pachube feed");
+  EXPECT_EQ(http.requests.size(), 3U);
 }
 
 const char* const kInfo = "https://host/?mac=1&token=TOKENVALUE&path=/user/123/456/device.serial";

@@ -94,16 +94,14 @@ TEST_F(TwitterLoggerTest, AsksAgainUntilTheCredentialsAreTaken) {
   EXPECT_EQ(http.requests[2].body, "status=after round 2");
   EXPECT_EQ(settings.TwitterUsername, "b");
   EXPECT_EQ(settings.TwitterPassword, "right");
-}
-
-TEST_F(TwitterLoggerTest, EndsInAnErrorWhenASecondPromptIsCancelledOrTheMeterIsGone) {
+  // Until a prompt is cancelled, or the meter is gone.
   prompts.credentials = {{{"name", "other"}}, std::nullopt, {{"name", "third"}}};
   http.answers = {{kRefused}, {kRefused}, {kRefused}};
   EXPECT_EQ(Post(false).text, "Twitter: Bad username or password");
   EXPECT_EQ(settings.TwitterPassword, "other");
   pump.onRound = [this](int) { subject = nullptr; };
   EXPECT_EQ(Post(false).text, "Twitter: There is no meter to tell of");
-  EXPECT_EQ(http.requests.size(), 3U);
+  EXPECT_EQ(http.requests.size(), 6U);
 }
 
 }  // namespace
