@@ -46,38 +46,29 @@ TEST_F(MonitorTest, SavesNothingOverAStoreItCouldNotRead) {
   EXPECT_EQ(Get("KillAWatts\\Kitchen", "UsageToDate"), "1234.5");
 }
 
-TEST_F(MonitorTest, GivesAFrameToTheMeterOfItsAddress) {
+TEST_F(MonitorTest, GivesAFrameToTheMeterOfItsAddressAndNothingElseToAny) {
   PutMeter("Kitchen", 5);
   PutMeter("Office", 6);
   Start();
+  Arrive({});
+  EXPECT_THAT(listener.commImages, IsEmpty());
+  Arrive(MeterFrame(5, {700}, {498}, {.wrongChecksum = true}));
+  EXPECT_THAT(listener.commImages, ElementsAre(CommImage::Receiving));
+  for (const Bytes& bytes : {WrapFrame({0x88, 1}), SampleFrame(5, 2, {1}), Frame120W(7)}) {
+    listener.commImages.clear();
+    Arrive(bytes);
+    EXPECT_THAT(listener.commImages, ElementsAre(CommImage::Receiving, CommImage::Idle));
+  }
+  EXPECT_THAT(listener.readings, IsEmpty());
   clock.Advance(250);
   Arrive(Frame120W(6));
   EXPECT_FALSE(Meter(0).HasReading());
   EXPECT_NEAR(Meter(1).Watts(), 120, 1e-9);
   EXPECT_EQ(Meter(1).Timestamp(), clock.now);
   EXPECT_THAT(listener.readings, ElementsAre("Office"));
-  EXPECT_THAT(listener.commImages, ElementsAre(CommImage::Receiving, CommImage::Idle));
   // Only the last frame of one read counts.
   Arrive(Join({Frame120W(6), Frame120W(5)}));
   EXPECT_THAT(listener.readings, ElementsAre("Office", "Kitchen"));
-}
-
-TEST_F(MonitorTest, IgnoresWhatIsNoMetersFrame) {
-  PutMeter("Kitchen", 5);
-  Start();
-  FrameOptions damaged;
-  damaged.wrongChecksum = true;
-  Arrive({});
-  EXPECT_THAT(listener.commImages, IsEmpty());
-  Arrive(MeterFrame(5, {700}, {498}, damaged));
-  EXPECT_THAT(listener.commImages, ElementsAre(CommImage::Receiving));
-  for (const Bytes& bytes : {WrapFrame({0x88, 1}), SampleFrame(5, 2, {1}),
-                             Join({Frame120W(5), Frame120W(7)})}) {  // one of an unknown address
-    listener.commImages.clear();
-    Arrive(bytes);
-    EXPECT_THAT(listener.commImages, ElementsAre(CommImage::Receiving, CommImage::Idle));
-  }
-  EXPECT_THAT(listener.readings, IsEmpty());
   EXPECT_THAT(listener.errors, IsEmpty());
 }
 

@@ -145,17 +145,12 @@ TEST_F(SoftwareUpdateTest, ATimeOutAsksWhetherToStop) {
   prompts.answers = {PromptAnswer::Yes};
   Check({timeOut});
   EXPECT_FALSE(settings.AutoUpdate);
-}
-
-TEST_F(SoftwareUpdateTest, TellsNothingThatNobodyAskedForOnceAlertsAreOff) {
-  http.answers = {{"", HttpTimedOut, "No answer", HttpState::Error}, {File("2.1")}};
-  update.Find(kAddress, false, false);
-  settings.AutoUpdate = false;
-  EXPECT_FALSE(update.HasNews());
-  EXPECT_FALSE(update.Tell());
-  EXPECT_TRUE(IsSilent());
-  update.Find(kAddress, false, true);
-  update.Tell();
+  // From now on nothing is told that nobody asked for.
+  Check({timeOut});
+  Check(File("2.1"));
+  EXPECT_EQ(prompts.asked.size(), 2U);
+  EXPECT_THAT(prompts.offers, IsEmpty());
+  Check(File("2.1"), true);
   EXPECT_EQ(prompts.offers.size(), 1U);
 }
 
