@@ -8,7 +8,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 struct Stored : MonitorTest {
   std::vector<std::string> MeterKeys() const {

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <memory>
 #include <numeric>
 #include <random>
 
@@ -72,6 +71,8 @@ TEST_F(ChangeLogTest, AStoreOfTheVersionBeforeGetsOne) {
   SaveProgress(5);
   EXPECT_EQ(Records(), 1);
   EXPECT_EQ(Ask("PRAGMA user_version"), 2);
+  RunSql("DELETE FROM generation");
+  EXPECT_THAT(Open().message, testing::HasSubstr("is damaged")) << "it would keep no changes";
 }
 
 TEST_F(ChangeLogTest, DamageCostsNoMoreThanTheSavesThatItHit) {

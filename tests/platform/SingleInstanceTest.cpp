@@ -6,7 +6,6 @@
 #include <chrono>
 #include <cstdio>
 #include <future>
-#include <thread>
 
 #include "EventLoop.h"
 #include "platform/TemporaryFolder.h"

@@ -10,7 +10,6 @@ namespace {
 
 using testing::Each;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 struct WebRequestRunnerTest : testing::Test {
   WebRequestState Get(std::optional<std::string> progress = {}) {
