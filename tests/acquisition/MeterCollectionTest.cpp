@@ -1,14 +1,11 @@
-#include <gmock/gmock.h>
-
 #include "acquisition/HeardMeters.h"
 #include "acquisition/MeterCollection.h"
 #include "twins/HandClock.h"
+#include "twins/Matchers.h"
 #include "twins/Meters.h"
 
 namespace wattlark {
 namespace {
-
-using testing::ElementsAre;
 
 std::string Names(const MeterCollection& meters) {
   std::string names;

@@ -1,5 +1,3 @@
-#include <gmock/gmock.h>
-
 #include <limits>
 
 #include "acquisition/clsKillAWatt.h"
@@ -7,13 +5,11 @@
 #include "config/modRegistry.h"
 #include "support/RegionalForms.h"
 #include "twins/HandClock.h"
+#include "twins/Matchers.h"
 #include "twins/MemoryRegistry.h"
 
 namespace wattlark {
 namespace {
-
-using testing::ElementsAre;
-using testing::StartsWith;
 
 const std::string kSection = "KillAWatts\\Kitchen";
 

@@ -1,16 +1,13 @@
-#include <gmock/gmock.h>
-
 #include <algorithm>
 #include <limits>
 #include <utility>
 
 #include "acquisition/MeterStatistics.h"
 #include "twins/HandClock.h"
+#include "twins/Matchers.h"
 
 namespace wattlark {
 namespace {
-
-using testing::Each;
 
 constexpr double None = NoValue;
 

@@ -1,5 +1,3 @@
-#include <gmock/gmock.h>
-
 #include <algorithm>
 #include <random>
 
@@ -7,12 +5,10 @@
 #include "acquisition/clsXBee.h"
 #include "twins/Frames.h"
 #include "twins/HandClock.h"
+#include "twins/Matchers.h"
 
 namespace wattlark {
 namespace {
-
-using testing::Each;
-using testing::ElementsAre;
 
 /// A decoder with a clock of its own.
 struct Receiver {

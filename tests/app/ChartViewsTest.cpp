@@ -1,5 +1,3 @@
-#include <gmock/gmock.h>
-
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -12,13 +10,12 @@
 #include "support/RegionalForms.h"
 #include "twins/Frames.h"
 #include "twins/HandClock.h"
+#include "twins/Matchers.h"
 
 namespace wattlark {
 namespace {
 
 using testing::DoubleEq;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 const RegionalSettings kUnitedStates = RegionalSettings::UnitedStates();
 

@@ -1,14 +1,11 @@
-#include <gmock/gmock.h>
-
 #include "app/FirstStartView.h"
 #include "twins/HandClock.h"
+#include "twins/Matchers.h"
 
 namespace wattlark {
 namespace {
 
-using testing::IsEmpty;
 using testing::SizeIs;
-using testing::StartsWith;
 
 const SerialDevice kNamed{"/dev/serial/by-id/usb-a", "/dev/ttyUSB0", "FT232R USB UART"};
 const SerialDevice kPlain{"", "/dev/ttyACM0"};

@@ -1,5 +1,3 @@
-#include <gmock/gmock.h>
-
 #include <functional>
 #include <optional>
 #include <utility>
@@ -7,13 +5,11 @@
 #include "app/MeterActions.h"
 #include "app/MeterSelection.h"
 #include "app/MonitorFixture.h"
+#include "twins/Matchers.h"
 #include "twins/Meters.h"
 
 namespace wattlark {
 namespace {
-
-using testing::_;
-using testing::FieldsAre;
 
 struct MeterActionsTest : MonitorTest {
   MeterActionsTest() {
@@ -60,9 +56,9 @@ TEST_F(MeterActionsTest, OnlyOKActsAndTheTotalIsLeftAlone) {
 TEST_F(MeterActionsTest, AddingAndRemovingRenewTheHeaderOfTheLogUnlessTheAddressIsTaken) {
   bool& renewed = monitor->Profile().Settings().CSVFileChanged;
   EXPECT_FALSE(actions->Add(NewMeter("", 6)));
-  EXPECT_THAT(prompts.asked, testing::ElementsAre(FieldsAre(
-                                 "A Kill-A-Watt with that XBee address is already defined",
-                                 "Duplicate ID", PromptIcon::Exclamation, _, _)));
+  EXPECT_THAT(prompts.asked,
+              ElementsAre(FieldsAre("A Kill-A-Watt with that XBee address is already defined",
+                                    "Duplicate ID", PromptIcon::Exclamation, _, _)));
   EXPECT_FALSE(renewed);
   EXPECT_TRUE(actions->Add(NewMeter("", 7)));
   EXPECT_TRUE(std::exchange(renewed, false));

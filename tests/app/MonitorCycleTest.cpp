@@ -1,18 +1,10 @@
 // What ticks do besides receiving: the Total, saving, demo readings, alarms and publishing.
 
-#include <gmock/gmock.h>
-
 #include "app/MonitorFixture.h"
+#include "twins/Matchers.h"
 
 namespace wattlark {
 namespace {
-
-using testing::_;
-using testing::ElementsAre;
-using testing::FieldsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::StartsWith;
 
 TEST_F(MonitorTest, SavesEveryFiveMinutesAndAtTheEnd) {
   PutMeter("Kitchen", 5);
@@ -88,8 +80,8 @@ TEST_F(MonitorTest, TellsWhatCouldNotBeLoaded) {
   EXPECT_THAT(prompts.asked,
               ElementsAre(FieldsAre("Not all the Kill-A-Watts were loaded", "Duplicate ID",
                                     PromptIcon::Exclamation, _, _),
-                          FieldsAre(testing::AllOf(HasSubstr("PortNum"), HasSubstr("PeakToday")),
-                                    "Error!", _, _, _)));
+                          FieldsAre(AllOf(HasSubstr("PortNum"), HasSubstr("PeakToday")), "Error!",
+                                    _, _, _)));
   EXPECT_TRUE(port.IsOpen()) << "and it runs";
 }
 

@@ -1,16 +1,11 @@
-#include <gmock/gmock.h>
-
 #include <filesystem>
 #include <vector>
 
 #include "MonitorFixture.h"
+#include "twins/Matchers.h"
 
 namespace wattlark {
 namespace {
-
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
 
 const char* const kTweeted = "<created_at>";
 const char* const kUpdated = "<updated>";
@@ -78,7 +73,7 @@ TEST_F(MonitorPublishingTest, RunsFromTheMenuWhateverTheSettingsSay) {
   EXPECT_THAT(Successes(), ElementsAre("Google Docs: Updated 11/16/2026 8:07:30 PM"));
   EXPECT_THAT(listener.errors, ElementsAre(HasSubstr("left out of the row: '1st'")));
   EXPECT_TRUE(monitor->PublishNow(PublishTarget::Twitter, false).success);
-  EXPECT_THAT(twitter.requests[0].body, testing::StartsWith("status=Total uses"));
+  EXPECT_THAT(twitter.requests[0].body, StartsWith("status=Total uses"));
   monitor->Profile().Meters().Remove(Meter(1));
   EXPECT_TRUE(monitor->PublishNow(PublishTarget::Twitter, false).success);
   EXPECT_EQ(twitter.requests[1].body, "status=Kitchen uses 120.00 W");
@@ -93,8 +88,7 @@ TEST_F(MonitorPublishingTest, ShowsErrorsOfTheMenuInABox) {
   prompts.duringAsk = [this] { EXPECT_TRUE(monitor->IsUpdateTimerEnabled()) << "ticks go on"; };
   const PublishResult result = monitor->PublishNow(PublishTarget::PowerMeter, false);
   EXPECT_EQ(result.text, "Wattlark: No usage data for the interval");
-  EXPECT_THAT(prompts.asked, ElementsAre(testing::FieldsAre(result.text, "Error!", testing::_,
-                                                            testing::_, testing::_)));
+  EXPECT_THAT(prompts.asked, ElementsAre(FieldsAre(result.text, "Error!", _, _, _)));
   EXPECT_THAT(listener.errors, ElementsAre(result.text));
   // A command from another process must not open a window here.
   EXPECT_FALSE(monitor->PublishNow(PublishTarget::PowerMeter, true).success);

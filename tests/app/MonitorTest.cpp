@@ -1,18 +1,11 @@
-#include <gmock/gmock.h>
-
 #include <stdexcept>
 #include <utility>
 
 #include "app/MonitorFixture.h"
+#include "twins/Matchers.h"
 
 namespace wattlark {
 namespace {
-
-using testing::_;
-using testing::ElementsAre;
-using testing::FieldsAre;
-using testing::IsEmpty;
-using testing::StartsWith;
 
 TEST_F(MonitorTest, StartsByOpeningThePortOfTheSettingsWhoseOlderPlaceIsReadOnce) {
   MemoryRegistry older;

@@ -1,17 +1,13 @@
-#include <gmock/gmock.h>
-
 #include <vector>
 
 #include "app/CurrentPageView.h"
 #include "app/TotalsGridView.h"
 #include "support/RegionalForms.h"
 #include "twins/HandClock.h"
+#include "twins/Matchers.h"
 
 namespace wattlark {
 namespace {
-
-using testing::Each;
-using testing::ElementsAre;
 
 const DateTime kNow = At("2026-11-16T20:10:00");  // a Monday
 

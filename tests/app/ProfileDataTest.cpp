@@ -1,13 +1,9 @@
-#include <gmock/gmock.h>
-
 #include "app/MonitorFixture.h"
+#include "twins/Matchers.h"
 #include "twins/Meters.h"
 
 namespace wattlark {
 namespace {
-
-using testing::ElementsAre;
-using testing::HasSubstr;
 
 struct Stored : MonitorTest {
   std::vector<std::string> MeterKeys() const {

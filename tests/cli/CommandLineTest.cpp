@@ -1,5 +1,3 @@
-#include <gmock/gmock.h>
-
 #include <cstdlib>
 #include <regex>
 
@@ -7,12 +5,11 @@
 #include "cli/DefaultFiles.h"
 #include "cli/TextTable.h"
 #include "support/modText.h"
+#include "twins/Matchers.h"
 
 namespace wattlark {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::IsSupersetOf;
 
 /// Gives an environment variable a value for as long as it lives, and none afterwards.
@@ -122,14 +119,14 @@ struct ManualTest : CommandTest {
     const Words options = Listed(help, "\n  (?:-h,)?(--[a-z-]+) ");
     ASSERT_THAT(options, testing::Contains("--help"));
     for (const std::string& option : options) {
-      EXPECT_THAT(manual, testing::HasSubstr(" Fl Fl " + option.substr(2))) << option;
+      EXPECT_THAT(manual, HasSubstr(" Fl Fl " + option.substr(2))) << option;
     }
     EXPECT_THAT(Complete(Of(command + "--")), IsSupersetOf(options));
     const Words commands = Listed(help, "\n  ([a-z]+)  ");
     EXPECT_THAT(Complete(Of(command)), IsSupersetOf(commands));
     for (const std::string& name : commands) ExpectAllOf(command + name + " ");
     if (commands.empty()) {
-      EXPECT_THAT(manual, testing::HasSubstr("\n.It Ic " + command));
+      EXPECT_THAT(manual, HasSubstr("\n.It Ic " + command));
     }
   }
 

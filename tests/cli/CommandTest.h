@@ -19,21 +19,28 @@ struct CommandResult {
   nlohmann::json Json() const { return nlohmann::json::parse(output); }
 };
 
+/// Runs a command as the program would: `arguments` without its name, `input` is standard input.
+inline CommandResult RunCommand(
+    std::vector<std::string> arguments, const std::string& input = "",
+    const RegionalSettings& regional = RegionalSettings::UnitedStates()) {
+  arguments.insert(arguments.begin(), "wattlark");
+  std::vector<char*> argv;
+  for (std::string& argument : arguments) argv.push_back(argument.data());
+  int argc = static_cast<int>(argv.size());
+  argv.push_back(nullptr);
+  std::istringstream in(input);
+  std::ostringstream out;
+  std::ostringstream messages;
+  CommandEnvironment environment{in, out, messages, regional};
+  const int status = RunCommandLine(argc, argv.data(), nullptr, environment);
+  return {status, out.str(), messages.str()};
+}
+
 /// Commands on a profile folder of their own that does not exist yet, in the United States form.
 struct CommandTest : testing::Test {
-  /// Runs a command as the program would: `arguments` without its name, `input` is standard input.
-  CommandResult Run(std::vector<std::string> arguments, const std::string& input = "") const {
-    arguments.insert(arguments.begin(), "wattlark");
-    std::vector<char*> argv;
-    for (std::string& argument : arguments) argv.push_back(argument.data());
-    int argc = static_cast<int>(argv.size());
-    argv.push_back(nullptr);
-    std::istringstream in(input);
-    std::ostringstream out;
-    std::ostringstream messages;
-    CommandEnvironment environment{in, out, messages, regional_};
-    const int status = RunCommandLine(argc, argv.data(), nullptr, environment);
-    return {status, out.str(), messages.str()};
+  CommandResult Run(const std::vector<std::string>& arguments,
+                    const std::string& input = "") const {
+    return RunCommand(arguments, input, regional_);
   }
   /// The same with the profile of this test.
   CommandResult RunHere(std::vector<std::string> arguments, const std::string& input = "") const {

@@ -1,5 +1,3 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/ioctl.h>
 
 #include <array>
@@ -7,12 +5,11 @@
 #include <regex>
 
 #include "cli/Console.h"
+#include "twins/Matchers.h"
 #include "twins/TestTerminal.h"
 
 namespace wattlark {
 namespace {
-
-using testing::ElementsAre;
 
 // What a terminal shows of the characters and cursor movements that the console writes.
 class Screen {

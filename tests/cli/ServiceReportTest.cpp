@@ -1,16 +1,13 @@
-#include <gmock/gmock.h>
-
 #include <QCoreApplication>
 #include <QTest>
 
 #include "cli/ServiceReport.h"
 #include "platform/NotifySocket.h"
 #include "platform/TemporaryFolder.h"
+#include "twins/Matchers.h"
 
 namespace wattlark {
 namespace {
-
-using testing::ElementsAre;
 
 // A program whose manager waits 800 ms for a sign of life.
 struct ServiceReportTest : testing::TestWithParam<bool> {
@@ -47,7 +44,7 @@ TEST_P(ServiceReportTest, NoSignsForAManagerThatWaitsForNone) {
     report->OnTickBegins();
     report->OnTickEnds();
   }
-  EXPECT_THAT(manager.Messages(), testing::IsEmpty());
+  EXPECT_THAT(manager.Messages(), IsEmpty());
 }
 
 }  // namespace

@@ -1,19 +1,16 @@
-#include <gmock/gmock.h>
-
 #include <string>
 #include <vector>
 
 #include "config/AppSettings.h"
 #include "config/modRegistry.h"
 #include "support/RegionalForms.h"
+#include "twins/Matchers.h"
 #include "twins/MemoryRegistry.h"
 
 namespace wattlark {
 namespace {
 
 using Names = std::vector<std::string>;
-using testing::AllOf;
-using testing::HasSubstr;
 
 using Row = std::tuple<const char*, const char*, const char*>;
 

@@ -1,5 +1,3 @@
-#include <gmock/gmock.h>
-
 #include <algorithm>
 #include <string>
 
@@ -10,13 +8,12 @@
 #include "config/modRegistry.h"
 #include "support/CompactPath.h"
 #include "support/RegionalForms.h"
+#include "twins/Matchers.h"
 #include "twins/MemoryRegistry.h"
 #include "twins/ScriptedPrompts.h"
 
 namespace wattlark {
 namespace {
-
-using testing::IsEmpty;
 
 TEST(OptionsEdit, AStateFillsTheElectricityFieldsAndNoStateLeavesThem) {
   const RegionalSettings us = RegionalSettings::UnitedStates();
@@ -189,13 +186,12 @@ TEST_F(OptionsActions, DemoModeIsConfirmedAndNotStored) {
   EXPECT_FALSE(settings.DemoMode);
   EXPECT_EQ(restarts, 2);
   ASSERT_EQ(prompts.asked.size(), 2u);
-  EXPECT_THAT(prompts.asked[0],
-              testing::FieldsAre(
-                  "Running in 'Demo Mode' will ignore all real device inputs, even if they are "
-                  "connnected and communicating.\r\nWattlark will display entirely fictitious data "
-                  "for each channel until this mode is switched off.",
-                  "Consider yourself warned!", PromptIcon::Information, PromptButtons::OKCancel,
-                  testing::_));
+  EXPECT_THAT(
+      prompts.asked[0],
+      FieldsAre("Running in 'Demo Mode' will ignore all real device inputs, even if they are "
+                "connnected and communicating.\r\nWattlark will display entirely fictitious data "
+                "for each channel until this mode is switched off.",
+                "Consider yourself warned!", PromptIcon::Information, PromptButtons::OKCancel, _));
   EXPECT_EQ(Stored("DemoMode"), "");
 }
 
@@ -223,7 +219,7 @@ TEST_F(OptionsActions, AStoredValueOutsideItsListBecomesNothing) {
   edit.general.co2 = "";
   EXPECT_THAT((std::vector<int>{edit.general.portNum, edit.general.stopBits, edit.csv.csvInterval,
                                 edit.twitter.twitterInterval, edit.general.serviceState}),
-              testing::Each(-1));
+              Each(-1));
   OK(edit);
   EXPECT_EQ(restarts, 1);
   EXPECT_EQ(Stored("PortNum") + Stored("CSVInterval") + Stored("TwitterInterval"), "000");

@@ -1,11 +1,10 @@
 #include <QDialog>
 
 #include "MainWindowFixture.h"
+#include "twins/Matchers.h"
 
 namespace wattlark {
 namespace {
-
-using testing::IsEmpty;
 
 // An item of each kind, and the same one of the notification area.
 TEST_F(MainWindowTest, MenusAreEnabledByTheState) {

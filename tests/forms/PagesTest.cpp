@@ -2,11 +2,10 @@
 
 #include "MainWindowFixture.h"
 #include "forms/MainWindowFixture.h"
+#include "twins/Matchers.h"
 
 namespace wattlark {
 namespace {
-
-using testing::ElementsAre;
 
 struct PagesTest : MainWindowTest {
   void ShowWindow(int meterCount = 2) {
@@ -124,7 +123,7 @@ TEST_F(HostileNames, AreShownAsTextOnEveryPage) {
   EXPECT_LE(window->sizeHint().width(), 800);
   for (const QAction* action : window->TrayMenu().actions()) ExpectPlain(action->toolTip());
   monitor->SetInfoText("Updated " + name);
-  EXPECT_THAT(Control("INFO").toolTip().toStdString(), testing::HasSubstr("x"));
+  EXPECT_THAT(Control("INFO").toolTip().toStdString(), HasSubstr("x"));
   ExpectPlainWindow();
   monitor->Unload();
   EXPECT_EQ(Get("KillAWatts\\" + name, "XBeeAddress"), "5");

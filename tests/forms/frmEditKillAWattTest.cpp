@@ -1,5 +1,3 @@
-#include <gmock/gmock.h>
-
 #include <QClipboard>
 #include <QTimer>
 
@@ -7,16 +5,12 @@
 #include "forms/FormChecks.h"
 #include "support/NoValue.h"
 #include "support/RegionalForms.h"
+#include "twins/Matchers.h"
 #include "twins/Meters.h"
 #include "twins/ScriptedPrompts.h"
 
 namespace wattlark {
 namespace {
-
-using testing::_;
-using testing::ElementsAre;
-using testing::FieldsAre;
-using testing::StartsWith;
 
 struct frmEditKillAWattTest : testing::Test {
   frmEditKillAWattTest() {

@@ -1,4 +1,3 @@
-#include <gmock/gmock.h>
 #include <sys/stat.h>
 
 #include <QTimer>
@@ -8,15 +7,12 @@
 #include "forms/FormChecks.h"
 #include "platform/TemporaryFolder.h"
 #include "twins/HandClock.h"
+#include "twins/Matchers.h"
 #include "twins/ScriptedPrompts.h"
 #include "twins/ScriptedRandom.h"
 
 namespace wattlark {
 namespace {
-
-using testing::_;
-using testing::ElementsAre;
-using testing::StartsWith;
 
 constexpr const char* kText =
     "11/16/2026 8:10:01 PM: <b>Communications</b> Error - \xC3\xA9\r\n"
@@ -83,9 +79,9 @@ TEST_F(frmInfoBoxTest, SavesTheTextByteByByteOrTellsWhyAndKeepsTheFile) {
     prompts.chosenFile = other;
     prompts.asked.clear();
     Click(form, "cmdSave");
-    EXPECT_THAT(prompts.asked, ElementsAre(testing::FieldsAre(
-                                   StartsWith("The text could not be saved to " + other + ": "), _,
-                                   PromptIcon::Exclamation, _, _)));
+    EXPECT_THAT(prompts.asked,
+                ElementsAre(FieldsAre(StartsWith("The text could not be saved to " + other + ": "),
+                                      _, PromptIcon::Exclamation, _, _)));
   }
   EXPECT_TRUE(std::filesystem::is_fifo(pipe));
   EXPECT_EQ(FileBytes(file), "mine");

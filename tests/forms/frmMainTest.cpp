@@ -4,15 +4,10 @@
 #include <QWindow>
 
 #include "MainWindowFixture.h"
+#include "twins/Matchers.h"
 
 namespace wattlark {
 namespace {
-
-using testing::_;
-using testing::ElementsAre;
-using testing::FieldsAre;
-using testing::IsEmpty;
-using testing::StartsWith;
 
 TEST_F(MainWindowTest, HidesWithinReachOrEndsWhenItIsClosed) {
   using Row = std::tuple<int, bool, bool, bool, bool>;
@@ -202,10 +197,10 @@ TEST_F(MainWindowTest, HelpAddressesAreOpenedOrMissedAndAboutShowsVersionAndLega
   for (const char* item : {"mnuHelp0", "mnuHelp1", "mnuHelp5"}) Choose(item);
   EXPECT_THAT(desktop.addresses, ElementsAre("https://help.example/", "https://help.example/"));
   EXPECT_THAT(prompts.asked,
-              ElementsAre(FieldsAre(testing::HasSubstr("https://help.example/"), _, _, _, _),
+              ElementsAre(FieldsAre(HasSubstr("https://help.example/"), _, _, _, _),
                           FieldsAre("No address is configured.", _, _, _, _),
-                          FieldsAre(testing::AllOf(StartsWith("Wattlark version 2.0\r\nCopyright "),
-                                                   testing::HasSubstr("GPL-3.0-or-later")),
+                          FieldsAre(AllOf(StartsWith("Wattlark version 2.0\r\nCopyright "),
+                                          HasSubstr("GPL-3.0-or-later")),
                                     "About Wattlark...", PromptIcon::Information, _, _)));
 }
 

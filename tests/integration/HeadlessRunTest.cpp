@@ -1,16 +1,13 @@
-#include <gmock/gmock.h>
 #include <sys/stat.h>
 
 #include "integration/HeadlessRun.h"
 #include "platform/NotifySocket.h"
+#include "twins/Matchers.h"
 
 namespace wattlark {
 namespace {
 
-using testing::AllOf;
 using testing::ContainsRegex;
-using testing::FieldsAre;
-using testing::HasSubstr;
 
 constexpr const char* kKitchenLine =
     "[0-9-]+T[0-9:]+ Kitchen [0-9.-]+ W [0-9.]+ V [0-9.-]+ A today [0-9.]+ kWh\n";
@@ -32,7 +29,7 @@ TEST_F(HeadlessRun, PrintsTheFirstReadingAtOnceSavesWhateverEndsItAndIsBackedUpM
     EXPECT_THAT(program.Output(), ContainsRegex(std::string("^") + kKitchenLine));
     // One more only when the minute happened to change.
     EXPECT_LE(CountOf(program.Output(), "\n"), 2u);
-    EXPECT_THAT(program.Messages(), testing::IsEmpty());
+    EXPECT_THAT(program.Messages(), IsEmpty());
     EXPECT_GT(KitchenEnergy(), saved.back());
     saved.push_back(KitchenEnergy());
   }
@@ -187,8 +184,8 @@ TEST_F(Service, TellsThatItIsReadyWhatIsWrongThatItLivesAndThatItStops) {
   RunningProgram program(RunCommand());
   ASSERT_TRUE(WaitUntil([&] { return manager.Count("READY=1") == 1; })) << program.Messages();
   EXPECT_THAT(manager.Messages(),
-              testing::Contains(AllOf(testing::StartsWith("STATUS=Unable to communicate on COM3: "),
-                                      HasSubstr(device))));
+              testing::Contains(
+                  AllOf(StartsWith("STATUS=Unable to communicate on COM3: "), HasSubstr(device))));
   PlugIn();
   ASSERT_TRUE(WaitUntil([&] { return manager.Count("STATUS=0 of 1 meter sends") == 1; }));
   SendBurst();
@@ -212,7 +209,7 @@ TEST_F(Service, LeavesTheTimeOfItsLinesToTheJournal) {
   SendBurst();
   EXPECT_TRUE(WaitUntil([&] { return !FileBytes(journal).empty(); }));
   EXPECT_EQ(program.End(SIGTERM), 0);
-  EXPECT_THAT(FileBytes(journal), testing::StartsWith("Kitchen "));
+  EXPECT_THAT(FileBytes(journal), StartsWith("Kitchen "));
   ::close(output);
 }
 

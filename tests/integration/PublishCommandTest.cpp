@@ -1,17 +1,13 @@
-#include <gmock/gmock.h>
-
 #include <QDateTime>
 #include <chrono>
 
 #include "integration/HeadlessRun.h"
 #include "platform/ZoneScope.h"
 #include "services/Services.h"
+#include "twins/Matchers.h"
 
 namespace wattlark {
 namespace {
-
-using testing::FieldsAre;
-using testing::HasSubstr;
 
 /// A program over a profile that publishes to the test's own services.
 struct PublishCommand : HeadlessRun {
@@ -73,10 +69,10 @@ TEST_P(PublishingProgram, PublishesToEachDestination) {
        {Row{"csv", "CSV file: Updated "}, Row{"pachube", "Pachube: Updated "},
         Row{"google", "Google Docs: Updated "}, Row{"powermeter", "Google PowerMeter: Updated "},
         Row{"twitter", "Twitter: Status updated "}}) {
-    EXPECT_THAT(Publish(destination), FieldsAre(0, testing::StartsWith(output), ""))
+    EXPECT_THAT(Publish(destination), FieldsAre(0, StartsWith(output), ""))
         << destination << ": " << program.Messages();
   }
-  EXPECT_THAT(FileBytes(folder.File("log.csv")), testing::StartsWith("Timestamp, Kitchen\r\n"));
+  EXPECT_THAT(FileBytes(folder.File("log.csv")), StartsWith("Timestamp, Kitchen\r\n"));
   std::string body;
   for (const ServiceRequest& request : services.Requests()) {
     EXPECT_EQ(request.problem, "") << request.target;
@@ -105,7 +101,7 @@ TEST_P(PublishingProgram, EndsAtOnceWhenItIsToldToWhileAServerStalls) {
   EXPECT_EQ(program.End(SIGTERM), 0);
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
   EXPECT_EQ(command.Wait(), 1);
-  EXPECT_THAT(command.Messages(), testing::Not(testing::IsEmpty()));
+  EXPECT_THAT(command.Messages(), testing::Not(IsEmpty()));
 }
 
 INSTANTIATE_TEST_SUITE_P(Both, PublishingProgram,

@@ -1,11 +1,11 @@
 #include "platform/OpenStoreFixture.h"
 #include "platform/sqlite/OpenStoreCopy.h"
+#include "twins/Matchers.h"
 
 namespace wattlark {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::HasSubstr;
 
 struct OpenStoreCopyTest : OpenStoreTest {
   StoreOpening Copy() const { return OpenStoreCopy(profile_, 0); }

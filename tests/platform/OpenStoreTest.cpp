@@ -2,12 +2,10 @@
 #include "platform/OpenStoreFixture.h"
 #include "support/modText.h"
 #include "torture/GoodStore.h"
+#include "twins/Matchers.h"
 
 namespace wattlark {
 namespace {
-
-using testing::HasSubstr;
-using testing::IsEmpty;
 
 namespace fs = std::filesystem;
 
@@ -149,7 +147,7 @@ TEST_F(DamagedStoreTest, IsSetAsideUntouchedAndANewOneWorks) {
     SCOPED_TRACE(aside);
     WriteFile(File(), bad);
     EXPECT_THAT(Open().message,
-                testing::AllOf(HasSubstr("\"" + File() + "\""), HasSubstr("\"" + aside + "\"")));
+                AllOf(HasSubstr("\"" + File() + "\""), HasSubstr("\"" + aside + "\"")));
     EXPECT_EQ(FileBytes(aside), bad);
     ExpectWorks();
   }

@@ -1,4 +1,3 @@
-#include <gmock/gmock.h>
 #include <grp.h>
 
 #include <numeric>
@@ -10,14 +9,11 @@
 #include "platform/qt/SerialDeviceProblem.h"
 #include "platform/qt/SerialDevices.h"
 #include "twins/Frames.h"
+#include "twins/Matchers.h"
 #include "twins/TestTerminal.h"
 
 namespace wattlark {
 namespace {
-
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::StartsWith;
 
 namespace fs = std::filesystem;
 

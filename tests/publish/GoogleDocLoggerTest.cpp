@@ -3,13 +3,10 @@
 #include "publish/GoogleFeeds.h"
 #include "publish/GoogleLogin.h"
 #include "publish/GoogleRow.h"
+#include "twins/Matchers.h"
 
 namespace wattlark {
 namespace {
-
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
 
 struct GoogleLogin : WebLoggerTest {
   GoogleLogin() {
@@ -77,8 +74,8 @@ TEST_F(GoogleLogin, AsksForMissingOrRefusedCredentialsUnlessItMustBeQuiet) {
   EXPECT_EQ(SignIn(), "");
   ASSERT_EQ(http.requests.size(), 2U);
   EXPECT_EQ(http.requests[0].url, endpoints.ClientLoginURL);
-  EXPECT_THAT(http.requests[0].body, testing::StartsWith("Email=a&Passwd=1&"));
-  EXPECT_THAT(http.requests[1].body, testing::StartsWith("Email=b&Passwd=2&"));
+  EXPECT_THAT(http.requests[0].body, StartsWith("Email=a&Passwd=1&"));
+  EXPECT_THAT(http.requests[1].body, StartsWith("Email=b&Passwd=2&"));
   EXPECT_EQ(settings.GoogleUsername, "b");
   EXPECT_EQ(settings.GooglePassword, "2");
   EXPECT_EQ(settings.GoogleAuthToken, "t");

@@ -4,12 +4,10 @@
 #include "publish/PachubeLogger.h"
 #include "publish/PowerMeterLogger.h"
 #include "support/RegionalForms.h"
+#include "twins/Matchers.h"
 
 namespace wattlark {
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 struct CSVLogger : WebLoggerTest {
   CSVLogger() { settings.CSVFilename = folder.File("wattlark.csv"); }

@@ -1,11 +1,9 @@
 #include "WebLoggerTest.h"
 #include "publish/TwitterLogger.h"
+#include "twins/Matchers.h"
 
 namespace wattlark {
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 const char* const kPosted = "<status><created_at>now</created_at></status>";
 const char* const kRefused = "<error>Could not authenticate you.</error>";

@@ -1,15 +1,11 @@
-#include <gmock/gmock.h>
-
 #include "publish/PublishResult.h"
 #include "publish/WebRequestRunner.h"
 #include "publish/WebText.h"
+#include "twins/Matchers.h"
 #include "twins/ScriptedHttp.h"
 
 namespace wattlark {
 namespace {
-
-using testing::Each;
-using testing::ElementsAre;
 
 struct WebRequestRunnerTest : testing::Test {
   WebRequestState Get(std::optional<std::string> progress = {}) {

@@ -1,6 +1,5 @@
-#include <gmock/gmock.h>
-
 #include "config/modRegistry.h"
+#include "twins/Matchers.h"
 #include "twins/MemoryRegistry.h"
 #include "twins/RecordingDesktop.h"
 #include "twins/ScriptedHttp.h"
@@ -11,11 +10,6 @@
 
 namespace wattlark {
 namespace {
-
-using testing::_;
-using testing::ElementsAre;
-using testing::FieldsAre;
-using testing::IsEmpty;
 
 constexpr const char* kAddress = "http://maker.example/version.txt";
 constexpr const char* kDownload = "https://maker.example/setup.exe";
@@ -84,7 +78,7 @@ TEST_F(SoftwareUpdateTest, DownloadOpensTheAddressAndEndsTheProgramOnceThatWorke
   desktop.opensAddresses = false;
   EXPECT_FALSE(Check(File("2.1")));
   ASSERT_EQ(prompts.asked.size(), 1U);
-  EXPECT_THAT(prompts.asked[0].text, testing::HasSubstr(kDownload));
+  EXPECT_THAT(prompts.asked[0].text, HasSubstr(kDownload));
 }
 
 TEST_F(SoftwareUpdateTest, ASkippedVersionStaysSkippedUntilANewerOneOrTheProgramOvertakesIt) {
