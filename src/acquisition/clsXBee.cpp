@@ -121,7 +121,6 @@ void clsXBee::TakeFrame(std::size_t start, std::size_t end, bool searched) {
       std::span<const std::uint8_t>(pending_).subspan(start + kPrefix, end - start - kPrefix);
   const std::uint8_t sum = searched ? PendingSum(start + kPrefix, end) : Sum(frame);
   if (sum != kIntactSum) {
-    ++droppedFrames_;
     searchedEnd_ = std::max(searchedEnd_, end);
     scan_ = std::max(scan_, start + 1);
     return;

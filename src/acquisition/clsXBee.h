@@ -22,10 +22,10 @@ namespace wattlark {
 /// cannot be represented and fails the decoding.
 ///
 /// A frame may be split over any number of reads. Bytes whose checksum is wrong were no frame: they
-/// complete nothing, are counted in `DroppedFrames`, and the bytes behind their delimiter are
-/// searched again, so that an intact frame behind a damaged one, or inside a length that lied, is
-/// not lost. A delimiter found by that second search whose frame is not all there yet keeps nothing
-/// waiting: the frames behind it are taken as they come, and the first intact one ends its claim.
+/// complete nothing, and the bytes behind their delimiter are searched again, so that an intact
+/// frame behind a damaged one, or inside a length that lied, is not lost. A delimiter found by that
+/// second search whose frame is not all there yet keeps nothing waiting: the frames behind it are
+/// taken as they come, and the first intact one ends its claim.
 /// Neither does one whose length is above that of every I/O sample frame: a stray delimiter would
 /// silence a single meter for minutes. No input makes a byte cost more than a few steps; intact
 /// frames are looked at once.
@@ -76,7 +76,6 @@ class clsXBee {
 
   std::uint64_t CompletedFrames() const { return completedFrames_; }
   std::uint64_t DecodedFrames() const { return decodedFrames_; }  ///< I/O sample frames
-  std::uint64_t DroppedFrames() const { return droppedFrames_; }  ///< wrong checksums
 
  private:
   static constexpr int MaximumSamples = 255;
@@ -134,7 +133,6 @@ class clsXBee {
 
   std::uint64_t completedFrames_ = 0;
   std::uint64_t decodedFrames_ = 0;
-  std::uint64_t droppedFrames_ = 0;
 };
 
 }  // namespace wattlark

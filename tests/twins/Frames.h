@@ -70,4 +70,9 @@ inline Bytes Join(std::initializer_list<Bytes> parts) {
   return whole;
 }
 
+inline Bytes Slice(const Bytes& bytes, std::size_t from, std::size_t to) {
+  return {bytes.begin() + static_cast<std::ptrdiff_t>(from),
+          bytes.begin() + static_cast<std::ptrdiff_t>(to)};
+}
+
 }  // namespace wattlark

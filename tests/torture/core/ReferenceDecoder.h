@@ -10,11 +10,6 @@
 
 namespace wattlark {
 
-inline Bytes Slice(const Bytes& bytes, std::size_t from, std::size_t to) {
-  return {bytes.begin() + static_cast<std::ptrdiff_t>(from),
-          bytes.begin() + static_cast<std::ptrdiff_t>(to)};
-}
-
 /// The rules of the stream in their plainest form: everything is kept, every sum is taken anew.
 struct ReferenceDecoder {
   Bytes bytes;
@@ -23,12 +18,10 @@ struct ReferenceDecoder {
   std::vector<std::pair<std::size_t, std::size_t>> waiting;
   std::vector<Bytes> frames;
   std::vector<std::size_t> starts;  ///< of the frames, in the stream
-  std::uint64_t dropped = 0;
 
   void Take(std::size_t start, std::size_t end) {
     const Bytes frame = Slice(bytes, start + 3, end);
     if (std::accumulate(frame.begin(), frame.end(), 0U) % 256 != 255) {
-      ++dropped;
       failedEnd = std::max(failedEnd, end);
       position = std::max(position, start + 1);
       return;
