@@ -50,14 +50,11 @@ void Fill(clsKillAWatt& meter) {
   meter.SetXBeeAddress(0x7FFF);
   meter.SetKillAWattType(GeneratorMeter);
   meter.SetNominalVoltage(230.5);
-  meter.SetNominalFrequency(50);
   meter.SetCurrentOffset(501);
   meter.SetCurrentScaler(1 / 15.0);
   meter.SetVoltageScaler(1.1525000000000003);
-  meter.Alarm().SetAlarmActive(true);
   meter.Alarm().SetAlarmUpperLimit(1234.5);
   meter.Alarm().SetAlarmLowerLimit(-0.1);
-  meter.Alarm().SetAlarmDuration(30);
   meter.Alarm().SetAlarmInterval(900);
   MeterStatistics& statistics = meter.Statistics();
   statistics.SetTimestamp(At("2026-11-16T20:10:00.250"));

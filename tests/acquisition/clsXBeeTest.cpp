@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include "acquisition/clsXBee.h"
 #include "twins/Frames.h"
 #include "twins/HandClock.h"

@@ -57,19 +57,11 @@ TEST(CaptureReader, ABadLineIsNamedAndAddsNothing) {
   }
 }
 
-TEST(CaptureReader, StandsLongLines) {
+TEST(CaptureReader, GivesUpALineThatSeemsEndless) {
   Capture capture;
-  const std::string problem = Read(std::string(100000, 'x') + " 1 tick\n", capture);
-  EXPECT_TRUE(problem.starts_with("a.cap:1: \"" + std::string(40, 'x') + "...\" is not a date"))
-      << problem.substr(0, 200);
-  EXPECT_EQ(Read("2026-11-16T20:10:01 1 rx " + std::string(400000, 'a') +
-                     "\r\n2026-11-16T20:10:01 1 tick\n",
-                 capture),
-            "");
-  ASSERT_EQ(capture.events.size(), 2U);
-  EXPECT_EQ(capture.bytes, std::vector<std::uint8_t>(200000, 0xAA));
-  // One that seems endless is given up.
   EXPECT_EQ(Read(std::string((16U << 20) + 1, '\0'), capture), "a.cap:1: the line is too long");
+  EXPECT_EQ(Read("2026-11-16T20:10:01 1 rx " + std::string(400000, 'a'), capture), "");
+  EXPECT_EQ(capture.bytes, std::vector<std::uint8_t>(200000, 0xAA));
 }
 
 }  // namespace

@@ -1,4 +1,3 @@
-
 #include "cli/CommandTest.h"
 #include "cli/MeterJson.h"
 #include "config/modRegistry.h"

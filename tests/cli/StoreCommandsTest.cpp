@@ -1,4 +1,3 @@
-
 #include "cli/CommandTest.h"
 #include "config/modRegistry.h"
 #include "platform/sqlite/OpenStore.h"

@@ -10,8 +10,6 @@
 #include <QTest>
 #include <set>
 #include <stdexcept>
-#include <string>
-#include <vector>
 
 namespace wattlark {
 
@@ -34,18 +32,6 @@ inline void ChooseEntry(const QWidget& form, const QString& list, const QString&
   ASSERT_NE(index, -1) << entry.toStdString();
   box.setCurrentIndex(index);
   emit box.activated(index);
-}
-
-/// Where the tab key leads to from the control that is named first, as often as there are `stops`.
-inline std::vector<std::string> TabOrder(const QWidget& form, const QString& first,
-                                         std::size_t stops) {
-  Find(form, first).setFocus();
-  std::vector<std::string> order;
-  for (std::size_t i = 0; i < stops; ++i) {
-    order.push_back(form.focusWidget()->objectName().toStdString());
-    QTest::keyClick(form.focusWidget(), Qt::Key_Tab);
-  }
-  return order;
 }
 
 /// Each control of the part has a spoken name and room for a finger, and each caption a key that is

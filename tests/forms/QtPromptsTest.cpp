@@ -1,4 +1,3 @@
-
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QScreen>

@@ -71,15 +71,5 @@ TEST(AutostartEntry, QuotesTheProgram) {
   }
 }
 
-TEST(AutostartFolder, IsInTheUsersConfiguration) {
-  const QByteArray before = qgetenv("XDG_CONFIG_HOME");
-  const std::string home = qgetenv("HOME").toStdString();
-  qputenv("XDG_CONFIG_HOME", "/some/where");
-  EXPECT_EQ(AutostartFolder(), "/some/where/autostart");
-  qputenv("XDG_CONFIG_HOME", "relative");
-  EXPECT_EQ(AutostartFolder(), home + "/.config/autostart");
-  qputenv("XDG_CONFIG_HOME", before);
-}
-
 }  // namespace
 }  // namespace wattlark

@@ -1,4 +1,3 @@
-
 #include "platform/OpenStoreFixture.h"
 #include "support/modText.h"
 #include "torture/GoodStore.h"

@@ -165,9 +165,7 @@ TEST(ParseNumber, ReadsTheRegionsNumbers) {
 
 TEST(ParseNumber, RefusesWhatNoDoubleHoldsAndStandsARegionWithoutSeparators) {
   RegionalSettings regional = RegionalSettings::UnitedStates();
-  EXPECT_EQ(ParseNumber(regional, "1" + std::string(300, '0')), 1E300);
   EXPECT_FALSE(ParseNumber(regional, "1" + std::string(309, '0')));
-  EXPECT_EQ(ParseNumber(regional, "0." + std::string(400, '0') + "1"), 0);
   regional.groupSeparator = regional.decimalSeparator = "";
   regional.currencySymbol = regional.negativeSign = "";
   EXPECT_EQ(ParseNumber(regional, "-1234.5"), -1234.5);

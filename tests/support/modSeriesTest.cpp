@@ -39,16 +39,6 @@ TEST(SplitSeries, CopiesFromTheFirstEntry) {
   SplitSeries("1,2", empty);
   EXPECT_EQ(JoinSeries({}), "");
   EXPECT_EQ(JoinSeries(Series{NoValue, -0.25, 0, 1200}), "1E+308,-0.25,0,1200");
-  const Series written = {NoValue, 0.1, 1.0 / 3, -123456.789, 1E-300, 5E-324, 1E22, 0};
-  Series read(written.size(), 7);
-  SplitSeries(JoinSeries(written), read);
-  EXPECT_EQ(read, written);
-}
-
-TEST(Clamp, TakesBoundsForWhatLiesOutside) {
-  EXPECT_EQ(Clamp(-1, 0, 1023), 0);
-  EXPECT_EQ(Clamp(5000, 0, 1023), 1023);
-  EXPECT_EQ(Clamp(std::numeric_limits<double>::quiet_NaN(), 0.25, 0.75), 0.75);
 }
 
 }  // namespace

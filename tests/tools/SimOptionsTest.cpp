@@ -39,8 +39,6 @@ TEST(SimOptions, TakesEverythingThatIsGiven) {
   EXPECT_TRUE(pump.isGenerator);
   const MeterSettings& lamp = options.meters[1];
   EXPECT_FALSE(lamp.varies) << "a capture keeps its loads unless told otherwise";
-  EXPECT_TRUE(Parse("--capture - --vary").options->meters[0].varies);
-  EXPECT_FALSE(Parse("--no-vary").options->meters[0].varies);
   EXPECT_EQ(options.durationSeconds, 30);
   EXPECT_EQ(options.seed, 42U);
   EXPECT_EQ(options.line.splitMaximum, 16U);

@@ -102,7 +102,6 @@ class SimulatedYear : public MonitorListener {
   }
 
   void Run() {
-    const auto start = std::chrono::steady_clock::now();
     Sizes afterSecond;
     for (int day = 1; day <= days_; ++day) {
       for (int second = 0; second < kSecondsOfDay; ++second) RunSecond();
@@ -111,9 +110,8 @@ class SimulatedYear : public MonitorListener {
       if (day == 2) afterSecond = sizes;
       if (day > 2) CheckSizes(day, sizes, afterSecond);
       if (day <= 2 || day % 30 == 0 || day == days_) {
-        const std::chrono::duration<double> wall = std::chrono::steady_clock::now() - start;
-        std::printf("day %3d: %.0f s, heap %zu, resident %zu, store %ju bytes, difference %.1Le\n",
-                    day, wall.count(), sizes.heap, sizes.resident, sizes.store, worst_);
+        std::printf("day %3d: heap %zu, resident %zu, store %ju bytes, difference %.1Le\n", day,
+                    sizes.heap, sizes.resident, sizes.store, worst_);
         std::fflush(stdout);
       }
     }
