@@ -16,8 +16,6 @@ struct clsSystemTime {
   std::uint16_t wMinute = 0;
   std::uint16_t wSecond = 0;
   std::uint16_t wMilliseconds = 0;
-
-  bool operator==(const clsSystemTime&) const = default;
 };
 
 }  // namespace wattlark

@@ -24,8 +24,6 @@ struct clsTimeZoneInformation {
   /// 16-bit fields each). Nothing when `blob` is not of exactly `BlobLength` bytes.
   static std::optional<clsTimeZoneInformation> FromBlob(std::span<const std::uint8_t> blob);
   std::vector<std::uint8_t> ToBlob() const;
-
-  bool operator==(const clsTimeZoneInformation&) const = default;
 };
 
 }  // namespace wattlark

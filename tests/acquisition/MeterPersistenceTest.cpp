@@ -168,10 +168,9 @@ TEST(MeterPersistence, ClampsStoredCalibration) {
 TEST(MeterPersistence, NotesWhatItCannotRead) {
   using Row = std::pair<const char*, const char*>;
   for (const auto& [name, stored] :
-       {Row{"XBeeAddress", "32768"}, Row{"XBeeAddress", "5.5"}, Row{"AlarmActive", "yes"},
-        Row{"AlarmUpperLimit", "x"}, Row{"AlarmLowerLimit", "1,000.5"},
-        Row{"AlarmDuration", "99999999999"}, Row{"AlarmInterval", "1e3"},
-        Row{"NominalVoltage", "nan"}, Row{"NominalFrequency", "0x32"},
+       {Row{"XBeeAddress", "32768"}, Row{"AlarmActive", "yes"}, Row{"AlarmUpperLimit", "x"},
+        Row{"AlarmLowerLimit", "1,000.5"}, Row{"AlarmDuration", "99999999999"},
+        Row{"AlarmInterval", "1e3"}, Row{"NominalVoltage", "nan"}, Row{"NominalFrequency", "0x32"},
         Row{"CurrentOffset", "-40000"}, Row{"CurrentScaler", "inf"}, Row{"VoltageScaler", "1E+999"},
         Row{"KillAWattType", "Load"}, Row{"Timestamp", "yesterday"}, Row{"UsageToDate", "--1"},
         Row{"PeakToday", "1 2"}, Row{"PeakTimeToday", "11/16/2026 25:00:00 PM"}}) {

@@ -1,4 +1,5 @@
 #include <limits>
+#include <stdexcept>
 #include <utility>
 
 #include "acquisition/MeterStatistics.h"
@@ -114,6 +115,8 @@ TEST(MeterStatistics, Resets) {
   meter.ResetStatistics();
   ExpectNothing(meter);
   EXPECT_EQ(meter.Timestamp(), At("2026-11-16T20:10:00")) << "the reading clock is no statistic";
+  for (const int index : {-1, 7}) EXPECT_THROW(meter.Usage(index), std::out_of_range);
+  for (const int index : {-1, 6}) EXPECT_THROW(meter.DemandRecent(index), std::out_of_range);
   meter.AddReading(50, At("2026-11-16T20:10:01"), 2000);
   for (const int i : {Day, Year}) EXPECT_EQ(meter.DemandRecent(i).back(), 50);
 }

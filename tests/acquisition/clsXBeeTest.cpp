@@ -1,3 +1,5 @@
+#include <stdexcept>
+
 #include "acquisition/clsXBee.h"
 #include "twins/Frames.h"
 #include "twins/HandClock.h"
@@ -61,6 +63,19 @@ TEST(clsXBee, DecodesEveryField) {
   EXPECT_THAT(Channel(frame, 1), ElementsAre(700, 300, 512));
   EXPECT_THAT(Channel(frame, 5), ElementsAre(498, 0, 1023));
   for (const int channel : {2, 3, 4, 6}) EXPECT_THAT(Channel(frame, channel), Each(-1));
+}
+
+TEST(clsXBee, RefusesSamplesAndChannelsThatDoNotExist) {
+  Receiver receiver;
+  receiver.Read(TwoSampleFrame(5));
+  const clsXBee& frame = receiver.decoder;
+  std::vector<std::int16_t> readings(2);
+  for (const bool above : {false, true}) {
+    EXPECT_THROW(frame.AnalogSample(above ? 3 : 0, 1), std::out_of_range) << above;
+    EXPECT_THROW(frame.AnalogSample(1, above ? 7 : 0), std::out_of_range) << above;
+    EXPECT_THROW(frame.CopyChannel(above ? 7 : 0, readings), std::out_of_range) << above;
+    EXPECT_THROW(frame.DigitalSample(1, above ? 10 : 0), std::out_of_range) << above;
+  }
 }
 
 TEST(clsXBee, ReadsSampleTablesOfEveryMask) {

@@ -150,6 +150,8 @@ TEST(TimeZoneRegistry, HasOneZoneAndRefusesChanges) {
   EXPECT_EQ(registry.Values(kMachine, root + "\\New/Zone\\Dynamic DST").size(), 4u);
   EXPECT_FALSE(registry.Read(kMachine, root + "\\Old/Zone", "Std"));
   EXPECT_FALSE(registry.Read(kMachine, root + "\\New/Zone", "Nothing"));
+  EXPECT_TRUE(registry.Values(kMachine, root).empty());
+  EXPECT_TRUE(registry.SubKeys(Hive::CurrentUser, root).empty());
   EXPECT_FALSE(registry.Write(kMachine, root + "\\New/Zone", "Std", {}));
   EXPECT_FALSE(registry.DeleteKey(kMachine, root + "\\New/Zone\\Dynamic DST"));
   const clsTimeZone zone = GetTimeZoneByName(modRegistry(registry), "new/zone");

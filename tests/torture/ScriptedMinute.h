@@ -32,17 +32,6 @@ class ScriptedMinute {
   }
 
  private:
-  static Bytes Frame(std::uint16_t address, int second) {
-    std::vector<std::uint16_t> volts;
-    std::vector<std::uint16_t> amps;
-    for (int sample = 0; sample < 19; ++sample) {
-      const int swing = sample % 10 < 5 ? 1 : -1;
-      volts.push_back(static_cast<std::uint16_t>(512 + 200 * swing));
-      amps.push_back(static_cast<std::uint16_t>(498 + (20 + second) * swing));
-    }
-    return MeterFrame(address, volts, amps);
-  }
-
   int TryCommand(std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), {"--profile", profile_});
     const CommandResult result = RunCommand(arguments);
@@ -70,7 +59,7 @@ class ScriptedMinute {
     for (int second = 0; second < seconds; ++second) {
       clock_.Advance(1000);
       for (const std::uint16_t address : std::initializer_list<std::uint16_t>{5, 6, 7}) {
-        run.Receive(Frame(address, second));
+        run.Receive(Frame120W(address));
       }
       monitor.UpdateCycle();
       after_();
