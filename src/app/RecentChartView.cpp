@@ -97,6 +97,25 @@ void AddTotal(RecentChartView& view, int unit, const RegionalSettings& regional)
   view.header += " (total)";
 }
 
+// The moment of slot value `x` of an interval (0..5).
+DateTime SlotTime(int interval, std::int64_t x) {
+  // Only the years 1 to 9999 have names; the first bound keeps the arithmetic within its type.
+  constexpr std::int64_t kMostYears = 10'000;
+  const std::int64_t milliseconds = Slots(interval).milliseconds;
+  const std::int64_t perYear =
+      milliseconds == 0 ? kMonthsPerYear : kMillisecondsPerYear / milliseconds;
+  if (x < -kMostYears * perYear || x > kMostYears * perYear) return DateTime();
+  CivilTime civil;
+  if (milliseconds == 0) {
+    const std::int64_t month = kBaseYear * kMonthsPerYear + x;
+    civil.year = static_cast<int>(month / kMonthsPerYear);
+    civil.month = static_cast<int>(month % kMonthsPerYear) + 1;
+  } else {
+    civil = kBase.PlusMilliseconds(x * milliseconds).Civil();
+  }
+  return DateTime::FromCivil(civil).value_or(DateTime());
+}
+
 }  // namespace
 
 RecentChartView MakeRecentChartView(const clsKillAWatt& meter, const AppSettings& settings,
@@ -126,26 +145,8 @@ RecentChartView MakeRecentChartView(const clsKillAWatt& meter, const AppSettings
   return view;
 }
 
-DateTime RecentSlotTime(int interval, std::int64_t x) {
-  // Only the years 1 to 9999 have names; the first bound keeps the arithmetic within its type.
-  constexpr std::int64_t kMostYears = 10'000;
-  const std::int64_t milliseconds = Slots(interval).milliseconds;
-  const std::int64_t perYear =
-      milliseconds == 0 ? kMonthsPerYear : kMillisecondsPerYear / milliseconds;
-  if (x < -kMostYears * perYear || x > kMostYears * perYear) return DateTime();
-  CivilTime civil;
-  if (milliseconds == 0) {
-    const std::int64_t month = kBaseYear * kMonthsPerYear + x;
-    civil.year = static_cast<int>(month / kMonthsPerYear);
-    civil.month = static_cast<int>(month % kMonthsPerYear) + 1;
-  } else {
-    civil = kBase.PlusMilliseconds(x * milliseconds).Civil();
-  }
-  return DateTime::FromCivil(civil).value_or(DateTime());
-}
-
 std::string RecentAxisLabel(int interval, std::int64_t x, const RegionalSettings& regional) {
-  const DateTime time = RecentSlotTime(interval, x);
+  const DateTime time = SlotTime(interval, x);
   if (time.IsNever()) return "";
   std::string label = FormatDateTime(regional, time, Slots(interval).axisPattern);
   if (CheckedInterval(interval) == Year) {
@@ -172,7 +173,7 @@ std::string RecentHoverText(int unit, int interval, std::int64_t x, double value
   }
   const SlotForm& slots = Slots(interval);
   text += slots.hoverWords;
-  return text + FormatDateTime(regional, RecentSlotTime(interval, x), slots.hoverPattern);
+  return text + FormatDateTime(regional, SlotTime(interval, x), slots.hoverPattern);
 }
 
 }  // namespace wattlark

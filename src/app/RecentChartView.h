@@ -33,8 +33,6 @@ struct RecentChartView {
 RecentChartView MakeRecentChartView(const clsKillAWatt& meter, const AppSettings& settings,
                                     const RegionalSettings& regional, DateTime now);
 
-/// The moment of slot value `x` of an interval (0..5).
-DateTime RecentSlotTime(int interval, std::int64_t x);
 /// What the time axis says at `x` ("08:10:01PM", "Mon", "16Nov").
 std::string RecentAxisLabel(int interval, std::int64_t x, const RegionalSettings& regional);
 /// What the status bar says of a data point ("601.2 W (avg.) @ 8:09:52 PM"); `unit` 0..3.

@@ -105,7 +105,7 @@ TEST(MeterStatistics, AveragesTheNewestPartOfASeries) {
   EXPECT_EQ(meter.AverageDemand(4), (57 + 59) / 2.0);
 }
 
-TEST(MeterStatistics, Resets) {
+TEST(MeterStatistics, ResetsRefusesWhatDoesNotExistAndTakesTheMeanOfWhatWasWritten) {
   MeterStatistics meter = FullMeter("2026-11-16T20:10:00");
   meter.ResetUsage();
   EXPECT_EQ(meter.Usage(SinceReset), 0);
@@ -119,6 +119,9 @@ TEST(MeterStatistics, Resets) {
   for (const int index : {-1, 6}) EXPECT_THROW(meter.DemandRecent(index), std::out_of_range);
   meter.AddReading(50, At("2026-11-16T20:10:01"), 2000);
   for (const int i : {Day, Year}) EXPECT_EQ(meter.DemandRecent(i).back(), 50);
+  meter.SetDemandRecent(Hour, std::vector<double>(59, 10.0));
+  meter.AddReading(50, At("2026-11-16T20:10:02"), 3000);
+  EXPECT_NEAR(meter.DemandRecent(Day).back(), (59 * 10 + 50) / 60.0, 1e-9);
 }
 
 // 2023 begins on a Sunday.

@@ -1,4 +1,4 @@
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <vector>
@@ -85,6 +85,14 @@ TEST(clsKillAWatt, ConvertsSamplesIntoAReading) {
     EXPECT_EQ(meter.GetSamples(sampleVolts, sampleAmps), !voltage.empty());
     EXPECT_EQ(meter.Timestamp(), At("2026-11-16T20:10:00"));
   }
+}
+
+TEST(clsKillAWatt, TakesChannelsThatAreNotSampledForWhatTheyRead) {
+  // Without A0 and A4 every reading is -1: no swing, and the current far below its offset.
+  Meter meter;
+  meter.decoder.ParseBytes(SampleFrame(5, 3, {1, 2, 3}, {.mask = 0x0400}));
+  meter.ProcessPacket(meter.decoder);
+  EXPECT_NEAR(meter.Amps(), -499 / 15.5 / 3, 1e-9);
 }
 
 TEST(clsKillAWatt, StopsReceivingFiveSecondsAfterAReading) {
@@ -223,7 +231,7 @@ TEST(MeterAlarm, AssignmentsChangeTheCountersAsTheyMust) {
   }
 }
 
-TEST(MeterAlarm, OffAnswersNoWhateverTheCountersHold) {
+TEST(MeterAlarm, OffAnswersNoAndOnTheCountersStayAtTheirEnd) {
   Watched alarm;
   alarm.AddReading(600, 1000);
   ASSERT_TRUE(alarm.AlarmTriggered());
@@ -233,7 +241,6 @@ TEST(MeterAlarm, OffAnswersNoWhateverTheCountersHold) {
   EXPECT_EQ(alarm.IntervalSeconds(), 1000) << "the time since the last notice runs on";
   EXPECT_FALSE(alarm.AlarmTriggered());
   EXPECT_FALSE(alarm.AlarmRepeatDue());
-  // Counters stay at their end.
   alarm.SetAlarmActive(true);
   for (int i = 0; i < 3; ++i) alarm.AddReading(600, std::int64_t{1} << 40);
   EXPECT_EQ(alarm.OutOfRangeSeconds(), 0x7FFFFFFF);

@@ -1,4 +1,5 @@
-// What ticks do besides receiving: the Total, saving, demo readings, alarms and publishing.
+// What ticks do besides receiving: the Total, saving, demo readings, alarms, the log and the checks
+// for updates.
 
 #include "app/MonitorFixture.h"
 #include "twins/Matchers.h"

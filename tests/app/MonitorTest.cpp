@@ -46,7 +46,8 @@ TEST_F(MonitorTest, GivesAFrameToTheMeterOfItsAddressAndNothingElseToAny) {
   EXPECT_THAT(listener.commImages, IsEmpty());
   Arrive(MeterFrame(5, {700}, {498}, {.wrongChecksum = true}));
   EXPECT_THAT(listener.commImages, ElementsAre(CommImage::Receiving));
-  for (const Bytes& bytes : {WrapFrame({0x88, 1}), SampleFrame(5, 2, {1}), Frame120W(7)}) {
+  for (const Bytes& bytes : {WrapFrame({0x88, 1}), SampleFrame(5, 2, {1}), Frame120W(7),
+                             Join({Frame120W(5), Frame120W(7)})}) {
     listener.commImages.clear();
     Arrive(bytes);
     EXPECT_THAT(listener.commImages, ElementsAre(CommImage::Receiving, CommImage::Idle));

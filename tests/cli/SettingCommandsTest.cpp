@@ -67,11 +67,12 @@ TEST_F(SettingCommands, AHyphenReadsTheValueFromStandardInput) {
   EXPECT_EQ(Setting("TwitterPassword"), "\n");
 }
 
-TEST_F(SettingCommands, AStoredTextThatIsNoValueIsTold) {
+TEST_F(SettingCommands, AStoredTextThatIsNoValueIsToldAndKeptWhenAnotherIsSet) {
   {
     StoreOpening opening = OpenStore(profile_);
     ASSERT_TRUE(modRegistry(*opening.registry).SaveAppSetting("", "Settings", "PortNum", "three"));
   }
+  RunHere({"setting", "set", "BaudRate", "19200"});
   const CommandResult result = RunHere({"setting", "get", "PortNum"});
   EXPECT_EQ(result.status, ExitOK);
   EXPECT_EQ(result.output, "3\n");
@@ -83,6 +84,9 @@ TEST_F(SettingCommands, TableHidesSecretsAndJsonDoesNot) {
   EXPECT_EQ(set.status, ExitOK);
   EXPECT_NE(set.messages.find("list of processes"), std::string::npos);
   EXPECT_EQ(set.messages.find("swordfish"), std::string::npos);
+  for (const char* secret : {"PachubeAPIKey", "PowerMeterAuthInfo", "TwitterPassword"}) {
+    RunHere({"setting", "set", secret, "-"}, "swordfish\n");
+  }
   ExpectDone({"setting", "set", "PortDevices/COM9", "/dev/x"});
   const CommandResult table = RunHere({"setting", "list"});
   EXPECT_EQ(table.output.find("swordfish"), std::string::npos);

@@ -1,6 +1,5 @@
 #include <QTest>
 
-#include "MainWindowFixture.h"
 #include "forms/MainWindowFixture.h"
 #include "twins/Matchers.h"
 

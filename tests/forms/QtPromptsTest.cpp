@@ -132,7 +132,7 @@ TEST(frmLogin, StartsFromThePresentCredentialsAndHandsBackOnlyWhatWasConfirmed) 
       EXPECT_EQ(secret.echoMode(), QLineEdit::Password);
       name.setText("new ü");
       secret.setText(" p ");
-      QTest::keyClick(form, confirms ? Qt::Key_Return : Qt::Key_Escape);
+      Click(*form, confirms ? "cmdOK" : "cmdCancel");
     });
     EXPECT_EQ(prompts.SignIn("Google Login", userName, password), confirms);
     EXPECT_EQ(userName + password, confirms ? "new ü p " : "old");

@@ -1,7 +1,5 @@
 #include <gmock/gmock.h>
 
-#include <QByteArray>
-
 #include "TemporaryFolder.h"
 #include "config/modRegistry.h"
 #include "platform/xdg/AutostartRegistry.h"
@@ -60,6 +58,12 @@ TEST_F(AutostartRegistryTest, FollowsTheTransaction) {
   Delete();
   EXPECT_FALSE(registry.Commit());
   EXPECT_TRUE(IsThere());
+  // An entry that cannot be written fails no save.
+  inner.failsCommit = false;
+  AutostartRegistry blocked{inner, entry};
+  blocked.Begin();
+  modRegistry(blocked).SetStringValue(Hive::LocalMachine, RunAtLogOnKey, "Wattlark", "x");
+  EXPECT_TRUE(blocked.Commit());
 }
 
 TEST(AutostartEntry, QuotesTheProgram) {

@@ -33,7 +33,8 @@ TEST_F(OpenStoreCopyTest, IsReadBesideAnOpenTransactionAndChangesStayInIt) {
   ASSERT_TRUE(running.registry->Write(kUser, "A\\B", "v", TextValue("half made")));
   const auto before = FilesIn(profile_);
   const StoreOpening copy = Copy();
-  ASSERT_NE(copy.registry, nullptr) << copy.message;
+  ASSERT_NE(copy.registry, nullptr);
+  EXPECT_EQ(copy.message, "");
   EXPECT_FALSE(copy.savesChanges);
   EXPECT_EQ(copy.registry->Read(kUser, "a\\b", "V"), TextValue("stored"));
   ASSERT_TRUE(copy.registry->Begin());

@@ -76,7 +76,7 @@ TEST_F(OpenStoreTest, AStoreWithoutPermissionIsReadWhereItCanBeAndNeverChanged) 
   for (const auto& [folder, file, message, readable] :
        {Permissions{0777, 0444, "can only be read", true},
         Permissions{0555, 0666, "can only be read", true},
-        Permissions{0000, 0666, "cannot be", false}}) {
+        Permissions{0777, 0000, "cannot be", false}, Permissions{0000, 0666, "cannot be", false}}) {
     SetModes(folder, file);
     {
       const WithoutRoot user;

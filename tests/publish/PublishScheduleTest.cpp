@@ -60,7 +60,7 @@ TEST(PublishSchedule, RunsWhatIsDueStampedWithItsSlot) {
   }
 }
 
-TEST(PublishSchedule, LeavesADisabledDestinationsDueTime) {
+TEST(PublishSchedule, LeavesADisabledDestinationsDueTimeAndWithoutAnIntervalIsDueNow) {
   Publishing publishing;
   publishing.settings.LogToCSV = false;
   publishing.schedule.Start(publishing.settings, At("2026-11-16T20:07:30"));

@@ -29,7 +29,10 @@ class CutPower {
         file.pending.clear();
         break;
       case DiskOperation::SyncFolder:
-        for (auto& [name, other] : files_) other.isDurable = other.exists;
+        for (auto& [name, other] : files_) {
+          if (!other.exists) other = State();
+          other.isDurable = other.exists;
+        }
         break;
       case DiskOperation::Delete:
         file.exists = false;

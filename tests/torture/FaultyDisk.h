@@ -31,7 +31,7 @@ class FaultyDisk {
   std::vector<DiskOperation> log;
   bool isRecording = false;
   bool dropsSyncs = false;      ///< recorded as if SQLite did not sync
-  bool swallowsFaults = false;  ///< an operation that fails claims to have worked
+  bool swallowsFaults = false;  ///< what fails claims to have worked; no file's making fails then
 
   FaultyDisk() {
     here_ = this;
@@ -115,7 +115,8 @@ class FaultyDisk {
   static int Open(const char* path, int flags, int mode) {
     const std::string name = NameOf(path);
     const auto open = [&] { return ::open(path, flags, mode); };
-    const bool isNew = IsStore(name) && (flags & O_CREAT) != 0 && !std::filesystem::exists(path);
+    const bool isNew = IsStore(name) && (flags & O_CREAT) != 0 && !std::filesystem::exists(path) &&
+                       !here_->swallowsFaults;
     const int descriptor =
         isNew ? here_->Meet({.kind = DiskOperation::Create, .file = name}, open) : open();
     here_->names_[descriptor] = IsStore(name)                         ? name

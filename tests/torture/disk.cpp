@@ -80,6 +80,8 @@ class DiskTorture {
     disk_.isRecording = false;
     torture_.Expect(minute.answers.empty() && minute.errors.empty(),
                     "an undisturbed minute speaks");
+    torture_.Expect(std::ranges::count(disk_.log, DiskOperation::Write, &DiskOperation::kind) > 0,
+                    "SQLite writes by another call");
     torture_.Count("actions", states_.size());
     torture_.Count("operations of the disk", disk_.log.size());
   }

@@ -23,8 +23,6 @@ inline Bytes WrapFrame(const Bytes& data, bool wrongChecksum = false) {
 
 struct FrameOptions {
   std::uint16_t mask = 0x2200;  ///< A0 and A4
-  std::uint8_t identifier = 0x83;
-  std::uint8_t rssi = 40;
   std::uint8_t options = 0;
   bool wrongChecksum = false;
 };
@@ -33,13 +31,13 @@ struct FrameOptions {
 inline Bytes SampleFrame(std::uint16_t address, std::uint8_t sampleCount,
                          const std::vector<std::uint16_t>& words,
                          const FrameOptions& options = {}) {
-  Bytes data{options.identifier};
+  Bytes data{0x83};
   const auto word = [&data](std::uint16_t value) {
     data.push_back(static_cast<std::uint8_t>(value >> 8));
     data.push_back(static_cast<std::uint8_t>(value & 0xFF));
   };
   word(address);
-  data.push_back(options.rssi);
+  data.push_back(40);  // RSSI
   data.push_back(options.options);
   data.push_back(sampleCount);
   word(options.mask);

@@ -17,7 +17,6 @@ class RecordingListener final : public MonitorListener {
   std::vector<AlarmNotice> notices;
   std::vector<std::string> readings;  ///< names of the meters
   std::vector<bool> timerChanges;
-  int statusUpdates = 0;
   bool showsNotices = true;
   std::function<void()> duringStatusUpdate;
   std::function<void()> duringReading;
@@ -32,7 +31,6 @@ class RecordingListener final : public MonitorListener {
     if (duringReading) duringReading();
   }
   void OnUpdateStatus() override {
-    ++statusUpdates;
     if (duringStatusUpdate) duringStatusUpdate();
   }
   int exits = 0;

@@ -29,7 +29,7 @@ class TestTerminal {
     ::cfmakeraw(&raw);
     ::tcsetattr(master_, TCSANOW, &raw);
   }
-  ~TestTerminal() { HangUp(); }
+  ~TestTerminal() { ::close(master_); }
   TestTerminal(const TestTerminal&) = delete;
   TestTerminal& operator=(const TestTerminal&) = delete;
 
@@ -52,11 +52,6 @@ class TestTerminal {
       if (count <= 0) return text;
       text.append(buffer.data(), static_cast<std::size_t>(count));
     }
-  }
-  /// The device is unplugged.
-  void HangUp() {
-    if (master_ >= 0) ::close(master_);
-    master_ = -1;
   }
 
  private:

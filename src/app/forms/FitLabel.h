@@ -20,8 +20,6 @@ class FitLabel : public QLabel {
   FitLabel(const QString& objectName, Size size, Qt::Alignment alignment, QWidget* parent);
 
   void SetTone(Tone tone);
-  /// The font that the present text takes in the present space.
-  QFont FittedFont() const;
 
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override;
@@ -31,6 +29,8 @@ class FitLabel : public QLabel {
 
  private:
   QFont FullFont() const;
+  /// The font that the present text takes in the present space.
+  QFont FittedFont() const;
   bool IsFitting(const QFont& font) const;
 
   Size size_;
