@@ -139,8 +139,10 @@ TEST(ParseDateAndTime, RefusesWhatIsNone) {
     const std::string text = std::string("3/7/2010") + time;
     EXPECT_FALSE(ParseDateAndTime(RegionalSettings::UnitedStates(), text)) << text;
   }
+  const RegionalSettings regional = WithPatterns("dddd d MMM M yyyy", "HH:mm:ss");
+  EXPECT_TRUE(ParseDateAndTime(regional, "Sunday 7 Mar 3 2010"));
   for (const char* contradiction : {"Monday 7 Mar 3 2010", "Sunday 7 Mar 4 2010"}) {
-    EXPECT_FALSE(ParseDateAndTime(WithPatterns("dddd d MMM M yyyy", ""), contradiction));
+    EXPECT_FALSE(ParseDateAndTime(regional, contradiction)) << contradiction;
   }
   EXPECT_FALSE(ParseDateAndTime(WithPatterns("M/yyyy", "HH:mm:ss"), "3/2010 00:00:00"));
   EXPECT_FALSE(ParseDateAndTime(WithPatterns("", ""), "3/2010"));

@@ -42,11 +42,6 @@ NoisyStream MakeNoisyStream(std::size_t count, double rate, bool isHostile, Rand
   const auto noise = [&] {
     return isHostile ? kHostile[random.Below(8)] : static_cast<std::uint8_t>(random.Below(256));
   };
-  const auto noiseOf = [&](std::uint32_t most) {
-    for (std::uint32_t left = 1 + random.Below(most); left > 0; --left) {
-      stream.bytes.push_back(noise());
-    }
-  };
   for (std::size_t number = 0; number < count; ++number) {
     std::vector<std::uint16_t> volts;
     std::vector<std::uint16_t> amps;
@@ -87,7 +82,7 @@ NoisyStream MakeNoisyStream(std::size_t count, double rate, bool isHostile, Rand
           }
           break;
         case 5:  // between two frames
-          noiseOf(32);
+          for (std::uint32_t n = 1 + random.Below(32); n > 0; --n) stream.bytes.push_back(noise());
           break;
         default: {  // a beginning that ends: the sender was interrupted and starts again
           const auto end = frame.begin() + somewhere();
